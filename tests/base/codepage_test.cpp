@@ -1,0 +1,133 @@
+#include <gtest/gtest.h>
+
+#include "base/codepage.h"
+#include "base/mazovia.h"
+
+namespace {
+
+struct LetterRow {
+  const char* utf8;
+  unsigned char maz, latin2, win1250, iso;
+};
+
+// The published bytes of the 18 Polish letters.
+constexpr LetterRow kLetters[] = {
+    {"ą", 0x86, 0xA5, 0xB9, 0xB1}, {"ć", 0x8D, 0x86, 0xE6, 0xE6}, {"ę", 0x91, 0xA9, 0xEA, 0xEA},
+    {"ł", 0x92, 0x88, 0xB3, 0xB3}, {"ń", 0xA4, 0xE4, 0xF1, 0xF1}, {"ó", 0xA2, 0xA2, 0xF3, 0xF3},
+    {"ś", 0x9E, 0x98, 0x9C, 0xB6}, {"ź", 0xA6, 0xAB, 0x9F, 0xBC}, {"ż", 0xA7, 0xBE, 0xBF, 0xBF},
+    {"Ą", 0x8F, 0xA4, 0xA5, 0xA1}, {"Ć", 0x95, 0x8F, 0xC6, 0xC6}, {"Ę", 0x90, 0xA8, 0xCA, 0xCA},
+    {"Ł", 0x9C, 0x9D, 0xA3, 0xA3}, {"Ń", 0xA5, 0xE3, 0xD1, 0xD1}, {"Ó", 0xA3, 0xE0, 0xD3, 0xD3},
+    {"Ś", 0x98, 0x97, 0x8C, 0xA6}, {"Ź", 0xA0, 0x8D, 0x8F, 0xAC}, {"Ż", 0xA1, 0xBD, 0xAF, 0xAF},
+};
+
+TEST(CodePage, EveryLetterThroughEveryConversionAndBack) {
+  for (const auto& l : kLetters) {
+    SCOPED_TRACE(l.utf8);
+    EXPECT_EQ(MazToLatin2(l.maz), l.latin2);
+    EXPECT_EQ(MazToLatin2Text(l.maz), l.latin2);
+    EXPECT_EQ(Latin2ToMaz(l.latin2), l.maz);
+    EXPECT_EQ(MazToCp1250(l.maz), l.win1250);
+    EXPECT_EQ(Cp1250ToMaz(l.win1250), l.maz);
+    EXPECT_EQ(MazToIsoScreen(l.maz), l.iso);
+    EXPECT_EQ(MazToIsoFile(l.maz), l.iso);
+    EXPECT_EQ(IsoToMaz(l.iso), l.maz);
+    EXPECT_EQ(MazToDb(l.maz), l.iso);
+    EXPECT_EQ(DbToMaz(l.iso), l.maz);
+    EXPECT_EQ(MazToPlain(l.maz), l.maz);
+    EXPECT_TRUE(IsPolishLetter(l.maz));
+    EXPECT_EQ(Utf8ToMaz(ShortText(l.utf8)), ShortText(std::string_view(reinterpret_cast<const char*>(&l.maz), 1)));
+  }
+}
+
+TEST(CodePage, SystemOwnLettersGoOutPlain) {
+  const unsigned char own[] = {0xAD, 0xAE, 0xAF, 0xB0, 0xB1, 0xB2};
+  const char plain[] = {'A', 'E', 'E', 'O', 'O', 'U'};
+  for (int i = 0; i < 6; ++i) {
+    EXPECT_EQ(MazToLatin2(own[i]), plain[i]);
+    EXPECT_EQ(MazToLatin2Text(own[i]), plain[i]);
+    EXPECT_EQ(MazToCp1250(own[i]), plain[i]);
+    EXPECT_EQ(MazToIsoFile(own[i]), plain[i]);
+    EXPECT_EQ(MazToAscii(own[i]), plain[i]);
+    EXPECT_EQ(MazToPlain(own[i]), plain[i]);
+    EXPECT_EQ(MazUpCase(own[i]), own[i]) << "case rules leave the system's own letters";
+  }
+  EXPECT_EQ(MazToPlain(0x9B), 'w');
+  EXPECT_EQ(MazToAscii(0x9B), 'w');
+  EXPECT_EQ(MazToIsoScreen(0x9B), 'w');
+}
+
+TEST(CodePage, FrameBytesPerBorder) {
+  EXPECT_EQ(MazToLatin2(0xB7), 0xBF);
+  EXPECT_EQ(MazToLatin2(0xD4), 0xC0);
+  EXPECT_EQ(MazToLatin2(0xDD), 0xDB);
+  EXPECT_EQ(MazToLatin2(0xFB), '<');
+  EXPECT_EQ(MazToLatin2Text(0xB7), 0xB7) << "files keep frames";
+  EXPECT_EQ(MazToIsoScreen(0xB3), '|');
+  EXPECT_EQ(MazToIsoScreen(0xC4), '-');
+  EXPECT_EQ(MazToIsoScreen(0xD9), '-');
+  EXPECT_EQ(MazToIsoScreen(0xDB), '#');
+  EXPECT_EQ(MazToIsoScreen(0xDC), '_');
+  EXPECT_EQ(MazToIsoScreen(0xDF), '^');
+  EXPECT_EQ(MazToIsoScreen(0xC9), ' ') << "an unlisted corner is a blank";
+  EXPECT_EQ(MazToIsoScreen(0x7E), ' ');
+  EXPECT_EQ(MazToIsoScreen(0x18), '!');
+  EXPECT_EQ(MazToIsoScreen(0x19), 0xAD);
+  EXPECT_EQ(MazToIsoScreen('z'), 'z');
+  EXPECT_EQ(MazToIsoFile(0xBA), '|');
+  EXPECT_EQ(MazToIsoFile(0xB7), '*');
+  EXPECT_EQ(MazToIsoFile(0xBC), 0xD9);
+  EXPECT_EQ(MazToIsoFile(0xBF), '>');
+  EXPECT_EQ(MazToIsoFile(0xCD), 0xC4);
+  EXPECT_EQ(MazToAscii(0x80), '$');
+  EXPECT_EQ(Latin2ToMaz(0xA2), 0xA2);
+}
+
+TEST(CodePage, AsciiFoldsBothZetsToZ) {
+  EXPECT_EQ(MazToAscii("Źdźbło Żółw"_mz), ShortText("Zdzblo Zolw"));
+}
+
+TEST(CodePage, DatabaseRoundTripKeepsSeparatorAndNul) {
+  EXPECT_EQ(MazToDb(255), 1);
+  EXPECT_EQ(DbToMaz(1), 255);
+  EXPECT_EQ(DbToMaz(0), 0);
+  // Every byte that is not a Polish letter's database form comes back as it went.
+  for (int b = 0; b < 256; ++b) {
+    auto c = static_cast<unsigned char>(b);
+    bool collides = false;
+    for (const auto& l : kLetters) collides |= (l.iso == c && l.maz != c);
+    if (collides || c == 1) continue;
+    EXPECT_EQ(DbToMaz(MazToDb(c)), c) << b;
+  }
+  char buf[] = {'\xFF', 'a', '\x86', '\0'};
+  MazToDbInPlace(buf, 3);
+  EXPECT_EQ(static_cast<unsigned char>(buf[0]), 1);
+  EXPECT_EQ(static_cast<unsigned char>(buf[2]), 0xB1);
+  DbToMazInPlace(buf, 3);
+  EXPECT_EQ(static_cast<unsigned char>(buf[0]), 255);
+  EXPECT_EQ(static_cast<unsigned char>(buf[2]), 0x86);
+}
+
+TEST(CodePage, CaseRules) {
+  EXPECT_EQ(MazUpCase(0xA2), 0xA3);  // ó
+  EXPECT_EQ(MazUpCase(0xA7), 0xA1);  // ż
+  EXPECT_EQ(MazUpCase('q'), 'Q');
+  EXPECT_EQ(MazUpCase(0x9B), 0x9B);
+  EXPECT_EQ(MazUpCaseText("zażółć gęślą jaźń"_mz), "ZAŻÓŁĆ GĘŚLĄ JAŹŃ"_mz);
+  EXPECT_EQ(MazLowCaseText("ZAŻÓŁĆ GĘŚLĄ JAŹŃ"_mz), "zażółć gęślą jaźń"_mz);
+}
+
+TEST(CodePage, Digraph) {
+  EXPECT_EQ(MazToDigraph("łąka"_mz), ShortText("l,a,k a "));
+  EXPECT_EQ(MazToDigraph("żŻź"_mz), ShortText("z.Z.z,"));
+  ShortText longer(std::string(200, 'x'));
+  EXPECT_EQ(MazToDigraph(longer).Length(), 254) << "input cut at 127 characters";
+  EXPECT_EQ(MazToDigraph(ShortText()).Length(), 0);
+}
+
+TEST(CodePage, Utf8LeavesOtherBytes) {
+  ShortText mixed("a\xC4\x85" "b\xC3" "\xE2\x94\x80\xC5");
+  ShortText want("a\x86" "b\xC3" "\xE2\x94\x80\xC5");
+  EXPECT_EQ(Utf8ToMaz(mixed), want);
+}
+
+}  // namespace
