@@ -3,9 +3,13 @@
 
 #include <fstream>
 #include <sstream>
+#include <initializer_list>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "dbfixture.h"
+#include "sqltable/pglib.h"
 #include "sqltable/pgtable.h"
 
 // A suite whose tests each start on an empty database, connected through
@@ -50,3 +54,13 @@ class CatalogueTest : public ConnectedTest {
     ASSERT_EQ(PGinitializett(), 0) << PGLastOp.Str();
   }
 };
+
+// Creates a table from (name, type) pairs.
+inline int16_t CreateTable(const ShortText& path, std::initializer_list<std::pair<const char*, const char*>> fields) {
+  std::vector<PGName> names, types;
+  for (const auto& f : fields) {
+    names.emplace_back(f.first);
+    types.emplace_back(f.second);
+  }
+  return PGTblCreate(path, static_cast<int>(names.size()), names.data(), types.data());
+}
