@@ -1,6 +1,7 @@
 // The per-suite part of the database fixture.
 #include "dbfixture.h"
 
+#include <libpq-fe.h>
 #include <unistd.h>
 
 #include <cctype>
@@ -13,6 +14,7 @@ namespace fs = std::filesystem;
 namespace {
 
 DbContext gDb;
+PGconn* gAdmin = nullptr;  // the fixture's own connection to the suite's database
 pid_t gPrivateClusterOwner = 0;
 std::string gPrivateStateDir;
 
@@ -47,9 +49,52 @@ bool EnsureCluster(PgCluster& cluster, std::string& error) {
 
 std::string DatabaseName(const char* suite) {
   std::string name = "k_";
-  for (const char* p = suite; *p && name.size() < 40; ++p)
+  for (const char* p = suite; *p && name.size() < 50; ++p)
     name += std::isalnum(static_cast<unsigned char>(*p)) ? static_cast<char>(std::tolower(*p)) : '_';
-  return name + "_" + std::to_string(getpid());
+  return name;
+}
+
+std::string ConnInfo(const PgCluster& c, const std::string& dbname) {
+  return "host=" + c.socketDir + " port=" + std::to_string(c.port) + " user=" + c.user + " dbname=" + dbname;
+}
+
+// Runs SQL on a connection; rows as psql -At prints them.
+bool RunSql(PGconn* conn, const std::string& sql, std::string* output) {
+  if (output) output->clear();
+  PGresult* res = PQexec(conn, sql.c_str());
+  const ExecStatusType status = PQresultStatus(res);
+  const bool ok = status == PGRES_COMMAND_OK || status == PGRES_TUPLES_OK;
+  if (output) {
+    if (!ok) *output = PQerrorMessage(conn);
+    for (int r = 0; ok && r < PQntuples(res); ++r) {
+      for (int c = 0; c < PQnfields(res); ++c) *output += std::string(c ? "|" : "") + PQgetvalue(res, r, c);
+      *output += '\n';
+    }
+  }
+  PQclear(res);
+  return ok;
+}
+
+PGconn* Connect(const PgCluster& c, const std::string& dbname) {
+  PGconn* conn = PQconnectdb(ConnInfo(c, dbname).c_str());
+  if (PQstatus(conn) == CONNECTION_OK) return conn;
+  PQfinish(conn);
+  return nullptr;
+}
+
+// The suite's database is made by the first of its test processes; a sibling
+// that races it finds it made.
+PGconn* ConnectSuiteDatabase(const PgCluster& cluster, const std::string& dbname, std::string& error) {
+  for (int attempt = 0; attempt < 100; ++attempt) {
+    if (PGconn* conn = Connect(cluster, dbname)) return conn;
+    if (PGconn* admin = Connect(cluster, "postgres")) {
+      RunSql(admin, "CREATE DATABASE " + dbname, &error);
+      PQfinish(admin);
+    }
+    if (attempt > 0) usleep(50000);
+  }
+  error = "cannot make database " + dbname + ": " + error;
+  return nullptr;
 }
 
 bool MakeHome(DbContext& db) {
@@ -69,9 +114,14 @@ void DbTest::SetUpTestSuite() {
   const char* suite = ::testing::UnitTest::GetInstance()->current_test_suite()->name();
   if (!EnsureCluster(gDb.cluster, gDb.error)) return;
   gDb.dbname = DatabaseName(suite);
-  std::string out;
-  if (!PgPsql(gDb.cluster, "postgres", "CREATE DATABASE " + gDb.dbname, &out)) {
-    gDb.error = "CREATE DATABASE failed: " + out;
+  gAdmin = ConnectSuiteDatabase(gDb.cluster, gDb.dbname, gDb.error);
+  if (!gAdmin) return;
+  // Every connection of this process works in its own schema.
+  gDb.schema = "p" + std::to_string(getpid());
+  setenv("PGOPTIONS", ("-c search_path=" + gDb.schema).c_str(), 1);
+  RunSql(gAdmin, "SET client_min_messages=warning; SET search_path=" + gDb.schema, nullptr);
+  if (!WipeDatabase()) {
+    gDb.error = "cannot make schema " + gDb.schema;
     return;
   }
   if (!MakeHome(gDb)) {
@@ -84,10 +134,14 @@ void DbTest::SetUpTestSuite() {
 
 void DbTest::TearDownTestSuite() {
   if (!gDb.startDir.empty()) (void)chdir(gDb.startDir.c_str());
-  if (!gDb.dbname.empty())
-    PgPsql(gDb.cluster, "postgres", "DROP DATABASE IF EXISTS " + gDb.dbname + " WITH (FORCE)");
+  if (gAdmin) {
+    Psql("DROP SCHEMA IF EXISTS " + gDb.schema + " CASCADE");
+    PQfinish(gAdmin);
+    gAdmin = nullptr;
+  }
   std::error_code ignored;
   if (!gDb.home.empty()) fs::remove_all(gDb.home, ignored);
+  unsetenv("PGOPTIONS");
   gDb = DbContext{};
 }
 
@@ -96,7 +150,7 @@ void DbTest::SetUp() { ASSERT_TRUE(gDb.ready) << "database fixture: " << gDb.err
 const DbContext& DbTest::Db() { return gDb; }
 
 bool DbTest::Psql(const std::string& sql, std::string* output) {
-  return PgPsql(gDb.cluster, gDb.dbname, sql, output);
+  return gAdmin && RunSql(gAdmin, sql, output);
 }
 
 void DbTest::WriteConnParm(const std::string& host, const std::string& hostaddr, const std::string& port,
@@ -110,5 +164,5 @@ void DbTest::WriteDefaultConnParm() {
 }
 
 bool DbTest::WipeDatabase() {
-  return Psql("DROP SCHEMA public CASCADE; CREATE SCHEMA public;");
+  return Psql("DROP SCHEMA IF EXISTS " + gDb.schema + " CASCADE; CREATE SCHEMA " + gDb.schema);
 }

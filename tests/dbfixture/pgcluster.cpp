@@ -13,7 +13,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 
 namespace fs = std::filesystem;
 
@@ -193,23 +192,4 @@ void PgClusterStop(const std::string& stateDir) {
 bool PgClusterRead(const std::string& stateDir, PgCluster& c) {
   if (!ReadInfo(stateDir, c)) return false;
   return fs::exists(c.socketDir + "/.s.PGSQL." + std::to_string(c.port));
-}
-
-bool PgPsql(const PgCluster& c, const std::string& dbname, const std::string& sql, std::string* output) {
-  char path[] = "/tmp/klote-psql-XXXXXX";
-  int fd = mkstemp(path);
-  if (fd < 0) return false;
-  close(fd);
-  const int status = PgRunProgram({c.binDir + "/psql", "-X", "-q", "-A", "-t", "-v", "ON_ERROR_STOP=1", "-h",
-                                   c.socketDir, "-p", std::to_string(c.port), "-U", c.user, "-d", dbname, "-c",
-                                   sql},
-                                  path);
-  if (output) {
-    std::ifstream in(path);
-    std::stringstream all;
-    all << in.rdbuf();
-    *output = all.str();
-  }
-  unlink(path);
-  return status == 0;
 }

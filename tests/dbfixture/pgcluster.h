@@ -28,10 +28,6 @@ bool PgClusterStart(const std::string& stateDir, PgCluster& cluster, std::string
 void PgClusterStop(const std::string& stateDir);
 // Reads the cluster recorded in stateDir; false when none is recorded or it does not answer.
 bool PgClusterRead(const std::string& stateDir, PgCluster& cluster);
-// Runs psql on a database with one SQL text; true on success, rows (unaligned,
-// tuples only) in output.
-bool PgPsql(const PgCluster& cluster, const std::string& dbname, const std::string& sql,
-            std::string* output = nullptr);
 // Runs a program and waits; the exit status, or -1 when it could not run.
 // Output goes to outputFile when given, else it is discarded.
 int PgRunProgram(const std::vector<std::string>& argv, const std::string& outputFile = "");

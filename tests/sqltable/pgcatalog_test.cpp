@@ -37,11 +37,11 @@ TEST_F(TableTest, CreateWritesCatalogueRowsAndTheServerTable) {
   // The row id comes first, then the fields in their order.
   EXPECT_EQ(Scalar("SELECT string_agg(column_name || ' ' || format_type(atttypid, atttypmod), ',' ORDER BY attnum) "
                    "FROM information_schema.columns c JOIN pg_attribute a ON a.attrelid='dane_magazyny'::regclass "
-                   "AND a.attname=c.column_name WHERE c.table_name='dane_magazyny'"),
+                   "AND a.attname=c.column_name WHERE c.table_schema=current_schema() AND c.table_name='dane_magazyny'"),
                 "oid bigint,nr integer,nazwa character varying(25),znak character(1),data date,ile smallint,"
                 "duzo bigint,cena double precision,kwota double precision,dokl numeric(28,7),notatka text");
-  EXPECT_EQ(Scalar("SELECT indexdef FROM pg_indexes WHERE indexname='dane_magazyny_oidindeks'"),
-            "CREATE UNIQUE INDEX dane_magazyny_oidindeks ON public.dane_magazyny USING btree (oid)");
+  EXPECT_EQ(Scalar("SELECT replace(indexdef, current_schema() || '.', '') FROM pg_indexes WHERE schemaname=current_schema() AND indexname='dane_magazyny_oidindeks'"),
+            "CREATE UNIQUE INDEX dane_magazyny_oidindeks ON dane_magazyny USING btree (oid)");
   // Rows get ids without naming them.
   ASSERT_TRUE(Psql("INSERT INTO dane_magazyny (nr) VALUES (1),(2)"));
   EXPECT_EQ(Scalar("SELECT string_agg(oid::text, ',' ORDER BY oid) FROM dane_magazyny"), "1,2");
@@ -319,7 +319,7 @@ TEST_F(TableTest, TemporaryTablesAreRecordedAndLiveInTheSession) {
   EXPECT_EQ(Scalar("SELECT string_agg(temp, ',') FROM tables_list"), "*,*");
   // The server table lives in this session only.
   EXPECT_EQ(Scalar("SELECT count(*) FROM pg_tables WHERE tablename='" + std::string(MazLowCaseText(name).View()) +
-                   "' AND schemaname='public'"),
+                   "' AND schemaname=current_schema()"),
             "0");
   PGResult res;
   EXPECT_EQ(PGRunQueryWithTup("SELECT * FROM " + name.Str(), res), 0);

@@ -152,7 +152,7 @@ TEST_F(ConnectionTest, InitFindsTheCatalogueOnlyAfterItIsCreated) {
   EXPECT_EQ(PGInit(), 0);
   EXPECT_EQ(PGinitializett(), kPGCatalogueNotCreated);
   std::string out;
-  Psql("SELECT indexname FROM pg_indexes WHERE tablename='tables_list' ORDER BY 1", &out);
+  Psql("SELECT indexname FROM pg_indexes WHERE schemaname=current_schema() AND tablename='tables_list' ORDER BY 1", &out);
   EXPECT_EQ(out, "tables_list_lp\ntables_list_pkey\n");
 }
 

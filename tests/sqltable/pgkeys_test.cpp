@@ -13,11 +13,11 @@ class KeyTest : public CatalogueTest {
     for (int h = kPGFirstComposite; h <= kPGLastComposite; ++h) PGKeyRelease(h);
   }
   static std::string Indexes(const std::string& table) {
-    return Scalar("SELECT string_agg(indexname, ',' ORDER BY indexname) FROM pg_indexes WHERE tablename='" + table +
+    return Scalar("SELECT string_agg(indexname, ',' ORDER BY indexname) FROM pg_indexes WHERE schemaname=current_schema() AND tablename='" + table +
                   "'");
   }
   static std::string IndexDef(const std::string& index) {
-    return Scalar("SELECT regexp_replace(indexdef, '.* USING btree ', '') FROM pg_indexes WHERE indexname='" +
+    return Scalar("SELECT regexp_replace(indexdef, '.* USING btree ', '') FROM pg_indexes WHERE schemaname=current_schema() AND indexname='" +
                   index + "'");
   }
   static std::string Flags(const std::string& table) {
@@ -68,8 +68,8 @@ TEST_F(KeyTest, SingleFieldIndexesAndTheirKinds) {
   ASSERT_EQ(PGKeyAdd("dane\\t", 1, c, 3), 0);
   EXPECT_EQ(IndexDef("dane_t_b"), "(b)");
   EXPECT_EQ(Flags("DANE_T"), "1/*///0/0/0 2//*//0/1/0 3//*//0/3/0");
-  EXPECT_EQ(Scalar("SELECT indexdef LIKE 'CREATE UNIQUE%' FROM pg_indexes WHERE indexname='dane_t_c'"), "t");
-  EXPECT_EQ(Scalar("SELECT indexdef LIKE 'CREATE UNIQUE%' FROM pg_indexes WHERE indexname='dane_t_b'"), "f");
+  EXPECT_EQ(Scalar("SELECT indexdef LIKE 'CREATE UNIQUE%' FROM pg_indexes WHERE schemaname=current_schema() AND indexname='dane_t_c'"), "t");
+  EXPECT_EQ(Scalar("SELECT indexdef LIKE 'CREATE UNIQUE%' FROM pg_indexes WHERE schemaname=current_schema() AND indexname='dane_t_b'"), "f");
   EXPECT_EQ(PGKeyAdd("dane\\t", 1, b, 1), kPGIndexNotCreated);  // already there
 }
 
@@ -105,7 +105,7 @@ TEST_F(KeyTest, ExtendedTwinsFollowTheTableName) {
     }
     const std::string table = MazLowCaseText(PGSqlName(c.path)).Str();
     const std::string twin = table + "_f" + std::to_string(c.field) + "_u";
-    EXPECT_EQ(Scalar("SELECT count(*) FROM pg_indexes WHERE indexname='" + twin + "'"), c.twin ? "1" : "0")
+    EXPECT_EQ(Scalar("SELECT count(*) FROM pg_indexes WHERE schemaname=current_schema() AND indexname='" + twin + "'"), c.twin ? "1" : "0")
         << c.path << " field " << c.field;
     if (c.twin) {
       EXPECT_EQ(IndexDef(twin), keyCount == 1 ? "(f2, f1)" : "(f" + std::to_string(c.field) + ", f1, f2)");

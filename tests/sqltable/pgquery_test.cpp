@@ -135,8 +135,9 @@ TEST_F(TransactionTest, AllFormsEndEveryLevelAtOnce) {
 class TransactionFatalTest : public ConnectedTest {
  protected:
   void KillBackend() {
-    ASSERT_TRUE(Psql("SELECT pg_terminate_backend(pid) FROM pg_stat_activity WHERE datname='" + Db().dbname +
-                     "' AND pid <> pg_backend_pid()"));
+    PGResult res;
+    ASSERT_EQ(PGRunQueryWithTup("SELECT pg_backend_pid()", res), 0);
+    ASSERT_TRUE(Psql("SELECT pg_terminate_backend(" + std::string(res.Value(0, 0)) + ")"));
   }
 };
 

@@ -26,7 +26,7 @@ class StructureTest : public CatalogueTest {
   }
   static std::string Indexes(const std::string& table) {
     return Scalar("SELECT string_agg(regexp_replace(indexdef, '.* INDEX (\\S+) ON \\S+ USING btree ', '\\1 '), ';' "
-                  "ORDER BY indexname) FROM pg_indexes WHERE tablename='" + table + "'");
+                  "ORDER BY indexname) FROM pg_indexes WHERE schemaname=current_schema() AND tablename='" + table + "'");
   }
 };
 
