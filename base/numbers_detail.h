@@ -1,7 +1,6 @@
 // Private helpers shared by the number formatters; not for other folders.
 #pragma once
 
-#include <charconv>
 #include <string_view>
 
 #include "base/real.h"
@@ -24,8 +23,16 @@ struct NumberText {
   int length = 0;
   std::string_view View() const { return std::string_view(bytes, static_cast<std::size_t>(length)); }
 };
-// Locale-independent text, rounded to nearest by the C++ library.
-NumberText Written(Real value, std::chars_format form, int decimals);
+// Fixed text with the decimals ("-12.50", "-0.00"), from 18 significant
+// digits rounded half up; locale-independent.
+NumberText FixedText(Real value, int decimals);
+// Mantissa with a sign when negative and the decimals ("-1.50"), and the
+// decimal exponent, from the same 18 digits.
+struct ScientificText {
+  NumberText mantissa;
+  int exponent = 0;
+};
+ScientificText ScientificOf(Real value, int decimals);
 // The mantissa part (before any 'E') has digits, all of them 0.
 bool ReadsAsZero(std::string_view s);
 // Outside the range that FormatFixed writes in fixed form.

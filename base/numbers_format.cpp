@@ -27,13 +27,6 @@ ShortText AlignRight(std::string_view s, int width) {
   return r;
 }
 
-NumberText Written(Real value, std::chars_format form, int decimals) {
-  NumberText t;
-  auto r = std::to_chars(t.bytes, t.bytes + sizeof t.bytes, value, form, decimals);
-  t.length = r.ec == std::errc() ? static_cast<int>(r.ptr - t.bytes) : 0;
-  return t;
-}
-
 bool ReadsAsZero(std::string_view s) {
   bool digit = false;
   for (char c : s) {
@@ -62,41 +55,23 @@ namespace {
 
 using namespace numbers_detail;
 
-ShortText WithoutNegativeZero(ShortText t) {
-  if (ReadsAsZero(t.View())) {
-    int p = t.Pos('-');
-    if (p > 0) t[p] = ' ';
-  }
+// The '-' of a text that reads as zero becomes a blank; a text that had passed
+// the width gives back the blanks in front that it no longer needs.
+ShortText WithoutNegativeZero(ShortText t, int width) {
+  if (!ReadsAsZero(t.View())) return t;
+  int p = t.Pos('-');
+  if (p == 0) return t;
+  t[p] = ' ';
+  while (t.Length() > width && t.At(1) == ' ') t.Delete(1, 1);
   return t;
-}
-
-// Scientific text split at the exponent: "1.50e+06" gives mantissa "1.50", exponent 6.
-struct Scientific {
-  NumberText text;
-  int mantissaLength = 0;
-  int exponent = 0;
-};
-
-Scientific WriteScientific(Real value, int decimals) {
-  Scientific s{Written(value, std::chars_format::scientific, decimals)};
-  std::string_view v = s.text.View();
-  std::size_t e = v.find('e');
-  s.mantissaLength = static_cast<int>(e == std::string_view::npos ? v.size() : e);
-  if (e != std::string_view::npos) {
-    const char* first = v.data() + e + 1;
-    if (*first == '+') ++first;
-    std::from_chars(first, v.data() + v.size(), s.exponent);
-  }
-  return s;
 }
 
 // Exponent form with a sign place, as many mantissa decimals as the width
 // leaves (at least one) and a four-digit exponent: " 1.5E+0006", "-2.0E-0003".
 ShortText ExponentForm(Real value, int width) {
-  int decimals = width - 9 < 1 ? 1 : width - 9;
-  Scientific s = WriteScientific(std::fabs(value), decimals);
-  ShortText r(value < 0 ? "-" : " ");
-  r.Append(s.text.View().substr(0, static_cast<std::size_t>(s.mantissaLength)));
+  ScientificText s = ScientificOf(value, width - 9 < 1 ? 1 : width - 9);
+  ShortText r(value < 0 ? "" : " ");
+  r.Append(s.mantissa.View());
   int e = s.exponent < 0 ? -s.exponent : s.exponent;
   char digits[8];
   auto end = std::to_chars(digits, digits + sizeof digits, e).ptr;
@@ -119,7 +94,7 @@ ShortText FormatFixed(int width, int decimals, Real value) {
   decimals = ClampDecimals(decimals);
   if (Unwritable(value)) return Marks(width);
   if (BeyondFixedLimits(width, decimals, value)) return ExponentForm(value, width);
-  return WithoutNegativeZero(AlignRight(Written(value, std::chars_format::fixed, decimals).View(), width));
+  return WithoutNegativeZero(AlignRight(FixedText(value, decimals).View(), width), width);
 }
 
 ShortText FormatFixedOrBlank(int width, int decimals, Real value) {
@@ -136,6 +111,6 @@ ShortText FormatFull(Real value) {
   if (std::isnan(value)) return ShortText("?");
   if (std::isinf(value)) return ShortText("!");
   if (value == 0) return ShortText();
-  NumberText t = Written(value, std::chars_format::fixed, 30);
+  NumberText t = FixedText(value, 30);
   return ShortText(TrimFraction(t.View()));
 }

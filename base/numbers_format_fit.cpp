@@ -1,5 +1,6 @@
 // Formatters that fit a value into a width by trimming, cutting, rounding or
 // grouping its digits.
+#include <charconv>
 #include <cmath>
 
 #include "base/numbers.h"
@@ -26,23 +27,18 @@ std::string_view TrimLeftBlanks(std::string_view s) {
 // Exponent form without padding: mantissa zeros and exponent leading zeros
 // dropped, "1.5E+12", "-2E-7".
 ShortText ShortExponentForm(Real value, int mantissaDecimals) {
-  NumberText t = Written(value, std::chars_format::scientific, mantissaDecimals);
-  std::string_view v = t.View();
-  std::size_t e = v.find('e');
-  ShortText r(TrimFraction(v.substr(0, e)));
-  r.Append('E');
-  std::string_view exponent = v.substr(e + 1);
-  r.Append(exponent[0]);
-  exponent.remove_prefix(1);
-  while (exponent.size() > 1 && exponent.front() == '0') exponent.remove_prefix(1);
-  r.Append(exponent);
+  ScientificText s = ScientificOf(value, mantissaDecimals);
+  ShortText r(TrimFraction(s.mantissa.View()));
+  char digits[8];
+  auto end = std::to_chars(digits, digits + sizeof digits, s.exponent < 0 ? -s.exponent : s.exponent).ptr;
+  r.Append(s.exponent < 0 ? "E-" : "E+");
+  r.Append(std::string_view(digits, static_cast<std::size_t>(end - digits)));
   return r;
 }
 
 // Number of characters of the integer part of value, with its sign.
 int IntegerPartLength(Real value) {
-  NumberText t = Written(std::trunc(value), std::chars_format::fixed, 0);
-  return t.length;
+  return FixedText(std::trunc(value), 0).length;
 }
 
 }  // namespace
@@ -51,7 +47,7 @@ ShortText FormatCompact(int width, Real value) {
   width = ClampWidth(width);
   if (Unwritable(value)) return Marks(width);
   if (value == 0) return AlignRight("-", width);
-  NumberText t = Written(value, std::chars_format::fixed, width > 0 ? width - 1 : 0);
+  NumberText t = FixedText(value, width > 0 ? width - 1 : 0);
   ShortText s(TrimFraction(t.View()));
   int point = s.Pos('.');
   if ((point > 0 ? point - 1 : s.Length()) > width) return Marks(width);
@@ -84,25 +80,24 @@ ShortText FormatRound(int width, Real value) {
   width = ClampWidth(width);
   if (Unwritable(value)) return Marks(width);
   bool belowOne = std::fabs(value) < 1;
-  // A value below 1 counts its "0" only; the sign may push it past the width.
+  // A value below 1 counts its "0" only; a sign may then push it past the width.
   int integerLength = belowOne ? 1 : IntegerPartLength(value);
   int decimals = width - integerLength - 1;
   ShortText s = FormatFixed(width, decimals < 0 ? 0 : decimals, value);
-  std::string_view text = TrimLeftBlanks(s.View());
-  if (belowOne && static_cast<int>(text.size()) > width) {
-    ShortText cut(text);
-    int zero = cut.Pos('0');
-    if (zero > 0 && zero <= 2) cut.Delete(zero, 1);
-    return AlignRight(cut.View(), width);
+  if (s.Length() <= width) return s;
+  ShortText text(TrimLeftBlanks(s.View()));
+  if (belowOne && text.Length() > width) {
+    int zero = text.Pos('0');
+    if (zero > 0 && zero <= 2 && text.At(zero + 1) == '.') text.Delete(zero, 1);
   }
-  return s;
+  return AlignRight(text.View(), width);
 }
 
 ShortText FormatMoney(int width, int decimals, Real value) {
   width = ClampWidth(width);
   decimals = ClampDecimals(decimals);
   if (Unwritable(value) || BeyondFixedLimits(width, decimals, value)) return Marks(width);
-  NumberText t = Written(std::fabs(value), std::chars_format::fixed, decimals);
+  NumberText t = FixedText(std::fabs(value), decimals);
   std::string_view digits = t.View();
   std::size_t point = digits.find('.');
   std::string_view whole = digits.substr(0, point);
