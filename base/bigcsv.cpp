@@ -12,6 +12,7 @@ std::size_t Capacity(std::size_t size) {
 // Length of the text: up to the first zero, or the usable bytes when none.
 std::size_t TextLength(BigCsvConstBuffer buffer) {
   std::size_t cap = Capacity(buffer.size());
+  if (cap == 0) return 0;
   const void* zero = std::memchr(buffer.data(), 0, cap);
   return zero ? static_cast<std::size_t>(static_cast<const char*>(zero) - buffer.data()) : cap;
 }
