@@ -10,6 +10,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <ctime>
 #include <string>
 #include <vector>
@@ -31,7 +32,8 @@ uint8_t AttrOf(const char* name, const struct stat& st) {
   if (S_ISDIR(st.st_mode)) attr |= kAttrDirectory;
   else if (S_ISREG(st.st_mode)) attr |= kAttrArchive;
   else attr |= kAttrSysFile;
-  if (name[0] == '.' && name[1] != '\0' && !(name[1] == '.' && name[2] == '\0') ) attr |= kAttrHidden;
+  const bool dotEntry = std::strcmp(name, ".") == 0 || std::strcmp(name, "..") == 0;
+  if (name[0] == '.' && !dotEntry) attr |= kAttrHidden;
   if ((st.st_mode & (S_IWUSR | S_IWGRP | S_IWOTH)) == 0) attr |= kAttrReadOnly;
   return attr;
 }
@@ -119,7 +121,7 @@ bool FileSearch::Next() {
   if (dir_ == nullptr) return false;
   const std::string pattern = pattern_.Str();
   while (const dirent* entry = ::readdir(static_cast<DIR*>(dir_))) {
-    if (::fnmatch(pattern.c_str(), entry->d_name, FNM_PERIOD) != 0) continue;
+    if (::fnmatch(pattern.c_str(), entry->d_name, 0) != 0) continue;
     if (Matches(entry->d_name, found_)) return true;
   }
   return false;
