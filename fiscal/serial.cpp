@@ -152,6 +152,7 @@ int PosnetSend(double seconds, std::string_view text) {
       }
       Tick();
     }
+    ++p.state.bytesSent;
   }
   return 0;
 }
@@ -162,6 +163,7 @@ int PosnetGetByte() {
   unsigned char buf[ReceiveRing::kSize];
   ssize_t n = p.state.fd >= 0 ? ::read(p.state.fd, buf, sizeof buf) : -1;
   if (n > 0) {
+    p.state.bytesReceived += static_cast<uint64_t>(n);
     for (ssize_t i = 1; i < n; ++i) p.ring.Put(buf[i]);
     p.state.lineFailed = false;
     return buf[0];

@@ -41,6 +41,8 @@ struct PosnetLineState {
   bool lineFailed = false;  // a read or write found nothing; makes PosnetClose close
   int16_t timeoutTicks = 0; // remaining 5 ms ticks of the current wait
   int opens = 0;            // how many times the device was really opened (and flushed)
+  uint64_t bytesSent = 0;     // bytes written to the line since the process started
+  uint64_t bytesReceived = 0; // bytes read from the line since the process started
 };
 
 // The line's present state.

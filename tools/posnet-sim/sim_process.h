@@ -1,4 +1,4 @@
-// Runs tools/posnet-sim as a child process for a test, on a pseudo-terminal of its own.
+// Runs posnet-sim as a child process (for tests and benchmarks), on a pseudo-terminal of its own.
 #pragma once
 
 #include <string>

@@ -20,7 +20,7 @@ SimProcess::SimProcess(std::vector<std::string> args) {
   char tmpl[] = "/tmp/posnet-sim-XXXXXX";
   if (!mkdtemp(tmpl)) return;
   dir_ = tmpl;
-  args.insert(args.begin(), {KLOTE_BINARY_DIR "/tools/posnet-sim/posnet-sim", "--journal",
+  args.insert(args.begin(), {POSNET_SIM_PATH, "--journal",
                              dir_ + "/journal", "--trace", dir_ + "/trace"});
   int out[2];
   if (pipe(out) != 0) return;
