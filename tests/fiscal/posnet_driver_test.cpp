@@ -1,6 +1,9 @@
 // The POSNET driver against the printer simulator over a real pseudo-terminal.
 #include <gtest/gtest.h>
 
+#include <stdlib.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <memory>
 
@@ -228,6 +231,21 @@ TEST_F(PosnetOverPty, OneAnsweredEnquiryWaitsOutHalfASecondAndFailsTheLine) {
   EXPECT_TRUE(PosnetLine().lineFailed);
   PosnetClose();
   EXPECT_TRUE(PosnetLine().portClosed);
+}
+
+TEST_F(PosnetOverPty, LinkedSimulatorIsReachedThroughThePrefixSetting) {
+  char dir[] = "/tmp/posnet-link-XXXXXX";
+  ASSERT_TRUE(mkdtemp(dir));
+  std::string link = std::string(dir) + "/ttyS2";
+  sim_ = std::make_unique<SimProcess>(std::vector<std::string>{"--link", link});
+  setenv("KLOTE_SERIAL_PREFIX", (std::string(dir) + "/ttyS").c_str(), 1);
+  PosnetOpen(3);
+  unsetenv("KLOTE_SERIAL_PREFIX");
+  ASSERT_FALSE(PosnetLine().portClosed);
+  EXPECT_EQ(PosnetDailyReportCommand(), 0);
+  EXPECT_TRUE(Has(sim_->Journal(), "DAILY REPORT"));
+  unlink(link.c_str());
+  rmdir(dir);
 }
 
 TEST(PosnetClosedPort, EveryCommandAnswersMinus5AndTheTextSaysSo) {
