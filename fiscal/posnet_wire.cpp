@@ -69,15 +69,25 @@ PosnetLineBlock LineBlock(const ShortText& a, const ShortText& b, const ShortTex
   return block;
 }
 
-std::string PosnetReceiptLineBody(int i, const ShortText& name, const ShortText& qty,
-                                  const ShortText& vat, int64_t price, int64_t value) {
-  std::string body = PosnetNumber(i) + "$l";
+namespace {
+
+// The part that both forms of a sale line share: name CR quantity CR VAT letter "/".
+void AppendSaleLine(std::string& body, const ShortText& name, const ShortText& qty,
+                    const ShortText& vat) {
   body.append(name.View());
   body += kPosnetCr;
   body.append(qty.View());
   body += kPosnetCr;
   body.append(vat.View());
   body += '/';
+}
+
+}  // namespace
+
+std::string PosnetReceiptLineBody(int i, const ShortText& name, const ShortText& qty,
+                                  const ShortText& vat, int64_t price, int64_t value) {
+  std::string body = PosnetNumber(i) + "$l";
+  AppendSaleLine(body, name, qty, vat);
   return body + MoneyField(price) + MoneyField(value);
 }
 
@@ -85,12 +95,7 @@ std::string PosnetReceiptLineDiscountBody(int i, int kind, const ShortText& name
                                           const ShortText& qty, const ShortText& vat,
                                           const ShortText& text, int64_t price, int64_t value) {
   std::string body = PosnetNumber(i) + ";" + PosnetNumber(kind) + "$l";
-  body.append(name.View());
-  body += kPosnetCr;
-  body.append(qty.View());
-  body += kPosnetCr;
-  body.append(vat.View());
-  body += '/';
+  AppendSaleLine(body, name, qty, vat);
   body.append(text.View());
   body += '/';
   body += MoneyField(price);

@@ -18,6 +18,10 @@ bool Has(const std::vector<std::string>& lines, const std::string& want) {
   return std::find(lines.begin(), lines.end(), want) != lines.end();
 }
 
+void ExpectAll(const std::vector<std::string>& lines, std::initializer_list<std::string> wanted) {
+  for (const auto& w : wanted) EXPECT_TRUE(Has(lines, w)) << w;
+}
+
 int Count(const std::vector<std::string>& lines, const std::string& want) {
   return static_cast<int>(std::count(lines.begin(), lines.end(), want));
 }
@@ -73,14 +77,10 @@ TEST_F(PosnetOverPty, FullReceiptLandsInJournalWithNumberAndPayment) {
   Start();
   ASSERT_EQ(Receipt(kTwoLines, "123", "zapłata: przelew "_mz), 0);
   auto j = sim_->Journal();
-  EXPECT_TRUE(Has(j, "RECEIPT 2"));
-  EXPECT_TRUE(Has(j, "HEAD SKLEP"));
-  EXPECT_TRUE(Has(j, "LINE 1|Chleb razowy|2|A|1.05/2.10/"));
-  EXPECT_TRUE(Has(j, "LINE 2|Maslo extra 200g|1|B|2/2/"));
-  EXPECT_TRUE(Has(j, "CASHIER KASJER"));
-  EXPECT_TRUE(Has(j, "FOOT " + "#123-ZAPŁATA: PRZELEW"_mz.Str()));
-  EXPECT_TRUE(Has(j, "FOOT ** zachowaj paragon do ew. reklamacji **"));
-  EXPECT_TRUE(Has(j, "TOTAL 4.10/ PAID 0/"));
+  ExpectAll(j, {"RECEIPT 2", "HEAD SKLEP", "LINE 1|Chleb razowy|2|A|1.05/2.10/",
+                "LINE 2|Maslo extra 200g|1|B|2/2/", "CASHIER KASJER",
+                "FOOT " + "#123-ZAPŁATA: PRZELEW"_mz.Str(),
+                "FOOT ** zachowaj paragon do ew. reklamacji **", "TOTAL 4.10/ PAID 0/"});
   EXPECT_FALSE(Has(j, "CANCELLED"));
   EXPECT_EQ(PosnetEnquire(1) & kPosnetInTransaction, 0);
 }
@@ -139,22 +139,38 @@ TEST_F(PosnetOverPty, ReportsCashAndDrawerReachThePrinter) {
   EXPECT_EQ(PosnetDisplayText(1, "SZUFLADA"), 0);
   EXPECT_EQ(PosnetPrintLine("wolny tekst"), 0);
   EXPECT_EQ(PosnetModeX(1), 0);  // a message after the display: the display is in the journal
-  auto j = sim_->Journal();
-  EXPECT_TRUE(Has(j, "DAILY REPORT"));
-  EXPECT_TRUE(Has(j, "PERIOD REPORT 24-01-01 24-01-31"));
-  EXPECT_TRUE(Has(j, "PERIOD REPORT 99-12-01 00-01-31"));
-  EXPECT_TRUE(Has(j, "CASH IN 123.45/"));
-  EXPECT_TRUE(Has(j, "DRAWER SZUFLADA"));
-  EXPECT_TRUE(Has(j, "PRINT wolny tekst"));
+  ExpectAll(sim_->Journal(), {"DAILY REPORT", "PERIOD REPORT 24-01-01 24-01-31",
+                              "PERIOD REPORT 99-12-01 00-01-31", "CASH IN 123.45/",
+                              "DRAWER SZUFLADA", "PRINT wolny tekst"});
 }
 
-// Each driver code from the condition that causes it, with its text and the cancel.
-TEST_F(PosnetOverPty, BadStatusFrameEndGivesMinus2AndTheCancel) {
-  Start({"--fail", "1:badend"});
-  ShortText message;
-  EXPECT_EQ(Receipt(kTwoLines, "", "", &message), -2);
-  EXPECT_EQ(message, "Błąd drukarki fiskalnej nr -2:@`brak odpowiedzi drukarki\".@Należy wyjść z programu, wyłączyć i włączyć drukarkę i wejść@ponownie do programu."_mz);
-  EXPECT_TRUE(Has(sim_->Trace(), "CANCEL 0$e"));
+// Each code from the condition that causes it, with its text, and the cancel sent after it.
+TEST_F(PosnetOverPty, EachFailureGivesItsCodeTextAndTheCancel) {
+  const struct {
+    const char* fault;
+    int code;
+    ShortText message;
+    const char* traced;  // what the printer saw besides the cancel
+  } rows[] = {
+      {"3:xoff=1300", -1, "Błąd drukarki fiskalnej nr -1:@`przekroczenie czasu wysyłania (dlugi XOFF)\"."_mz, "XOFF"},
+      {"1:badend", -2, "Błąd drukarki fiskalnej nr -2:@`brak odpowiedzi drukarki\".@Należy wyjść z programu, wyłączyć i włączyć drukarkę i wejść@ponownie do programu."_mz, "STATUS QUERY"},
+      {"2:corrupt", -3, "Błąd drukarki fiskalnej nr -3:@`odpowiedź drukarki nieprawidłowa\"."_mz, "STATUS QUERY"},
+      {"1:error=0", -7, "Błąd drukarki fiskalnej nr -7:@`błąd rozkazu wysłanego do drukarki\"."_mz, "STATUS QUERY"},
+      {"4:error=18", 18, "Błąd drukarki fiskalnej nr 18:@`błędne oznaczenie stawki PTU (lub brak)\"."_mz, "CMD 4 $l"},
+  };
+  for (const auto& r : rows) {
+    SCOPED_TRACE(r.fault);
+    Start({"--fail", r.fault});
+    ShortText message;
+    EXPECT_EQ(Receipt(kTwoLines, "", "", &message), r.code);
+    EXPECT_EQ(message, r.message);
+    auto trace = sim_->Trace();
+    EXPECT_TRUE(Has(trace, r.traced));
+    // A long XOFF is lifted while the cancel waits, so the cancel gets through as well.
+    EXPECT_TRUE(Has(trace, "CANCEL 0$e"));
+    EXPECT_EQ(Has(sim_->Journal(), "CANCELLED"), r.code == 18);
+    TearDown();
+  }
 }
 
 TEST_F(PosnetOverPty, SilentPrinterGivesMinus2) {
@@ -162,41 +178,6 @@ TEST_F(PosnetOverPty, SilentPrinterGivesMinus2) {
   EXPECT_EQ(PosnetFrame("1#e", 0.2), -2);
   EXPECT_EQ(PosnetCancelReceipt(), -2);
   EXPECT_TRUE(Has(sim_->Trace(), "CANCEL 0$e") == false);  // a silent printer takes nothing in
-}
-
-TEST_F(PosnetOverPty, ReplyThatIsNoStatusRecordGivesMinus3) {
-  Start({"--fail", "2:corrupt"});
-  ShortText message;
-  EXPECT_EQ(Receipt(kTwoLines, "", "", &message), -3);
-  EXPECT_EQ(message, "Błąd drukarki fiskalnej nr -3:@`odpowiedź drukarki nieprawidłowa\"."_mz);
-  EXPECT_TRUE(Has(sim_->Trace(), "CANCEL 0$e"));
-}
-
-TEST_F(PosnetOverPty, RefusalWithoutCodeGivesMinus7) {
-  Start({"--fail", "1:error=0"});
-  ShortText message;
-  EXPECT_EQ(Receipt(kTwoLines, "", "", &message), -7);
-  EXPECT_EQ(message, "Błąd drukarki fiskalnej nr -7:@`błąd rozkazu wysłanego do drukarki\"."_mz);
-  EXPECT_TRUE(Has(sim_->Trace(), "CANCEL 0$e"));
-}
-
-TEST_F(PosnetOverPty, PrinterErrorCodeComesThrough) {
-  Start({"--fail", "4:error=18"});
-  ShortText message;
-  EXPECT_EQ(Receipt(kTwoLines, "", "", &message), 18);
-  EXPECT_EQ(message, "Błąd drukarki fiskalnej nr 18:@`błędne oznaczenie stawki PTU (lub brak)\"."_mz);
-  EXPECT_TRUE(Has(sim_->Journal(), "CANCELLED"));
-}
-
-TEST_F(PosnetOverPty, LongXoffGivesMinus1) {
-  Start({"--fail", "3:xoff=1300"});
-  ShortText message;
-  EXPECT_EQ(Receipt(kTwoLines, "", "", &message), -1);
-  EXPECT_TRUE(Has(sim_->Trace(), "XOFF"));
-  EXPECT_EQ(message, "Błąd drukarki fiskalnej nr -1:@`przekroczenie czasu wysyłania (dlugi XOFF)\"."_mz);
-  // The XON came while the cancel was waiting, so the cancel got through.
-  EXPECT_TRUE(Has(sim_->Trace(), "CANCEL 0$e"));
-  EXPECT_FALSE(Has(sim_->Journal(), "RECEIPT 2"));
 }
 
 TEST_F(PosnetOverPty, PeriodOfOneDayIsRefusedWithMinus6AndNothingSent) {
