@@ -9,6 +9,7 @@ constexpr double kLongWait = 30;   // closing a receipt and the reports
 constexpr double kSendLimit = 1;   // seconds for a message to leave
 constexpr double kFrameLimit = 10; // seconds for the status record to come
 constexpr double kDrainLimit = 0.5;
+constexpr std::size_t kLongestReply = 1024;  // a reply frame longer than this is no reply
 
 struct PosnetDriver {
   PosnetSettings settings;
@@ -37,6 +38,8 @@ int WaitForStatusByte() {
 }
 
 // Takes away the answer to the second ENQ, and status bytes already received behind it.
+// It stops when nothing more is at hand rather than reading the line dry: a read that
+// finds nothing marks the line failed, and a healthy job must leave the port open.
 void DrainSecondAnswer() {
   SetTimeout(kDrainLimit);
   int b = PosnetGetByteWaiting();
@@ -91,6 +94,7 @@ int PosnetReadFrame(double seconds, std::string& collected) {
     b = PosnetGetByteWaiting();
     if (b < 0) return -2;
     if (b == kPosnetEsc) break;
+    if (collected.size() >= kLongestReply) return -3;
     collected += static_cast<char>(b);
   }
   if (PosnetGetByteWaiting() != '\\') return -2;

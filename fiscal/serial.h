@@ -19,11 +19,13 @@ class ReceiveRing {
   static constexpr int kSize = 1024;
   // Forgets everything: both indexes back to 1.
   void Reset() { head_ = tail_ = 1; }
+  // True when no byte waits.
   bool Empty() const { return head_ == tail_; }
   // Stores a byte behind the others; on a full ring the oldest one goes.
   void Put(uint8_t b);
   // The oldest byte, or -1 when the ring is empty.
   int Take();
+  // Place (1..1024) of the next byte to take, and of the next byte to store.
   int ReadIndex() const { return head_; }
   int WriteIndex() const { return tail_; }
 

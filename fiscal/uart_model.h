@@ -60,6 +60,8 @@ class Uart16550Model : public PortIo {
   uint8_t In(uint16_t port) override;
   void Out(uint16_t port, uint8_t value) override;
 
+  // The registers as programmed: base and number of ports granted, divisor latch,
+  // line control, interrupt enable and modem control.
   uint16_t Base() const { return base_; }
   int GrantedCount() const { return count_; }
   uint16_t Divisor() const { return static_cast<uint16_t>(dlm_ << 8 | dll_); }
@@ -72,6 +74,7 @@ class Uart16550Model : public PortIo {
   void SetTransmitterBusy(bool busy) { txBusy_ = busy; }
   // Records every register access from now on.
   void StartLog() { logging_ = true; log_.clear(); }
+  // The accesses recorded since StartLog, in order.
   const std::vector<Access>& Log() const { return log_; }
 
  private:

@@ -51,8 +51,11 @@ class PosnetPrinterSim {
   // empty when no XOFF was given.
   std::optional<int> TakeXoffHold();
 
+  // True while a receipt is open.
   bool InTransaction() const { return inTransaction_; }
+  // Command frames (with a check value) received so far.
   int CommandCount() const { return commandCount_; }
+  // The answer to ENQ: mark bits, accepted, transaction open.
   int StatusByte() const;
 
  private:
