@@ -9,6 +9,7 @@
 
 #include <string>
 
+#include "fiscal/posnet.h"
 #include "fiscal/serial.h"
 
 namespace {
@@ -187,6 +188,28 @@ TEST_F(PosnetLineOnPty, WaitingReadGivesUpWhenTicksRunOut) {
   EXPECT_EQ(PosnetLine().timeoutTicks, 20);
   EXPECT_EQ(PosnetGetByteWaiting(), -1);
   EXPECT_LE(PosnetLine().timeoutTicks, 0);
+}
+
+TEST_F(PosnetLineOnPty, ReadFrameSkipsToEscAndChecksItsEnd) {
+  PosnetOpen(Port());
+  const struct { std::string bytes; int code; const char* collected; } rows[] = {
+      {"\x60junk\x1BP1#C24;1;5;10;30;0AB\x1B\\", 0, "P1#C24;1;5;10;30;0AB"},
+      {"\x1BP1#X\x1Bx", -2, "P1#X"},        // the end is not ESC "\"
+      {"\x1BQ1#X\x1B\\", -3, "Q1#X"},     // no "P" at the start
+      {"\x1BP1#X", -2, "P1#X"},              // the end never comes
+      {"\x1BP" + std::string(1500, '1') + "\x1B\\", -3, nullptr},  // far too long
+  };
+  for (const auto& r : rows) {
+    SCOPED_TRACE(r.bytes.substr(0, 12));
+    FromPrinter(r.bytes);
+    std::string collected;
+    EXPECT_EQ(PosnetReadFrame(0.1, collected), r.code);
+    if (r.collected) {
+      EXPECT_EQ(collected, r.collected);
+    }
+    SetTimeout(0.02);
+    while (PosnetGetByteWaiting() >= 0) {}
+  }
 }
 
 TEST_F(PosnetLineOnPty, PortThatCannotOpenStaysClosed) {
