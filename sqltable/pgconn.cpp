@@ -110,8 +110,6 @@ std::string_view PGResult::Value(int row, int col) const {
   return std::string_view(v, static_cast<std::size_t>(PGLib().getlength(res_, row, col)));
 }
 
-uint32_t PGResult::InsertedOid() const { return res_ ? PGLib().oidValue(res_) : 0; }
-
 void PGResult::Clear() {
   // The result may outlive the connection but never the library.
   if (res_ && PGLibRefs() > 0) PGLib().clear(res_);

@@ -70,8 +70,6 @@ class PGResult {
   std::string_view Value(int row, int col) const;
   // The same cut to 255 bytes.
   ShortText Text(int row, int col) const { return ShortText(Value(row, col)); }
-  // Row id of the row that an INSERT ... RETURNING or a plain INSERT produced.
-  uint32_t InsertedOid() const;
   // Frees the result.
   void Clear();
   // Takes ownership of a client result, freeing the one held (sqltable/ only).

@@ -1,13 +1,12 @@
 // The free-SQL wrappers that reports use, and the log of failed statements.
 #include <errno.h>
-#include <sys/time.h>
 
 #include <cstdio>
-#include <ctime>
 #include <memory>
 #include <string>
 
 #include "base/codepage.h"
+#include "base/platform.h"
 #include "sqltable/pgconn.h"
 #include "sqltable/pgui.h"
 
@@ -27,14 +26,10 @@ void PutLine(std::FILE* f, std::string_view text) {
 
 // "D-M-Y/H:M:S.C": plain numbers without padding, C in hundredths.
 std::string StampNow() {
-  timeval tv{};
-  gettimeofday(&tv, nullptr);
-  std::tm t{};
-  localtime_r(&tv.tv_sec, &t);
+  const ClockReading t = ReadClock();
   char buf[64];
-  std::snprintf(buf, sizeof buf, "%d-%d-%d/%d:%d:%d.%d", t.tm_mday, t.tm_mon + 1,
-                t.tm_year + 1900, t.tm_hour, t.tm_min, t.tm_sec,
-                static_cast<int>(tv.tv_usec / 10000));
+  std::snprintf(buf, sizeof buf, "%d-%d-%d/%d:%d:%d.%d", t.day, t.month, t.year, t.hour, t.minute, t.second,
+                t.millisecond / 10);
   return buf;
 }
 

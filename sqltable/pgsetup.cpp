@@ -1,5 +1,6 @@
 // Start of the connection: where the parameters come from and in which order
-// they are read.
+// they are read. The parameter file lies in the user's home, a Unix path that
+// the DOS path rules would fold to lower case: it is opened as it stands.
 #include <cstdio>
 #include <cstdlib>
 #include <memory>

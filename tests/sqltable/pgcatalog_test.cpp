@@ -340,3 +340,74 @@ TEST_F(TableTest, HostileNamesCannotChangeAStatement) {
 }
 
 }  // namespace
+
+namespace {
+
+// What the other parts of the layer were asked to release.
+struct HookLog {
+  std::string calls;
+};
+HookLog gHooks;
+
+void InstallRecordingHooks() {
+  gHooks.calls.clear();
+  PGHooks().releaseControlCache = [](int16_t tbl) { gHooks.calls += "control" + std::to_string(tbl) + " "; };
+  PGHooks().closeRecordBuffersOf = [](int16_t tbl) { gHooks.calls += "buffers" + std::to_string(tbl) + " "; };
+  PGHooks().freeAllRecordBuffers = [] { gHooks.calls += "allbuffers "; };
+  PGHooks().clearLockRegister = [] { gHooks.calls += "locks "; };
+}
+
+class ShutdownTest : public CatalogueTest {
+ protected:
+  void SetUp() override {
+    CatalogueTest::SetUp();
+    InstallRecordingHooks();
+    ASSERT_EQ(CreateTable("dane\\t", {{"a", "I"}}), 0);
+  }
+  void TearDown() override {
+    PGHooks() = PGTableHooks{};
+    CatalogueTest::TearDown();
+  }
+  static std::string Counter() { return Scalar("SELECT il_zm FROM tables_list WHERE lp=1"); }
+};
+
+TEST_F(ShutdownTest, CloseReleasesWhatBelongsToTheTable) {
+  int16_t h = 0;
+  ASSERT_EQ(PGTblOpen("dane\\t", h, 0), 0);
+  ASSERT_EQ(PGTblOpen("dane\\t", h, 0), 0);
+  EXPECT_EQ(PGTblClose(2), 0);
+  EXPECT_EQ(gHooks.calls, "control2 buffers2 ");
+  EXPECT_EQ(PGTblClose(2), kPGBadTableHandle);
+  EXPECT_EQ(gHooks.calls, "control2 buffers2 ");  // a bad handle releases nothing
+}
+
+TEST_F(ShutdownTest, ModeZeroForgetsTablesWithoutClosingThem) {
+  int16_t h = 0;
+  ASSERT_EQ(PGTblOpen("dane\\t", h, 0), 0);
+  PGTableAt(h)->changedByUs = true;
+  PGShutdownTables(0);
+  EXPECT_EQ(gHooks.calls, "locks allbuffers ");
+  EXPECT_EQ(PGOpenTableCount(), 0);
+  EXPECT_EQ(PGTableAt(h), nullptr);
+  EXPECT_EQ(Counter(), "-2147483647");  // nothing was closed, nothing bumped
+}
+
+TEST_F(ShutdownTest, ModesOneAndTwoCloseEveryTable) {
+  int16_t h = 0;
+  ASSERT_EQ(PGTblOpen("dane\\t", h, 0), 0);
+  PGTableAt(h)->changedByUs = true;
+  PGShutdownTables(1);
+  EXPECT_EQ(gHooks.calls, "locks control1 buffers1 allbuffers ");
+  EXPECT_EQ(Counter(), "-2147483646");
+  gHooks.calls.clear();
+  ASSERT_EQ(PGTblOpen("dane\\t", h, 0), 0);
+  const int16_t key[1] = {1};
+  int ix = 0;
+  ASSERT_EQ(PGKeyMap("dane\\t", 1, key, "po_a", ix), 0);
+  PGShutdownTables(2);  // the lock register stays
+  EXPECT_EQ(gHooks.calls, "control1 buffers1 allbuffers ");
+  EXPECT_EQ(PGOpenTableCount(), 0);
+  EXPECT_EQ(PGKeyDescriptor(ix), nullptr);
+}
+
+}  // namespace
