@@ -80,6 +80,13 @@ void BindApi(PGLibApi& api) {
   Bind(api.clear, "PQclear");
 }
 
+// The entries that the layer calls; a library without one of them is not a
+// client the layer can use.
+bool ApiComplete(const PGLibApi& a) {
+  return a.connectdb && a.status && a.errorMessage && a.setNoticeProcessor && a.finish && a.exec &&
+         a.resultStatus && a.ntuples && a.nfields && a.getvalue && a.getlength && a.clear;
+}
+
 void ResolveAll(LibState& s) {
   s.resolved = 0;
   for (int i = 0; i < kPGLibEntryCount; ++i) {
@@ -101,11 +108,12 @@ bool PGLibLoad() {
   if (++s.refs > 1) return true;
   s.handle = dlopen(s.first, RTLD_NOW | RTLD_LOCAL);
   if (!s.handle && s.second) s.handle = dlopen(s.second, RTLD_NOW | RTLD_LOCAL);
-  if (!s.handle) {
-    s.refs = 0;
+  if (s.handle) ResolveAll(s);
+  if (!s.handle || !ApiComplete(s.api)) {
+    s.refs = 1;
+    PGLibUnload();
     return false;
   }
-  ResolveAll(s);
   return true;
 }
 
@@ -113,7 +121,7 @@ void PGLibUnload() {
   LibState& s = State();
   if (s.refs <= 0) return;
   if (--s.refs > 0) return;
-  dlclose(s.handle);
+  if (s.handle) dlclose(s.handle);
   s.handle = nullptr;
   s.entries.fill(nullptr);
   s.api = PGLibApi{};

@@ -31,8 +31,8 @@ inline constexpr int kPGLibEntryCount = 98;
 std::string_view PGLibEntryName(int i);
 
 // Takes one reference; the first opens "libpq.so" (else "libpq.so.5") and
-// resolves every entry. False when the library cannot be opened; the count
-// then stays as it was.
+// resolves every entry. False when the library cannot be opened or lacks an
+// entry that the layer calls; the count then stays as it was.
 [[nodiscard]] bool PGLibLoad();
 // Drops one reference; the last closes the library. No-op at 0.
 void PGLibUnload();

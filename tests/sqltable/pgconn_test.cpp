@@ -107,6 +107,10 @@ TEST_F(ConnectionTest, AMissingClientLibraryGivesItsMessage) {
   EXPECT_EQ(PGSetDefaults(), kPGConnectFailed);
   EXPECT_EQ(PGLibRefs(), 0);
   EXPECT_EQ(PGLastOp, "PGSetDefaults:@Can not load PosgreSQL client. Is it installed? (libpq.so)");
+  // A library that is not the client is no client.
+  PGLibSetCandidates("libc.so.6", nullptr);
+  EXPECT_EQ(PGSetDefaults(), kPGConnectFailed);
+  EXPECT_EQ(PGLibRefs(), 0);
   // The versioned name alone is enough.
   PGLibSetCandidates("libpq-missing.so", "libpq.so.5");
   EXPECT_EQ(PGSetDefaults(), 0) << PGLastOp.Str();
