@@ -41,6 +41,7 @@ TEST_F(ConnectionTest, ConnectsWithConnParmAndSpeaksLatin2WithBackslashEscapes) 
   // The keyword string is kept for a reconnection.
   EXPECT_EQ(PGConnInfo, "dbname=" + Db().dbname + " user=postgres host=" + Db().cluster.socketDir +
                             " port=" + std::to_string(Db().cluster.port) + " ");
+  res.Clear();  // a result must not outlive the library that made it
   PGDisconnect();
   EXPECT_FALSE(PGConnected);
   EXPECT_EQ(PGLibRefs(), 0);
