@@ -155,6 +155,7 @@ KeyDecodeResult DecodeCsi(std::string_view b, KeyTerminal terminal) {
   }
   Params p;
   int* current = &p.first;
+  bool privateMarker = false;  // '<' .. '?': answers and reports, never keys
   for (std::size_t i = 2; i < b.size() && i < 24; ++i) {
     const char c = b[i];
     const int consumed = static_cast<int>(i) + 1;
@@ -164,6 +165,10 @@ KeyDecodeResult DecodeCsi(std::string_view b, KeyTerminal terminal) {
     } else if (c == ';') {
       if (current == &p.second) return Ignored(consumed);
       current = &p.second;
+    } else if (c >= '<' && c <= '?') {
+      privateMarker = true;
+    } else if (privateMarker && c >= 0x40 && c <= 0x7E) {
+      return Ignored(consumed);
     } else if (c == '~' || c == '^' || c == '$' || c == '@') {
       // xterm says modifiers in a second number; rxvt in the final byte.
       int mods = p.second > 1 ? p.second - 1 : 0;
@@ -173,8 +178,10 @@ KeyDecodeResult DecodeCsi(std::string_view b, KeyTerminal terminal) {
       return FinishSequence(KeyOfNumber(p.first, terminal), mods | ImpliedModifiers(p.first), consumed);
     } else if (c >= 0x40 && c <= 0x7E) {
       const int mods = p.second > 1 ? p.second - 1 : 0;
-      // Lower-case a..d are rxvt's Shift+arrows, which a PC reports as arrows.
-      return FinishSequence(KeyOfFinal(c), mods, consumed);
+      // Lower-case a..d without numbers are rxvt's Shift+arrows, which a PC
+      // reports as arrows.
+      const bool lower = c >= 'a' && c <= 'z';
+      return FinishSequence(lower && p.first >= 0 ? Named::kNone : KeyOfFinal(c), mods, consumed);
     } else if (c < 0x20 || c > 0x3F) {
       return Ignored(consumed);
     }
