@@ -24,6 +24,7 @@ KeyRing g_ring;
 bool g_caps = false;
 unsigned char g_capsCellAttr = kAttrNormal;
 ShortText g_clipboard;
+void (*g_idleHook)() = nullptr;
 
 constexpr KeyPair kGrave{0x60, 41};
 
@@ -41,6 +42,10 @@ KeyPair NextPair() {
   KeyPair k;
   if (PopBuffered(k)) return k;
   TermFlush();
+  if (g_idleHook) {
+    g_idleHook();
+    if (PopBuffered(k)) return k;
+  }
   if (tui_detail::ReadTerminalKey(k)) return k;
   return keys::kEsc;
 }
@@ -237,6 +242,8 @@ void DiscardPendingKeys() {
 }
 
 void Beep(int) {}
+
+void SetKeyIdleHook(void (*hook)()) { g_idleHook = hook; }
 
 bool CapsIndicator() { return g_caps; }
 

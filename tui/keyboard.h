@@ -39,6 +39,10 @@ int KeysBuffered();
 void DiscardPendingKeys();
 // Accepted and silent on this platform: a refused key makes no sound.
 void Beep(int frequency);
+// Sets a function that runs whenever a key is wanted and the buffer is
+// empty, before the terminal is asked; it may push keys (a clock, a test's
+// look at the screen). nullptr removes it.
+void SetKeyIdleHook(void (*hook)());
 // True while the caps indicator (toggled by Ctrl+L) is on.
 bool CapsIndicator();
 // The one-byte key code of editors and lists (Enter 13, F1 229, Down 250...).

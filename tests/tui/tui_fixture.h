@@ -31,7 +31,7 @@ class TuiTest : public ::testing::Test {
   void SetUp() override {
     TermOutputToBuffer(&out_);
     InitTerminal("xterm");
-    out_.clear();
+    Sent();
   }
   void TearDown() override {
     TermOutputToBuffer(nullptr);
