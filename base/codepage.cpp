@@ -28,7 +28,8 @@ constexpr void MapLetters(Table& t, const unsigned char (&from)[18], const unsig
   for (int i = 0; i < 18; ++i) t[from[i]] = to[i];
 }
 
-// The system's own letters and its marked w go out as plain letters on every way out.
+// The system's own six letters go out as plain letters. The marked w (0x9B) is
+// changed only by the conversions that name it: screen, ASCII and plain.
 constexpr void PlainOwnLetters(Table& t) {
   t[0xAD] = 'A';
   t[0xAE] = 'E';
@@ -36,7 +37,6 @@ constexpr void PlainOwnLetters(Table& t) {
   t[0xB0] = 'O';
   t[0xB1] = 'O';
   t[0xB2] = 'U';
-  t[0x9B] = 'w';
 }
 
 // Frame bytes that have no place in code page 852 or plain text.
@@ -70,9 +70,10 @@ constexpr Table BuildMazOut(const unsigned char (&to)[18]) {
 
 constexpr Table BuildMazToIsoScreen() {
   Table t = Identity();
+  // Everything from 0x7E up that the terminal cannot show is a blank, the
+  // system's own six letters included; only the listed frame bytes survive.
   for (int i = 0x7E; i < 256; ++i) t[i] = ' ';
   MapLetters(t, kMaz, kIso);
-  PlainOwnLetters(t);
   t[0xB3] = t[0xDD] = t[0xDE] = '|';
   t[0xC4] = t[0xD9] = '-';
   t[0xDB] = '#';
@@ -81,6 +82,7 @@ constexpr Table BuildMazToIsoScreen() {
   t[0xFB] = '<';
   t[0x18] = '!';
   t[0x19] = 0xAD;
+  t[0x9B] = 'w';
   return t;
 }
 
@@ -99,6 +101,7 @@ constexpr Table BuildMazToAscii() {
   Table t = Identity();
   for (int i = 0; i < 18; ++i) t[kMaz[i]] = static_cast<unsigned char>(kBase[i]);
   t[0x80] = '$';
+  t[0x9B] = 'w';
   PlainOwnLetters(t);
   ReduceFrames852(t);
   return t;
@@ -107,6 +110,7 @@ constexpr Table BuildMazToAscii() {
 constexpr Table BuildMazToPlain() {
   Table t = Identity();
   PlainOwnLetters(t);
+  t[0x9B] = 'w';
   return t;
 }
 
@@ -220,29 +224,23 @@ ShortText MazToDigraph(const ShortText& s) {
 }
 
 ShortText Utf8ToMaz(const ShortText& s) {
-  // Two-byte UTF-8 forms in the order ę ó ą ś ł ż ź ć ń Ę Ó Ą Ś Ł Ż Ź Ć Ń.
-  static constexpr struct { unsigned char b1, b2, maz; } kForms[18] = {
-      {0xC4, 0x99, 0x91}, {0xC3, 0xB3, 0xA2}, {0xC4, 0x85, 0x86}, {0xC5, 0x9B, 0x9E},
-      {0xC5, 0x82, 0x92}, {0xC5, 0xBC, 0xA7}, {0xC5, 0xBA, 0xA6}, {0xC4, 0x87, 0x8D},
-      {0xC5, 0x84, 0xA4}, {0xC4, 0x98, 0x90}, {0xC3, 0x93, 0xA3}, {0xC4, 0x84, 0x8F},
-      {0xC5, 0x9A, 0x98}, {0xC5, 0x81, 0x9C}, {0xC5, 0xBB, 0xA1}, {0xC5, 0xB9, 0xA0},
-      {0xC4, 0x86, 0x95}, {0xC5, 0x83, 0xA5}};
-  ShortText r;
-  for (int i = 1; i <= s.Length(); ++i) {
-    auto c = static_cast<unsigned char>(s[i]);
-    bool replaced = false;
-    if (i < s.Length()) {
-      auto d = static_cast<unsigned char>(s[i + 1]);
-      for (const auto& f : kForms) {
-        if (f.b1 == c && f.b2 == d) {
-          r.Append(static_cast<char>(f.maz));
-          ++i;
-          replaced = true;
-          break;
-        }
-      }
+  // One letter after another, in this order, every occurrence in the whole text:
+  // ę ó ą ś ł ż ź ć ń Ę Ó Ą Ś Ł Ż Ź Ć Ń. A replaced byte may complete a later
+  // letter's form with the byte before it, so the search steps back one place.
+  static constexpr struct { char form[2]; unsigned char maz; } kForms[18] = {
+      {{'\xC4', '\x99'}, 0x91}, {{'\xC3', '\xB3'}, 0xA2}, {{'\xC4', '\x85'}, 0x86},
+      {{'\xC5', '\x9B'}, 0x9E}, {{'\xC5', '\x82'}, 0x92}, {{'\xC5', '\xBC'}, 0xA7},
+      {{'\xC5', '\xBA'}, 0xA6}, {{'\xC4', '\x87'}, 0x8D}, {{'\xC5', '\x84'}, 0xA4},
+      {{'\xC4', '\x98'}, 0x90}, {{'\xC3', '\x93'}, 0xA3}, {{'\xC4', '\x84'}, 0x8F},
+      {{'\xC5', '\x9A'}, 0x98}, {{'\xC5', '\x81'}, 0x9C}, {{'\xC5', '\xBB'}, 0xA1},
+      {{'\xC5', '\xB9'}, 0xA0}, {{'\xC4', '\x86'}, 0x95}, {{'\xC5', '\x83'}, 0xA5}};
+  ShortText r = s;
+  for (const auto& f : kForms) {
+    std::string_view form(f.form, 2);
+    for (int p = r.Pos(form); p > 0; p = r.PosFrom(form, p > 1 ? p - 1 : 1)) {
+      r.Delete(p, 1);
+      r[p] = static_cast<char>(f.maz);
     }
-    if (!replaced) r.Append(static_cast<char>(c));
   }
   return r;
 }

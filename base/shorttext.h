@@ -5,6 +5,7 @@
 #include <compare>
 #include <cstddef>
 #include <cstdint>
+#include <iosfwd>
 #include <string>
 #include <string_view>
 
@@ -157,4 +158,12 @@ constexpr ShortText operator+(const BasicShortText<A>& a, char c) {
   ShortText r(a.View());
   r.Append(c);
   return r;
+}
+
+// Writes the text quoted, bytes outside printable ASCII as \xNN (used by test
+// failure messages; GoogleTest finds PrintTo by argument lookup).
+void PrintShortText(std::string_view bytes, std::ostream* os);
+template <int Cap>
+void PrintTo(const BasicShortText<Cap>& t, std::ostream* os) {
+  PrintShortText(t.View(), os);
 }

@@ -130,4 +130,67 @@ TEST(CodePage, Utf8LeavesOtherBytes) {
   EXPECT_EQ(Utf8ToMaz(mixed), want);
 }
 
+TEST(CodePage, MarkedWChangesOnlyWhereNamed) {
+  EXPECT_EQ(MazToLatin2(0x9B), 0x9B);
+  EXPECT_EQ(MazToLatin2Text(0x9B), 0x9B);
+  EXPECT_EQ(MazToIsoFile(0x9B), 0x9B);
+  EXPECT_EQ(MazToCp1250(0x9B), 0x9B);
+  EXPECT_EQ(MazUpCase(0x9B), 0x9B);
+}
+
+TEST(CodePage, ScreenBlanksWhatItCannotShow) {
+  for (int b = 0x7E; b < 256; ++b) {
+    auto c = static_cast<unsigned char>(b);
+    unsigned char out = MazToIsoScreen(c);
+    bool listed = IsPolishLetter(c) || c == 0x9B || c == 0xB3 || c == 0xDD || c == 0xDE || c == 0xC4 ||
+                  c == 0xD9 || c == 0xDB || c == 0xDC || c == 0xDF || c == 0xFB;
+    if (!listed) EXPECT_EQ(out, ' ') << b;
+  }
+  EXPECT_EQ(MazToIsoScreen(0xAD), ' ') << "the system's own letters are not among the screen's rows";
+  EXPECT_EQ(MazToIsoScreen(0xFB), '<');
+  for (int b = 0x1A; b < 0x7E; ++b) EXPECT_EQ(MazToIsoScreen(static_cast<unsigned char>(b)), b);
+}
+
+TEST(CodePage, TextFormsRoundTripEveryLetter) {
+  ShortText letters = "ąćęłńóśźżĄĆĘŁŃÓŚŹŻ"_mz;
+  EXPECT_EQ(Latin2ToMaz(MazToLatin2(letters)), letters);
+  EXPECT_EQ(Latin2ToMaz(MazToLatin2Text(letters)), letters);
+  EXPECT_EQ(Cp1250ToMaz(MazToCp1250(letters)), letters);
+  EXPECT_EQ(IsoToMaz(MazToIsoFile(letters)), letters);
+  EXPECT_EQ(IsoToMaz(MazToIsoScreen(letters)), letters);
+  EXPECT_EQ(DbToMaz(MazToDb(letters)), letters);
+  EXPECT_EQ(MazToPlain(letters), letters);
+  EXPECT_EQ(MazToAscii(letters), ShortText("acelnoszzACELNOSZZ"));
+  EXPECT_EQ(MazToDigraph(letters), ShortText("a,c,e,l,n,o,s,z,z.A,C,E,L,N,O,S,Z,Z."));
+  EXPECT_EQ(MazLowCaseText(MazUpCaseText(letters)), "ąćęłńóśźżąćęłńóśźż"_mz);
+  ShortText utf8("ąćęłńóśźżĄĆĘŁŃÓŚŹŻ");
+  EXPECT_EQ(Utf8ToMaz(utf8), letters);
+}
+
+TEST(CodePage, DatabaseFormOfEveryByteInOneText) {
+  ShortText all;
+  for (int b = 0; b < 256; ++b) all.Append(static_cast<char>(b == 255 ? 254 : b));
+  all = ShortText(all.View().substr(1));  // 1..254: byte 1 is the database form of 255
+  all.Append('\xFF');
+  ShortText db = MazToDb(all);
+  EXPECT_EQ(db.At(db.Length()), 1);
+  EXPECT_EQ(db.Pos('\xFF'), 0) << "byte 255 never reaches the database";
+  char raw[256];
+  for (int i = 0; i < all.Length(); ++i) raw[i] = all.Data()[i];
+  MazToDbInPlace(raw, static_cast<std::size_t>(all.Length()));
+  EXPECT_EQ(std::string_view(raw, static_cast<std::size_t>(all.Length())), db.View());
+  DbToMazInPlace(raw, static_cast<std::size_t>(all.Length()));
+  EXPECT_EQ(static_cast<unsigned char>(raw[all.Length() - 1]), 255);
+  EXPECT_EQ(MazToDb(ShortText("\xFF\xFF")), ShortText("\x01\x01"));
+  EXPECT_EQ(DbToMaz(ShortText(std::string_view("\x01\x00", 2))), ShortText(std::string_view("\xFF\x00", 2)));
+}
+
+TEST(CodePage, Utf8LettersReplacedInTheirOrder) {
+  // ą (C4 85) is replaced before Ć (C4 86): its Mazovia byte 0x86 then completes
+  // a Ć form with a stray C4 before it.
+  EXPECT_EQ(Utf8ToMaz(ShortText("\xC4\xC4\x85")), ShortText("\x95"));
+  EXPECT_EQ(Utf8ToMaz(ShortText("\xC5\xBC\xC5\xBC")), "żż"_mz);
+  EXPECT_EQ(Utf8ToMaz(ShortText("")), ShortText(""));
+}
+
 }  // namespace

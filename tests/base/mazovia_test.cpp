@@ -29,6 +29,23 @@ TEST(MazoviaLiteral, GlyphsOfSystemTexts) {
   for (const auto& r : rows) EXPECT_EQ(r.got, r.want);
 }
 
+// Each glyph of code page 437 from 0x80 up becomes its own byte.
+consteval bool EveryHighGlyphTakesItsByte() {
+  for (int i = 0; i < 128; ++i)
+    if (mazovia_detail::ByteForCodePoint(mazovia_detail::kCp437High[i]) != 0x80 + i) return false;
+  for (int i = 1; i < 32; ++i)
+    if (mazovia_detail::ByteForCodePoint(mazovia_detail::kCp437Low[i]) != i) return false;
+  return true;
+}
+static_assert(EveryHighGlyphTakesItsByte());
+
+TEST(MazoviaLiteral, PolishLettersWinOverCodePage437) {
+  // å is 0x86 in code page 437, which Mazovia gives to ą; both spellings meet there.
+  EXPECT_EQ("å"_mz, "ą"_mz);
+  EXPECT_EQ("ó"_mz, Bytes({0xA2}));
+  EXPECT_EQ("Esc ╤╥û F2 ╫ç"_mz, Bytes({'E', 's', 'c', ' ', 0xD1, 0xD2, 0x96, ' ', 'F', '2', ' ', 0xD7, 0x87}));
+}
+
 TEST(MazoviaLiteral, AsciiAndLengthUnchanged) {
   constexpr ShortText t = "KONIEC PRACY SERVERA DRUKAREK FISKALNYCH"_mz;
   static_assert(t.Length() == 40);

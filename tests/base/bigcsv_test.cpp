@@ -1,0 +1,98 @@
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "base/bigcsv.h"
+
+namespace {
+
+// A full-size list buffer holding text.
+std::vector<char> Buffer(std::string_view text) {
+  std::vector<char> b(kBigCsvBytes, '\0');
+  std::memcpy(b.data(), text.data(), text.size());
+  return b;
+}
+
+std::string Text(const std::vector<char>& b) { return std::string(b.data()); }
+
+ShortText Field(const std::vector<char>& b, int index) {
+  ShortText out;
+  (void)BigCsvField(b, index, ',', '"', out);
+  return out;
+}
+
+TEST(BigCsv, CountAndFields) {
+  auto b = Buffer("a,\"b,c\",,d");
+  EXPECT_EQ(BigCsvFieldCount(b), 4);
+  EXPECT_EQ(Field(b, 1), "a");
+  EXPECT_EQ(Field(b, 2), "b,c");
+  EXPECT_EQ(Field(b, 3), "");
+  EXPECT_EQ(Field(b, 4), "d");
+  ShortText out = "stale";
+  EXPECT_FALSE(BigCsvField(b, 5, ',', '"', out));
+  EXPECT_EQ(out, "");
+  EXPECT_FALSE(BigCsvField(b, 0, ',', '"', out));
+  EXPECT_EQ(BigCsvFieldCount(Buffer("")), 0);
+  EXPECT_EQ(BigCsvFieldCount(Buffer("x;'a;b';y"), ';', '\''), 3);
+  EXPECT_EQ(BigCsvFieldCount(Buffer("a,")), 2);
+}
+
+TEST(BigCsv, LongFieldIsCutAt255) {
+  auto b = Buffer("x," + std::string(1000, 'y') + ",z");
+  EXPECT_EQ(Field(b, 2).Length(), 255);
+  EXPECT_EQ(Field(b, 3), "z");
+}
+
+TEST(BigCsv, SetFieldMovesTheTailAndKeepsQuotes) {
+  auto b = Buffer("a,\"b\",c");
+  ASSERT_TRUE(BigCsvSetField(b, "longer", 1));
+  EXPECT_EQ(Text(b), "longer,\"b\",c");
+  ASSERT_TRUE(BigCsvSetField(b, "q", 2));
+  EXPECT_EQ(Text(b), "longer,\"q\",c") << "a quoted field stays quoted";
+  ASSERT_TRUE(BigCsvSetField(b, "1,5", 3));
+  EXPECT_EQ(Text(b), "longer,\"q\",\"1,5\"") << "a value with a comma is quoted";
+  ASSERT_TRUE(BigCsvSetField(b, "", 1));
+  EXPECT_EQ(Text(b), ",\"q\",\"1,5\"");
+  EXPECT_EQ(BigCsvFieldCount(b), 3);
+}
+
+TEST(BigCsv, SetFieldRefusals) {
+  auto b = Buffer("a,b");
+  EXPECT_FALSE(BigCsvSetField(b, ShortText(std::string(254, 'x')), 1));
+  EXPECT_EQ(Text(b), "a,b");
+  EXPECT_TRUE(BigCsvSetField(b, ShortText(std::string(253, 'x')), 1));
+  EXPECT_FALSE(BigCsvSetField(b, "v", 3));
+  EXPECT_FALSE(BigCsvSetField(b, "v", 0));
+  auto empty = Buffer("");
+  EXPECT_TRUE(BigCsvSetField(empty, "v", 1));
+  EXPECT_EQ(Text(empty), "v");
+}
+
+TEST(BigCsv, FullBufferStopsAtItsEnd) {
+  std::string big(kBigCsvBytes - 3, 'x');
+  auto b = Buffer("a," + big);  // one byte of room left before the zero
+  ASSERT_EQ(Text(b).size(), static_cast<std::size_t>(kBigCsvBytes - 1));
+  ASSERT_TRUE(BigCsvSetField(b, "abc", 1));
+  EXPECT_EQ(Text(b).size(), static_cast<std::size_t>(kBigCsvBytes - 1)) << "never past the buffer";
+  EXPECT_EQ(Text(b).substr(0, 2), "a,") << "only what fits was inserted";
+  EXPECT_EQ(b[kBigCsvBytes - 1], '\0');
+  EXPECT_FALSE(BigCsvAppend(b, "z"));
+  std::vector<char> small(8, '\0');
+  EXPECT_TRUE(BigCsvAppend(small, "12"));
+  EXPECT_TRUE(BigCsvAppend(small, "34"));
+  EXPECT_EQ(std::string(small.data()), ",12,34");
+  EXPECT_FALSE(BigCsvAppend(small, "5"));
+}
+
+TEST(BigCsv, AppendAddsALastField) {
+  auto b = Buffer("a");
+  EXPECT_TRUE(BigCsvAppend(b, "b"));
+  EXPECT_TRUE(BigCsvAppend(b, "c,d"));
+  EXPECT_EQ(Text(b), "a,b,\"c,d\"");
+  EXPECT_EQ(BigCsvFieldCount(b), 3);
+  EXPECT_EQ(Field(b, 3), "c,d");
+}
+
+}  // namespace
