@@ -1,0 +1,194 @@
+// Key pairs through the translations of ReadKeyRaw, and the key codes.
+#include <gtest/gtest.h>
+
+#include <vector>
+
+#include "base/codepage.h"
+#include "base/mazovia.h"
+#include "tui_fixture.h"
+
+namespace {
+
+using tui_test::AttrAt;
+using tui_test::CharAt;
+
+class KeyboardTest : public tui_test::TuiTest {
+ protected:
+  void TearDown() override {
+    DiscardPendingKeys();
+    TuiTest::TearDown();
+  }
+  static KeyPair Translate(std::vector<KeyPair> in) {
+    for (KeyPair k : in) EXPECT_TRUE(PushKey(k.ch, k.scan));
+    KeyPair out = ReadKeyRaw();
+    EXPECT_EQ(KeysBuffered(), 0);
+    return out;
+  }
+};
+
+TEST_F(KeyboardTest, BufferHoldsThirtyTwoKeysAndDropsTheRest) {
+  for (int i = 0; i < 32; ++i) EXPECT_TRUE(PushKey(static_cast<unsigned char>('a' + i % 26), 30));
+  EXPECT_FALSE(PushKey('x', 45));
+  EXPECT_FALSE(PushKeyFront('y', 21));
+  EXPECT_TRUE(KeyPressed());
+  EXPECT_EQ(ReadKeyRaw().ch, 'a');
+  EXPECT_TRUE(PushKey('z', 44));  // room again after one read
+  for (int i = 1; i < 32; ++i) EXPECT_EQ(ReadKeyRaw().ch, 'a' + i % 26);
+  EXPECT_EQ(ReadKeyRaw(), (KeyPair{'z', 44}));
+  EXPECT_FALSE(KeyPressed());
+}
+
+TEST_F(KeyboardTest, PushFrontComesBeforeWaitingKeys) {
+  (void)PushKey('b', 48);
+  (void)PushKeyFront('a', 30);
+  EXPECT_EQ(ReadKeyRaw(), (KeyPair{'a', 30}));
+  EXPECT_EQ(ReadKeyRaw(), (KeyPair{'b', 48}));
+}
+
+TEST_F(KeyboardTest, NoInputAtAllReadsAsEsc) { EXPECT_EQ(ReadKeyRaw(), keys::kEsc); }
+
+TEST_F(KeyboardTest, FixedTranslations) {
+  struct Case {
+    KeyPair in, out;
+  } cases[] = {
+      {{5, 18}, {10, 28}},   {{22, 47}, {224, 79}}, {{2, 48}, {127, 14}},  {{0, 6}, {224, 147}},
+      {{28, 43}, {224, 147}}, {{0, 165}, {0, 15}},   {{0, 20}, {0, 15}},    {{'a', 30}, {'a', 30}},
+      {{0, 59}, {0, 59}},
+  };
+  for (const auto& c : cases) EXPECT_EQ(Translate({c.in}), c.out) << int(c.in.ch) << "," << int(c.in.scan);
+}
+
+TEST_F(KeyboardTest, GravePrefixGivesKeysATerminalCannotSend) {
+  const KeyPair g{0x60, 41}, a{'a', 30}, s{'S', 31}, c{'c', 46};
+  struct Case {
+    std::vector<KeyPair> in;
+    KeyPair out;
+  } cases[] = {
+      {{g, keys::kUp}, {224, 141}},
+      {{g, keys::kDown}, {224, 145}},
+      {{g, keys::kIns}, {224, 146}},
+      {{g, keys::kDel}, {224, 147}},
+      {{g, keys::kBackspace}, {127, 14}},
+      {{g, keys::F(1)}, keys::F(11)},
+      {{g, keys::F(2)}, keys::F(12)},
+      {{g, keys::kPgUp}, {0, 153}},
+      {{g, keys::kPgDn}, {0, 161}},
+      {{g, keys::kTab}, {0, 15}},
+      {{g, g}, g},
+      {{g, KeyPair{'x', 45}}, {'x', 45}},
+      {{g, a, keys::F(1)}, {0, 104}},
+      {{g, a, keys::F(10)}, {0, 113}},
+      {{g, a, keys::F(12)}, {0, 140}},
+      {{g, s, keys::F(3)}, {0, 86}},
+      {{g, s, keys::F(11)}, {0, 135}},
+      {{g, s, keys::kTab}, {0, 15}},
+      {{g, c, keys::F(3)}, {0, 96}},
+      {{g, c, keys::F(12)}, {0, 138}},
+      {{g, c, keys::kHome}, {224, 119}},
+      {{g, c, keys::kEnd}, {224, 117}},
+      {{g, c, keys::kUp}, {224, 141}},
+      {{g, c, keys::kDown}, {224, 145}},
+      {{g, c, keys::kPgUp}, {224, 132}},
+      {{g, c, keys::kPgDn}, {224, 118}},
+      {{g, c, keys::kDel}, {224, 147}},
+      {{g, c, keys::kBackspace}, {127, 14}},
+      {{g, c, keys::kTab}, {0, 148}},
+      {{g, c, keys::kEnter}, {10, 28}},
+      {{g, c, KeyPair{'q', 16}}, {'q', 16}},
+  };
+  for (const auto& k : cases) {
+    SCOPED_TRACE(::testing::Message() << int(k.out.ch) << "," << int(k.out.scan));
+    EXPECT_EQ(Translate(k.in), k.out);
+  }
+}
+
+TEST_F(KeyboardTest, Utf8PolishLettersBecomeMazoviaWithTheirScans) {
+  tui_test::InitTerminal("xterm", "", "UTF");
+  struct Case {
+    unsigned char lead, leadScan, next;
+    KeyPair out;
+  } cases[] = {
+      {0xC4, 32, 0x99, {0x91, 18}}, {0xC4, 32, 0x98, {0x90, 18}}, {0xC4, 32, 0x85, {0x86, 30}},
+      {0xC4, 32, 0x84, {0x8F, 30}}, {0xC4, 32, 0x87, {0x8D, 46}}, {0xC4, 32, 0x86, {0x95, 46}},
+      {0xC3, 46, 0xB3, {0xA2, 24}}, {0xC3, 46, 0x93, {0xA3, 24}}, {0xC5, 18, 0x9B, {0x9E, 31}},
+      {0xC5, 18, 0x9A, {0x98, 31}}, {0xC5, 18, 0x82, {0x92, 38}}, {0xC5, 18, 0x81, {0x9C, 38}},
+      {0xC5, 18, 0xBC, {0xA7, 44}}, {0xC5, 18, 0xBB, {0xA1, 44}}, {0xC5, 18, 0xBA, {0xA6, 45}},
+      {0xC5, 18, 0xB9, {0xA0, 45}}, {0xC5, 18, 0x84, {0xA4, 49}}, {0xC5, 18, 0x83, {0xA5, 49}},
+  };
+  for (const auto& c : cases) EXPECT_EQ(Translate({{c.lead, c.leadScan}, {c.next, 0}}), c.out) << int(c.next);
+  // An unmatched pair comes back byte by byte.
+  (void)PushKey(0xC4, 32);
+  (void)PushKey('x', 45);
+  EXPECT_EQ(ReadKeyRaw(), (KeyPair{0xC4, 32}));
+  EXPECT_EQ(ReadKeyRaw(), (KeyPair{'x', 45}));
+}
+
+TEST_F(KeyboardTest, SingleByteInputPagesGiveMazoviaLettersByByteAndScan) {
+  tui_test::InitTerminal("xterm");
+  EXPECT_EQ(Translate({{0xB1, 30}}), (KeyPair{0x86, 30}));  // ISO ą
+  EXPECT_EQ(Translate({{0xAF, 44}}), (KeyPair{0xA1, 44}));  // ISO Ż
+  EXPECT_EQ(Translate({{0xB1, 0}}), (KeyPair{0xB1, 0}));    // wrong key: left alone
+  tui_test::InitTerminal("xterm", "", "WIN");
+  EXPECT_EQ(Translate({{0xB9, 30}}), (KeyPair{0x86, 30}));  // Windows ą
+  EXPECT_EQ(Translate({{0x9C, 31}}), (KeyPair{0x9E, 31}));  // Windows ś
+  tui_test::InitTerminal("cp852");
+  EXPECT_EQ(Translate({{0xA5, 0}}), (KeyPair{0x86, 0}));    // Latin 2 ą
+  EXPECT_EQ(Translate({{0xBD, 0}}), (KeyPair{0xA1, 0}));    // Latin 2 Ż stays Ż
+  EXPECT_EQ(Translate({{0xA5, 60}}), (KeyPair{0xA5, 60}));  // scan 54 and up: not a typed letter
+}
+
+TEST_F(KeyboardTest, PolishAltKeysGiveLettersInEditAndUpperReads) {
+  const unsigned char small[] = {0x91, 0xA2, 0x86, 0x9E, 0x92, 0xA7, 0xA6, 0x8D, 0xA4};
+  const unsigned char scans[] = {18, 24, 30, 31, 38, 44, 45, 46, 49};
+  for (int i = 0; i < 9; ++i) {
+    (void)PushKey(0, scans[i]);
+    EXPECT_EQ(ReadKeyEdit(), (KeyPair{small[i], scans[i]}));
+    (void)PushKey(0, scans[i]);
+    EXPECT_EQ(ReadKeyUpper(), (KeyPair{MazUpCase(small[i]), scans[i]}));
+    (void)PushKey(0, scans[i]);
+    EXPECT_EQ(ReadKeyRaw(), (KeyPair{0, scans[i]}));
+  }
+  (void)PushKey(0, 59);
+  EXPECT_EQ(ReadKeyEdit(), keys::F(1));
+}
+
+TEST_F(KeyboardTest, CtrlLTogglesTheCapsIndicatorInTheTopRow) {
+  TextAttr(0x17);
+  WriteAt(1, 1, ShortText("abc"));
+  Window(10, 10, 20, 20);
+  GotoXY(3, 4);
+  TextAttr(0x1F);
+  EXPECT_EQ(Translate({{12, 38}}), (KeyPair{12, 38}));
+  EXPECT_TRUE(CapsIndicator());
+  EXPECT_EQ(CharAt(2, 1), 237);
+  EXPECT_EQ(AttrAt(2, 1), 0x47);
+  EXPECT_EQ(WhereX(), 3);
+  EXPECT_EQ(WhereY(), 4);
+  EXPECT_EQ(CurrentAttr(), 0x1F);
+  EXPECT_EQ(CurrentWindow().left, 10);
+  Translate({{12, 38}});
+  EXPECT_FALSE(CapsIndicator());
+  EXPECT_EQ(CharAt(2, 1), ' ');
+  EXPECT_EQ(AttrAt(2, 1), 0x17);
+}
+
+TEST(KeyCodes, EveryKeyOfTheTable) {
+  struct Case {
+    KeyPair key;
+    unsigned char code;
+  } cases[] = {
+      {keys::kEnter, 13},       {keys::kEsc, 27},        {keys::kBackspace, 8},  {{127, 14}, 127},
+      {{10, 28}, 10},           {{224, 115}, 224},       {{224, 116}, 225},      {{224, 117}, 226},
+      {{224, 118}, 227},        {{224, 119}, 228},       {{224, 132}, 132},      {keys::kIns, 252},
+      {keys::F(1), 229},        {keys::F(8), 236},       {keys::F(9), 221},      {keys::F(10), 238},
+      {keys::kHome, 241},       {keys::kUp, 242},        {keys::kShiftTab, 242}, {keys::kPgUp, 243},
+      {keys::kLeft, 245},       {keys::kRight, 247},     {keys::kEnd, 249},      {keys::kDown, 250},
+      {keys::kTab, 250},        {keys::kPgDn, 251},      {keys::kDel, 253},      {{'a', 30}, 'a'},
+      {{0x86, 30}, 0x86},       {{0, 25}, 195},          {{0, 37}, 207},         {{0, 111}, 220},
+      {{0, 71}, 241},           {{0, 104}, 104},
+  };
+  for (const auto& c : cases)
+    EXPECT_EQ(KeyCodeOf(c.key), c.code) << int(c.key.ch) << "," << int(c.key.scan);
+}
+
+}  // namespace
