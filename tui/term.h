@@ -46,6 +46,8 @@ void TermOutputToBuffer(std::string* sink);
 void TermInputFromFd(int fd);
 // How long TermInit shows its warning about an unknown TERM (default 10000 ms).
 void TermSetWarningWait(int milliseconds);
+// Bytes sent to the terminal since the program started (for measurements).
+uint64_t TermBytesSent();
 // Forgets where the terminal's cursor and colour are, so the next write states both.
 void TermForgetState();
 // Puts standard input back as it was before TermInit (runs at exit by itself).

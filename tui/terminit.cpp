@@ -143,6 +143,8 @@ void TermOutputToBuffer(std::string* sink) {
 
 void TermSetWarningWait(int milliseconds) { g_warningWaitMs = milliseconds < 0 ? 0 : milliseconds; }
 
+uint64_t TermBytesSent() { return g_out.sent; }
+
 void TermForgetState() {
   g_out.row = 0;
   g_out.attr = -1;

@@ -169,6 +169,7 @@ void RebuildMaps() {
 
 void FlushBuffer() {
   if (g_out.length == 0) return;
+  g_out.sent += g_out.length;
   if (g_out.sink) g_out.sink->append(g_out.buffer, g_out.length);
   else if (g_out.fd >= 0) WriteAll(g_out.buffer, g_out.length);
   g_out.length = 0;

@@ -26,6 +26,7 @@ struct Output {
   int fd = 1;
   std::string* sink = nullptr;
   std::size_t length = 0;
+  uint64_t sent = 0;
   char buffer[16384];
 };
 
