@@ -214,3 +214,8 @@ bool MessageBoxBottom(const ShortText& text, int16_t code) {
   p.bottom = 24;
   return RunBox(text, lines, code, p, kAttrBoxFrame, kAttrBoxBody);
 }
+
+void ClipboardCopy(const ShortText& field, int16_t milliseconds) {
+  ClipboardSet(field);
+  MessageBox("Pobrano do schowka."_mz, milliseconds);
+}

@@ -18,6 +18,10 @@ bool MessageBoxHere(const ShortText& text, int16_t code, unsigned char attr);
 // One line of at most 76 characters in a box from column 2 ending on row 24.
 bool MessageBoxBottom(const ShortText& text, int16_t code);
 
+// Copies an editor's field to the clipboard and says "Pobrano do schowka."
+// in a box that goes away by itself after the given milliseconds.
+void ClipboardCopy(const ShortText& field, int16_t milliseconds);
+
 // A progress bar in the text of a code-2 box: "[          ]" to fill,
 // "[          /          ]" for a count, "[   %]" for a percentage.
 struct ProgressBar {

@@ -335,4 +335,16 @@ TEST_F(MessageBoxTest, ProgressBarFillsCountsAndPercents) {
   EXPECT_EQ(FindProgressBar(ShortText("Bez paska [x]")).kind, ProgressBar::kNone);
 }
 
+TEST_F(MessageBoxTest, ClipboardCopyKeepsTheFieldAndSaysSoBriefly) {
+  ScreenState before = Capture();
+  std::string sent;
+  TermOutputToBuffer(&sent);
+  ClipboardCopy("Zażółć"_mz, 5);
+  TermFlush();
+  TermOutputToBuffer(&out_);
+  EXPECT_EQ(ClipboardText(), "Zażółć"_mz);
+  EXPECT_NE(sent.find("Pobrano do schowka."), std::string::npos);
+  EXPECT_EQ(Capture(), before);
+}
+
 }  // namespace
