@@ -2,6 +2,8 @@
 
 #include <cstring>
 
+#include "base/listspan.h"
+
 namespace {
 
 // Usable bytes of a buffer, its terminating zero included.
@@ -12,32 +14,15 @@ std::size_t Capacity(std::size_t size) {
 // Length of the text: up to the first zero, or the usable bytes when none.
 std::size_t TextLength(BigCsvConstBuffer buffer) {
   std::size_t cap = Capacity(buffer.size());
+  if (cap == 0) return 0;
   const void* zero = std::memchr(buffer.data(), 0, cap);
   return zero ? static_cast<std::size_t>(static_cast<const char*>(zero) - buffer.data()) : cap;
 }
 
-struct FieldSpan {
-  std::size_t begin = 0;
-  std::size_t end = 0;  // one past the last byte
-  bool found = false;
-};
+using list_detail::FieldSpan;
 
-// Bytes of field index: the walk toggles a quote flag at each quote and counts
-// a field at each separator outside quotes.
 FieldSpan Locate(BigCsvConstBuffer buffer, std::size_t length, int index, char separator, char quote) {
-  FieldSpan span;
-  if (index < 1) return span;
-  bool quoted = false;
-  int field = 1;
-  std::size_t begin = 0;
-  for (std::size_t i = 0; i <= length; ++i) {
-    if (i < length && buffer[i] == quote) quoted = !quoted;
-    if (i < length && (buffer[i] != separator || quoted)) continue;
-    if (field == index) return {begin, i, true};
-    ++field;
-    begin = i + 1;
-  }
-  return span;
+  return list_detail::LocateField(std::string_view(buffer.data(), length), index, separator, quote);
 }
 
 // Writes bytes at position, moving the tail right; stops when the text would

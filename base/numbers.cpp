@@ -167,7 +167,7 @@ int64_t PowerInt(int64_t base, int exponent) {
 int DecimalCount(Real value) {
   ShortText t = FormatFixed(40, 2, value);
   int point = t.Pos('.');
-  if (point == 0) return 0;
+  if (point == 0 || t.Pos('E') > 0) return 0;  // no decimals shown, or the exponent form
   int count = t.Length() - point;
   while (count > 0 && t[point + count] == '0') --count;
   return count;

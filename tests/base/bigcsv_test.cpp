@@ -84,6 +84,10 @@ TEST(BigCsv, FullBufferStopsAtItsEnd) {
   EXPECT_TRUE(BigCsvAppend(small, "34"));
   EXPECT_EQ(std::string(small.data()), ",12,34");
   EXPECT_FALSE(BigCsvAppend(small, "5"));
+  std::vector<char> none;
+  EXPECT_EQ(BigCsvFieldCount(none), 0);
+  EXPECT_FALSE(BigCsvSetField(none, "v", 1));
+  EXPECT_FALSE(BigCsvAppend(none, "v"));
 }
 
 TEST(BigCsv, AppendAddsALastField) {

@@ -112,6 +112,8 @@ TEST(NumberRound, PowersAndDecimalCount) {
   EXPECT_EQ(DecimalCount(12), 0);
   EXPECT_EQ(DecimalCount(0.999L), 0) << "written with 2 decimals it is 1.00";
   EXPECT_EQ(DecimalCount(kNaN), 0);
+  EXPECT_EQ(DecimalCount(1e40L), 0) << "the exponent form has no decimals to count";
+  EXPECT_EQ(DecimalCount(-0.001L), 0);
 }
 
 TEST(NumberBases, DigitTables) {

@@ -1,0 +1,28 @@
+// The printer families the server can drive, and the dispatch of a job to the
+// handler of its family and kind. A family without an entry has its jobs
+// recognised and deleted, and nothing reaches a printer.
+#pragma once
+
+#include <cstdint>
+
+#include "base/jobfile.h"
+
+// The job handlers of one printer family, and what the exit procedure must do
+// for its line (close a port, give its settings back, release it).
+struct FamilyJobs {
+  int family = 0;
+  JobHandler receipt = nullptr;
+  JobHandler dailyReport = nullptr;
+  JobHandler periodReport = nullptr;
+  JobHandler drawer = nullptr;
+  void (*releaseLine)() = nullptr;
+};
+
+// The entry of the family, or null when the family drives no printer.
+const FamilyJobs* FindFamilyJobs(int family);
+// Runs the handler of the job's family and kind; gives JobResult (0 when no
+// handler runs: another family, kind 0 or 255).
+uint8_t DispatchJob(uint8_t kind, JobRequest& job);
+// Releases the lines of every family (for the exit procedure; signal safe
+// as far as the families' release functions are).
+void ReleaseAllLines();

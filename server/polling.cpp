@@ -1,0 +1,122 @@
+#include "server/polling.h"
+
+#include <unistd.h>
+
+#include <cstdio>
+
+#include "base/jobfile.h"
+#include "base/numtext.h"
+#include "base/platform.h"
+#include "server/families.h"
+#include "server/jobs.h"
+#include "server/output.h"
+#include "tui/keypoll.h"
+
+namespace {
+
+bool IsReportedKind(uint8_t kind) {
+  return (kind >= kJobReceipt && kind <= kJobDrawer) || kind == kJobWithdrawn;
+}
+
+ShortText DecimalText(long value) {
+  char text[24];
+  const int n = std::snprintf(text, sizeof text, "%ld", value);
+  return ShortText(std::string_view(text, n > 0 ? static_cast<std::size_t>(n) : 0));
+}
+
+// "START SERVERA DRUKAREK FISKALNYCH d-m-yyyy h:m:s", numbers without padding.
+ShortText StartLine(const ClockReading& now) {
+  return "START SERVERA DRUKAREK FISKALNYCH " + DecimalText(now.day) + "-" + DecimalText(now.month) + "-" +
+         DecimalText(now.year) + " " + DecimalText(now.hour) + ":" + DecimalText(now.minute) + ":" +
+         DecimalText(now.second);
+}
+
+void WriteStartLines(bool withLog) {
+  WriteLine(StartLine(ReadClock()));
+  WriteLine("PID: " + DecimalText(static_cast<long>(::getpid())));
+  if (!withLog) WriteLine("ZAKONCZENIE PRACY: F10");
+}
+
+// Reads the rows and writes their line; false (the line of the failure
+// written) when the server cannot go on.
+bool ConfigureRows(ServerState& state, const ShortText& configPath) {
+  switch (LoadPrinterRows(configPath, state.rows)) {
+    case RowsOutcome::kCannotOpen: WriteLine("BLAD OTWARCIA PLIKU KONFIGURACYJNEGO."); return false;
+    case RowsOutcome::kBadStructure: WriteLine("BLAD SRUKTURY PLIKU KONFIGURACYJNEGO."); return false;
+    case RowsOutcome::kNoRows: WriteLine("W PLIKU KONFIGURACYJNYM NIE ZDEFINIOWANO DANYCH."); return false;
+    case RowsOutcome::kLoaded: break;
+  }
+  WriteLine("SKONFIGUROWANO " + DecimalText(state.rows.count));
+  return true;
+}
+
+// Steps 4 to 8 of a row whose job file was found: classify, run, report.
+void ServeJobFile(ServerState& state, const PrinterRowFields& row) {
+  state.jobKind = ClassifyJobFile(row.jobPath, state.jobFile);
+  if (!IsReportedKind(state.jobKind)) return;  // still being written: left alone
+  if (LogIsOpen()) WriteOut(ClockText(ReadClock()) + " ");
+  state.jobResult = 0;
+  state.resultText.Clear();
+  JobRequest job{row.family, row.port, row.heading, row.oldFirmware, row.drawerFlag, &state.jobFile,
+                 &state.resultText};
+  state.jobResult = DispatchJob(state.jobKind, job);
+  // A job is tried once: the file goes after the attempt, whatever its result.
+  DeleteJobFileLogged(state.jobFile);
+  WriteLine(JobResultLine(state.jobKind, state.jobResult, state.resultText, ReadClock()));
+  if (LogIsOpen()) ReopenLog();
+}
+
+// Step 10: the running clock, the sleep and the look at the keyboard; true
+// when the stop pair was read.
+bool SleepAndPollKeys(ServerState& state) {
+  const bool screen = !LogIsOpen();
+  if (screen) {
+    WriteOut("\r" + ClockText(ReadClock()) + " ");
+    FlushOut();
+  }
+  SleepMs(state.pollDelay);
+  state.jobResult = 0;
+  if (KeyPair key; screen && KeyPollRead(key)) {
+    state.jobKind = key.ch;
+    state.jobResult = key.scan;
+  }
+  return state.jobKind == 0 && state.jobResult == kStopResult;
+}
+
+}  // namespace
+
+uint16_t PollDelayFromParam(const ShortText& text) {
+  const int32_t value = TextToInt(text);
+  if (value < 0 || value > 65535) RunTimeError(kRangeCheckError, "poll time out of range 0..65535");
+  return value == 0 ? kDefaultPollDelay : static_cast<uint16_t>(value);
+}
+
+bool RowPass(ServerState& state) {
+  for (int i = 0; i < state.rows.count; ++i) {
+    const PrinterRowFields row = SplitPrinterRow(state.rows.row[i]);
+    if (!row.program.Empty()) (void)RunProgram(row.program, row.commandLine);
+    {
+      FileSearch search;
+      if (search.First(row.jobPath, kAttrArchive)) ServeJobFile(state, row);
+    }  // the search is released here
+    if (SleepAndPollKeys(state)) return false;
+  }
+  return true;
+}
+
+int RunPollingMode(ServerState& state) {
+  state.pollDelay = PollDelayFromParam(ParamStr(2));
+  state.logFileName = ParamStr(3);
+  state.fourthParameter = ParamStr(4);
+  if (!state.logFileName.Empty() && !OpenLogAsOutput(state.logFileName)) state.logFileName.Clear();
+  WriteStartLines(LogIsOpen());
+  if (!ConfigureRows(state, ParamStr(1))) return 0;
+  if (LogIsOpen()) ReopenLog();
+  else KeyPollBegin();
+
+  while (RowPass(state)) {
+  }
+  WriteLine("");
+  WriteLine("KONIEC PRACY SERVERA DRUKAREK FISKALNYCH");
+  return 0;
+}

@@ -1,0 +1,143 @@
+#include "base/jobfile.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include "base/mazovia.h"
+#include "base/platform.h"
+
+namespace {
+
+class JobFileTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    char pattern[] = "/tmp/klote-job-XXXXXX";
+    ASSERT_NE(::mkdtemp(pattern), nullptr);
+    dir_ = pattern;
+  }
+  void TearDown() override { std::system(("rm -rf " + dir_).c_str()); }
+
+  // Writes the records, then cuts the file to extraBytes past the last full one (if given).
+  void WriteJob(const std::vector<ShortText>& records, int cutTo = -1) {
+    FileVar f;
+    f.BindUnixPath(ShortText(path()));
+    ASSERT_EQ(f.Rewrite(), 0);
+    for (const ShortText& r : records) ASSERT_EQ(WriteJobRecord(f, r), 0);
+    f.Close();
+    if (cutTo >= 0) ASSERT_EQ(::truncate(path().c_str(), cutTo), 0);
+  }
+  // Opens the job at record 2, as the server hands it to a handler.
+  void OpenAtRecord2(FileVar& f) {
+    f.BindUnixPath(ShortText(path()));
+    ASSERT_EQ(f.Reset(kFileModeReadOnly), 0);
+    ASSERT_EQ(f.Seek(kJobRecordSize), 0);
+  }
+  static std::vector<ShortText> Receipt(int count, int lines, bool withEnd = true) {
+    std::vector<ShortText> r = {JobKeyword(kJobReceipt), ShortText(std::to_string(count)), "1250", "01J",
+                                "Jan Kowalski", " gotówką"_mz, ""};
+    for (int i = 1; i <= lines; ++i) r.push_back(ShortText("\"Towar " + std::to_string(i) + "\",1,\"A\",12.5,szt"));
+    if (withEnd) r.push_back(kJobKeywordEnd);
+    return r;
+  }
+  std::string path() const { return dir_ + "/1"; }
+  std::string dir_;
+};
+
+TEST_F(JobFileTest, RecordsAreLengthPrefixedAndZeroFilled) {
+  WriteJob({"\x1b" "RAPDOB", kJobKeywordEnd});
+  FileVar f;
+  f.BindUnixPath(ShortText(path()));
+  ASSERT_EQ(f.Reset(kFileModeReadOnly), 0);
+  EXPECT_EQ(f.Size(), 2 * kJobRecordSize);
+  unsigned char raw[kJobRecordSize];
+  int got = 0;
+  ASSERT_EQ(f.Read(raw, kJobRecordSize, got), 0);
+  ASSERT_EQ(got, kJobRecordSize);
+  EXPECT_EQ(raw[0], 7);
+  EXPECT_EQ(std::string(reinterpret_cast<char*>(raw + 1), 7), "\x1bRAPDOB");
+  for (int i = 8; i < kJobRecordSize; ++i) ASSERT_EQ(raw[i], 0) << i;
+}
+
+TEST(JobKindOfRecord, OnlyTheExactKeywordsCount) {
+  EXPECT_EQ(JobKindOfRecord("\x1b" "PARAGON"), kJobReceipt);
+  EXPECT_EQ(JobKindOfRecord("\x1b" "RAPDOB"), kJobDailyReport);
+  EXPECT_EQ(JobKindOfRecord("\x1b" "RAPOKR"), kJobPeriodReport);
+  EXPECT_EQ(JobKindOfRecord("\x1b" "SZUFLA"), kJobDrawer);
+  EXPECT_EQ(JobKindOfRecord("\x1b" "BRAK_DANYCH"), kJobWithdrawn);
+  for (const char* other : {"\x1b" "CZEKAJ", "\x1b" "paragon", "PARAGON", "\x1b" "PARAGON ", "", "\x1b" "KONIEC"})
+    EXPECT_EQ(JobKindOfRecord(other), kJobNone) << other;
+}
+
+TEST_F(JobFileTest, ReceiptReadsItsRecords) {
+  WriteJob(Receipt(2, 2));
+  FileVar f;
+  OpenAtRecord2(f);
+  ReceiptJob job;
+  ASSERT_TRUE(ReadReceiptJob(f, job));
+  EXPECT_EQ(job.lineCount, 2);
+  EXPECT_EQ(job.total, 1250);
+  EXPECT_EQ(job.cashierCode.Str(), "01J");
+  EXPECT_EQ(job.paymentForm, " gotówką"_mz);
+  EXPECT_TRUE(job.documentNumber.Empty());
+  ASSERT_EQ(job.lines, 2);
+  EXPECT_EQ(job.line[1].Str(), "\"Towar 2\",1,\"A\",12.5,szt");
+}
+
+TEST_F(JobFileTest, ReceiptFailsWhenTheCountDisagrees) {
+  WriteJob(Receipt(3, 2));
+  FileVar f;
+  OpenAtRecord2(f);
+  ReceiptJob job;
+  EXPECT_FALSE(ReadReceiptJob(f, job));
+  EXPECT_EQ(job.lines, 2);
+}
+
+TEST_F(JobFileTest, ReceiptWithoutEndRecordStopsAtTheEndOfTheFile) {
+  WriteJob(Receipt(2, 2, /*withEnd=*/false));
+  FileVar f;
+  OpenAtRecord2(f);
+  ReceiptJob job;
+  EXPECT_TRUE(ReadReceiptJob(f, job));
+
+  // A partial last record ends the lines too; then the count no longer fits.
+  WriteJob(Receipt(2, 2, false), 8 * kJobRecordSize + 100);
+  OpenAtRecord2(f);
+  EXPECT_FALSE(ReadReceiptJob(f, job));
+  EXPECT_EQ(job.lines, 1);
+}
+
+TEST_F(JobFileTest, ReceiptFailsOnAShortHeadRecord) {
+  WriteJob(Receipt(0, 0), 6 * kJobRecordSize + 255);  // record 7 one byte short
+  FileVar f;
+  OpenAtRecord2(f);
+  ReceiptJob job;
+  EXPECT_FALSE(ReadReceiptJob(f, job));
+}
+
+TEST_F(JobFileTest, ReceiptTakesFiftyLines) {
+  WriteJob(Receipt(kReceiptMaxLines, kReceiptMaxLines));
+  FileVar f;
+  OpenAtRecord2(f);
+  ReceiptJob job;
+  EXPECT_TRUE(ReadReceiptJob(f, job));
+  EXPECT_EQ(job.lines, 50);
+}
+
+TEST_F(JobFileTest, FiftyFirstLineIsARunTimeError) {
+  WriteJob(Receipt(51, 51));
+  EXPECT_EXIT(
+      {
+        FileVar f;
+        OpenAtRecord2(f);
+        ReceiptJob job;
+        (void)ReadReceiptJob(f, job);
+        std::exit(0);
+      },
+      ::testing::ExitedWithCode(kRangeCheckError), "Runtime error 201");
+}
+
+}  // namespace

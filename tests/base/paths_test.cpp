@@ -1,0 +1,118 @@
+#include "base/paths.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <string>
+
+#include "base/filevar.h"
+
+namespace {
+
+// Runs each test in a fresh temporary directory as the current directory.
+class PathsTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    char pattern[] = "/tmp/klote-paths-XXXXXX";
+    ASSERT_NE(::mkdtemp(pattern), nullptr);
+    dir_ = pattern;
+    char cwd[4096];
+    ASSERT_NE(::getcwd(cwd, sizeof cwd), nullptr);
+    oldCwd_ = cwd;
+    ASSERT_EQ(::chdir(dir_.c_str()), 0);
+    ResetExchangeDirs();
+  }
+  void TearDown() override {
+    ResetExchangeDirs();
+    ASSERT_EQ(::chdir(oldCwd_.c_str()), 0);
+    std::system(("rm -rf " + dir_).c_str());
+  }
+  static void Touch(const std::string& path) { std::ofstream(path) << "x"; }
+
+  std::string dir_, oldCwd_;
+};
+
+TEST_F(PathsTest, FileNameKeepsTheCaseFoundOnDisk) {
+  ::mkdir("dane", 0777);
+  Touch("dane/konfigur.txt");
+  EXPECT_EQ(PathToUnix("dane\\Konfigur.TXT").Str(), "dane/konfigur.txt");
+  EXPECT_EQ(PathToUnix("DANE\\KONFIGUR.TXT").Str(), "dane/konfigur.txt");
+  Touch("dane/WYDRUK.TXT");
+  EXPECT_EQ(PathToUnix("dane\\wydruk.txt").Str(), "dane/WYDRUK.TXT");
+  Touch("dane/MiXed.txt");
+  EXPECT_EQ(PathToUnix("Dane\\MiXed.txt").Str(), "dane/MiXed.txt");
+  // Neither exact nor upper nor lower case exists: the name stays as given.
+  EXPECT_EQ(PathToUnix("dane\\mixed.TXT").Str(), "dane/mixed.TXT");
+  EXPECT_EQ(PathToUnix("dane\\Nowy.Txt").Str(), "dane/Nowy.Txt");
+}
+
+TEST_F(PathsTest, DirectoryPartFoldsToLowerCase) {
+  EXPECT_EQ(PathToUnix("").Str(), "");
+  EXPECT_EQ(PathToUnix("DANE\\12\\Naglowki").Str(), "dane/12/Naglowki");
+  EXPECT_EQ(PathToUnix("Srvfisk/1").Str(), "srvfisk/1");
+  EXPECT_EQ(PathToUnix("DANE\\").Str(), "dane/");
+  EXPECT_EQ(PathToUnix("/Usr/Bin/mc").Str(), "/usr/bin/mc");
+}
+
+TEST_F(PathsTest, ExchangeDrivesUseTheDirectoriesOfFloppdirCfg) {
+  EXPECT_EQ(PathToUnix("A:\\plik").Str(), "a:/plik");  // no exchange directory: a relative path
+  ResetExchangeDirs();
+  std::ofstream("floppdir.cfg") << "/tmp/Wymiana\r\n/mnt/b/\n";
+  EXPECT_EQ(ExchangeDir('A').Str(), "/tmp/Wymiana");
+  EXPECT_EQ(PathToUnix("A:\\Dane\\plik.dbf").Str(), "/tmp/Wymiana/dane/plik.dbf");
+  EXPECT_EQ(PathToUnix("b:/x").Str(), "/mnt/b/x");
+  EXPECT_EQ(PathToUnix("C:\\x").Str(), "c:/x");
+  SetExchangeDirs("wym", "");
+  ::mkdir("wym", 0777);
+  Touch("wym/DOK.TXT");
+  EXPECT_EQ(PathToUnix("A:\\dok.txt").Str(), "wym/DOK.TXT");
+  EXPECT_EQ(PathToUnix("B:\\dok.txt").Str(), "b:/dok.txt");
+}
+
+TEST_F(PathsTest, FileOperationsGoThroughThePathConversion) {
+  ::mkdir("dane", 0777);
+  Touch("dane/a.txt");
+  EXPECT_TRUE(FileExists("DANE\\A.TXT"));
+  EXPECT_FALSE(FileExists("dane"));
+  EXPECT_TRUE(DirExists("Dane"));
+  EXPECT_FALSE(DirExists("dane\\a.txt"));
+  EXPECT_EQ(RenameFile("dane\\A.txt", "dane\\b.txt"), 0);
+  EXPECT_TRUE(FileExists("dane/b.txt"));
+  EXPECT_FALSE(FileExists("dane/a.txt"));
+  EXPECT_EQ(DeleteFile("DANE\\B.TXT"), 0);
+  EXPECT_FALSE(FileExists("dane/b.txt"));
+  EXPECT_NE(DeleteFile("dane\\b.txt"), 0);
+  EXPECT_NE(DeleteFile("dane"), 0);  // a directory is not deleted
+  EXPECT_NE(RenameFile("nic", "cos"), 0);
+}
+
+TEST_F(PathsTest, FileVariableReadsLinesAndBytes) {
+  std::ofstream("lista.txt") << "pierwszy\r\n\n" << std::string(300, 'x') << "\nostatni";
+  FileVar f;
+  AssignFile(f, "LISTA.TXT");
+  EXPECT_EQ(f.Name().Str(), "lista.txt");
+  ASSERT_EQ(f.Reset(kFileModeReadOnly), 0);
+  ShortText line;
+  ASSERT_TRUE(f.ReadLine(line));
+  EXPECT_EQ(line.Str(), "pierwszy");
+  ASSERT_TRUE(f.ReadLine(line));
+  EXPECT_EQ(line.Str(), "");
+  ASSERT_TRUE(f.ReadLine(line));
+  EXPECT_EQ(line.Length(), 255);  // cut, and the rest of the line skipped
+  ASSERT_TRUE(f.ReadLine(line));
+  EXPECT_EQ(line.Str(), "ostatni");
+  EXPECT_FALSE(f.ReadLine(line));
+  EXPECT_NE(f.Write("x", 1), 0);  // opened read only
+  f.Close();
+
+  FileVar missing;
+  AssignFile(missing, "brak.txt");
+  EXPECT_NE(missing.Reset(kFileModeReadOnly), 0);
+  EXPECT_NE(missing.Append(), 0);
+  EXPECT_FALSE(missing.ReadLine(line));
+}
+
+}  // namespace

@@ -1,0 +1,187 @@
+// The ELZAB line against the 16550 register model, its serial side a socket pair
+// whose other end the test plays as the printer.
+#include <gtest/gtest.h>
+
+#include <stdlib.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstring>
+#include <thread>
+
+#include "fiscal/elzab_line.h"
+#include "fiscal/portio.h"
+#include "fiscal/uart_model.h"
+
+namespace {
+
+using Access = Uart16550Model::Access;
+constexpr Access Out(uint8_t reg, uint8_t v) { return {true, reg, v}; }
+constexpr Access In(uint8_t reg, uint8_t v) { return {false, reg, v}; }
+
+class ElzabOnModel : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    int sv[2];
+    ASSERT_EQ(socketpair(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK, 0, sv), 0);
+    printer_ = sv[1];
+    model_ = std::make_unique<Uart16550Model>(std::make_unique<FdByteLink>(sv[0]));
+    SetElzabPortIo(model_.get());
+    ElzabLine() = {};
+    ElzabLine().responseDelay = 1;
+    ElzabLine().sendTimeout = 20;
+  }
+  void TearDown() override {
+    SetElzabPortIo(nullptr);
+    ElzabLine() = {};
+    close(printer_);
+  }
+  void PrinterSends(std::string_view bytes) {
+    ASSERT_EQ(write(printer_, bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
+  }
+  std::string PrinterGot() {
+    char buf[256];
+    ssize_t n = read(printer_, buf, sizeof buf);
+    return n > 0 ? std::string(buf, n) : std::string();
+  }
+
+  int printer_ = -1;
+  std::unique_ptr<Uart16550Model> model_;
+};
+
+TEST_F(ElzabOnModel, OpenProgramsTheControllerInOrderOnce) {
+  model_->StartLog();
+  ElzabOpen(1);
+  EXPECT_FALSE(ElzabLine().timedOut);
+  EXPECT_TRUE(ElzabLine().ready);
+  EXPECT_EQ(model_->Base(), 0x3F8);
+  EXPECT_EQ(model_->GrantedCount(), 7);
+  const std::vector<Access> expected = {Out(3, 0x80), Out(1, 0), Out(0, 12),
+                                        Out(3, 0x1B), Out(1, 0), Out(4, 2)};
+  EXPECT_EQ(model_->Log(), expected);
+  EXPECT_EQ(model_->Divisor(), 12);
+  EXPECT_EQ(model_->LineControl(), 0x1B);
+  EXPECT_EQ(model_->InterruptEnable(), 0);
+  EXPECT_EQ(model_->ModemControl(), 2);
+  ElzabOpen(1);
+  EXPECT_EQ(model_->Log().size(), expected.size());  // programmed already: nothing more
+}
+
+TEST_F(ElzabOnModel, PortNumbersMapToBasesAndOthersTimeOutAtOnce) {
+  EXPECT_EQ(ElzabPortBase(1), 0x3F8);
+  EXPECT_EQ(ElzabPortBase(2), 0x2F8);
+  EXPECT_EQ(ElzabPortBase(3), 0x3E8);
+  EXPECT_EQ(ElzabPortBase(4), 0x2E8);
+  model_->StartLog();
+  for (int port : {0, 5, 255}) {
+    ElzabOpen(port);
+    EXPECT_TRUE(ElzabLine().timedOut) << port;
+    ElzabLine().timedOut = false;
+    ElzabSendByte(port, 'x');
+    EXPECT_TRUE(ElzabLine().timedOut) << port;
+  }
+  EXPECT_TRUE(model_->Log().empty());
+  ElzabOpen(3);
+  EXPECT_EQ(model_->Base(), 0x3E8);
+}
+
+TEST_F(ElzabOnModel, SendByteReadsDataRaisesRtsAndWaitsForEmptyAndCts) {
+  ElzabOpen(1);
+  PrinterSends("\x06");
+  model_->StartLog();
+  ElzabSendByte(1, 0x1B);
+  EXPECT_FALSE(ElzabLine().timedOut);
+  const std::vector<Access> expected = {In(0, 0x06), In(4, 2),    Out(4, 2),
+                                        In(5, 0x60), In(6, 0x10), Out(0, 0x1B)};
+  EXPECT_EQ(model_->Log(), expected);
+  EXPECT_EQ(PrinterGot(), "\x1B");
+}
+
+TEST_F(ElzabOnModel, SendWaitsForClearToSendAndGivesUpAfterTheTimeout) {
+  ElzabOpen(1);
+  model_->SetClearToSend(false);
+  auto t0 = std::chrono::steady_clock::now();
+  ElzabSendText(1, "abc");
+  auto waited = std::chrono::steady_clock::now() - t0;
+  EXPECT_TRUE(ElzabLine().timedOut);
+  EXPECT_GE(waited, std::chrono::milliseconds(20));
+  EXPECT_EQ(PrinterGot(), "");  // stopped at the first byte
+  std::thread release([&] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    model_->SetClearToSend(true);
+  });
+  ElzabLine().sendTimeout = 2000;
+  ElzabSendText(1, "abc");
+  release.join();
+  EXPECT_FALSE(ElzabLine().timedOut);
+  EXPECT_EQ(PrinterGot(), "abc");
+}
+
+TEST_F(ElzabOnModel, BusyTransmitterTimesOutTheSend) {
+  ElzabOpen(2);
+  model_->SetTransmitterBusy(true);
+  ElzabSendByte(2, 'x');
+  EXPECT_TRUE(ElzabLine().timedOut);
+  EXPECT_EQ(PrinterGot(), "");
+}
+
+TEST_F(ElzabOnModel, ResponseReadsTheRegisterWhetherAByteCameOrNot) {
+  ElzabOpen(1);
+  PrinterSends("\x15");
+  ElzabLine().timedOut = true;
+  EXPECT_EQ(ElzabReadResponse(1), 0x15);
+  EXPECT_FALSE(ElzabLine().timedOut);
+  EXPECT_EQ(ElzabReadResponse(1), 0x15);  // a silent printer reads as what lay there
+  EXPECT_FALSE(ElzabLine().timedOut);
+}
+
+TEST_F(ElzabOnModel, PurgeReadsOneByteOnly) {
+  ElzabOpen(1);
+  PrinterSends("\x06\x07");
+  ElzabLine().timedOut = true;
+  ElzabPurge(1);
+  EXPECT_TRUE(ElzabLine().timedOut);  // not touched for a known port
+  EXPECT_EQ(ElzabReadByte(1), 0x07);
+  EXPECT_FALSE(ElzabLine().timedOut);
+}
+
+TEST_F(ElzabOnModel, ReadByteTimesOutToZero) {
+  ElzabOpen(1);
+  EXPECT_EQ(ElzabReadByte(1), 0);
+  EXPECT_TRUE(ElzabLine().timedOut);
+}
+
+TEST(ElzabPortChoice, SettingPointsTheModelAtAUnixSocket) {
+  char dir[] = "/tmp/elzab-line-XXXXXX";
+  ASSERT_TRUE(mkdtemp(dir));
+  std::string path = std::string(dir) + "/line";
+  int listener = socket(AF_UNIX, SOCK_STREAM, 0);
+  sockaddr_un addr{};
+  addr.sun_family = AF_UNIX;
+  std::strcpy(addr.sun_path, path.c_str());
+  ASSERT_EQ(bind(listener, reinterpret_cast<sockaddr*>(&addr), sizeof addr), 0);
+  ASSERT_EQ(listen(listener, 1), 0);
+  setenv("KLOTE_ELZAB_LINE", path.c_str(), 1);
+  SetElzabPortIo(nullptr);
+  ElzabLine() = {};
+  ElzabOpen(1);
+  ElzabSendText(1, "\x1B%");
+  EXPECT_FALSE(ElzabLine().timedOut);
+  int printer = accept(listener, nullptr, nullptr);
+  char got[2] = {};
+  ASSERT_EQ(read(printer, got, 2), 2);
+  EXPECT_EQ(std::string(got, 2), "\x1B%");
+  ASSERT_EQ(write(printer, "\x06", 1), 1);
+  EXPECT_EQ(ElzabReadByte(1), 0x06);
+  close(printer);
+  unsetenv("KLOTE_ELZAB_LINE");
+  SetElzabPortIo(nullptr);
+  ElzabLine() = {};
+  close(listener);
+  unlink(path.c_str());
+  rmdir(dir);
+}
+
+}  // namespace

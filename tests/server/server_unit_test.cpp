@@ -1,0 +1,124 @@
+// The server's pieces without the process: poll time, texts of results,
+// configuration rows and the classification of job files.
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include "base/jobfile.h"
+#include "base/mazovia.h"
+#include "harness.h"
+#include "server/jobs.h"
+#include "server/polling.h"
+#include "server/rows.h"
+
+namespace {
+
+TEST(PollDelay, DefaultsAndLimits) {
+  EXPECT_EQ(PollDelayFromParam(""), 500);
+  EXPECT_EQ(PollDelayFromParam("abc"), 500);
+  EXPECT_EQ(PollDelayFromParam("0"), 500);
+  EXPECT_EQ(PollDelayFromParam("1"), 1);
+  EXPECT_EQ(PollDelayFromParam("250ms"), 250);
+  EXPECT_EQ(PollDelayFromParam("65535"), 65535);
+  EXPECT_EXIT(PollDelayFromParam("65536"), ::testing::ExitedWithCode(kRangeCheckError), "Runtime error 201");
+}
+
+TEST(ResultTexts, StampAndLines) {
+  ClockReading t;
+  t.year = 2026;
+  t.month = 3;
+  t.day = 5;
+  t.hour = 9;
+  t.minute = 7;
+  t.second = 30;
+  EXPECT_EQ(ClockText(t).Str(), " 9: 7:30");
+  EXPECT_EQ(JobFailureStampAt(t).Str(), " nie wyk.zad.  5- 3-2026  9: 7:30");
+  t.day = 25;
+  t.month = 12;
+  t.hour = 23;
+  EXPECT_EQ(JobFailureStampAt(t).Str(), " nie wyk.zad. 25-12-2026 23: 7:30");
+  EXPECT_EQ(JobResultLine(kJobReceipt, 0, "PARAGON", t).Str(), "PARAGON O.K.");
+  EXPECT_EQ(JobResultLine(kJobReceipt, 1, "PARAGON@Blad", t).Str(), "PARAGON@Blad nie wyk.zad. 25-12-2026 23: 7:30");
+  EXPECT_EQ(JobResultLine(kJobWithdrawn, 0, "", t).Str(), " Wycofanie komendy.");
+  EXPECT_EQ(JobResultLine(kJobDrawer, 0, "", t).Str(), " O.K.");
+}
+
+TEST(PrinterRows, FieldsOfARow) {
+  const PrinterRowFields f = SplitPrinterRow("2,3,\"srvfisk\\1\",\"PARAGON_FISKALNY\",1,/bin/true,-x");
+  EXPECT_EQ(f.family, 2);
+  EXPECT_EQ(f.port, 3);
+  EXPECT_EQ(f.jobPath.Str(), "srvfisk\\1");
+  EXPECT_EQ(f.heading.Str(), "PARAGON_FISKALNY");
+  EXPECT_TRUE(f.oldFirmware);
+  EXPECT_EQ(f.drawerFlag, 1);
+  EXPECT_EQ(f.program.Str(), "/bin/true");
+  EXPECT_EQ(f.commandLine.Str(), "-x");
+  const PrinterRowFields g = SplitPrinterRow("1,1,x,,0");
+  EXPECT_FALSE(g.oldFirmware);
+  EXPECT_TRUE(g.program.Empty());
+  EXPECT_TRUE(g.commandLine.Empty());
+}
+
+class InDirectory : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    char cwd[4096];
+    ASSERT_NE(::getcwd(cwd, sizeof cwd), nullptr);
+    oldCwd_ = cwd;
+    ASSERT_EQ(::chdir(dir_.path().c_str()), 0);
+  }
+  void TearDown() override { ASSERT_EQ(::chdir(oldCwd_.c_str()), 0); }
+  TempDir dir_;
+  std::string oldCwd_;
+};
+
+TEST_F(InDirectory, LoadingRows) {
+  struct Case {
+    const char* text;
+    RowsOutcome outcome;
+    int count;
+  };
+  const Case cases[] = {
+      {"1,1,a,,0\n2,2,b,,0", RowsOutcome::kLoaded, 2},
+      {"1,1,a,,0\r\n2,2,b,,0\r\n", RowsOutcome::kLoaded, 2},
+      {"1,1,a,,0\n\n2,2,b,,0\n", RowsOutcome::kLoaded, 1},
+      {"1,1,a,,0\n1,1,a\n", RowsOutcome::kLoaded, 1},
+      {"1,1,\"a,b\",\n", RowsOutcome::kBadStructure, 0},  // the comma in quotes does not count
+      {"", RowsOutcome::kNoRows, 0},
+  };
+  for (const Case& c : cases) {
+    WriteFileText("fisk.cfg", c.text);
+    PrinterRows rows;
+    EXPECT_EQ(LoadPrinterRows("FISK.CFG", rows), c.outcome) << c.text;
+    EXPECT_EQ(rows.count, c.count) << c.text;
+  }
+  PrinterRows rows;
+  EXPECT_EQ(LoadPrinterRows("brak.cfg", rows), RowsOutcome::kCannotOpen);
+}
+
+TEST_F(InDirectory, ClassifyingJobFiles) {
+  FileVar file;
+  WriteJobFile("1", {ShortText("\x1b" "RAPOKR"), "01-01-2026", "31-01-2026", "FISK", kJobKeywordEnd});
+  EXPECT_EQ(ClassifyJobFile("1", file), kJobPeriodReport);
+  EXPECT_TRUE(file.IsOpen());
+  EXPECT_EQ(file.Position(), kJobRecordSize);  // the handler reads on from record 2
+  ShortText record;
+  EXPECT_TRUE(ReadJobRecord(file, record));
+  EXPECT_EQ(record.Str(), "01-01-2026");
+  file.Close();
+
+  WriteJobFile("2", {kJobKeywordWait});
+  EXPECT_EQ(ClassifyJobFile("2", file), kJobNone);
+  EXPECT_FALSE(file.IsOpen());
+  WriteFileText("3", std::string(255, '\0'));
+  EXPECT_EQ(ClassifyJobFile("3", file), kJobNone);
+  WriteFileText("4", "");
+  EXPECT_EQ(ClassifyJobFile("4", file), kJobNone);
+  EXPECT_FALSE(file.IsOpen());
+
+  WriteJobFile("5", {ShortText("\x1b" "BRAK_DANYCH")});
+  EXPECT_EQ(ClassifyJobFile("5", file), kJobWithdrawn);
+  DeleteJobFileLogged(file);
+  EXPECT_FALSE(PathExists("5"));
+}
+
+}  // namespace

@@ -1,0 +1,29 @@
+// Runs posnet-sim as a child process (for tests and benchmarks), on a pseudo-terminal of its own.
+#pragma once
+
+#include <string>
+#include <vector>
+
+class SimProcess {
+ public:
+  // Starts the simulator with the given extra arguments; its journal and trace go to a
+  // fresh temporary folder.
+  explicit SimProcess(std::vector<std::string> args = {});
+  ~SimProcess();
+  SimProcess(const SimProcess&) = delete;
+  SimProcess& operator=(const SimProcess&) = delete;
+
+  // Path of the terminal's slave side, empty when the simulator did not start.
+  const std::string& Slave() const { return slave_; }
+  const std::string& Folder() const { return dir_; }
+  // Lines printed so far, and what came in.
+  std::vector<std::string> Journal() const;
+  std::vector<std::string> Trace() const;
+
+ private:
+  int pid_ = -1;
+  std::string dir_, slave_;
+};
+
+// Lines of a text file (empty when it is missing).
+std::vector<std::string> ReadLines(const std::string& path);
