@@ -78,17 +78,19 @@ KeyPair CombineUtf8(KeyPair lead) {
   return lead;
 }
 
-// Scan of each small Polish letter, in the order of the Mazovia capitals below.
+// Scan of each small Polish letter, in the order of the Mazovia letters below.
 constexpr unsigned char kLetterScan[9] = {30, 46, 18, 38, 49, 24, 31, 45, 44};  // ą ć ę ł ń ó ś ź ż
 constexpr unsigned char kMazSmall[9] = {0x86, 0x8D, 0x91, 0x92, 0xA4, 0xA2, 0x9E, 0xA6, 0xA7};
 
-// A letter typed in ISO 8859-2 or Windows 1250 comes with its letter's scan.
+// A letter typed in ISO 8859-2 or Windows 1250 arrives as its byte with the
+// scan the decoder gives that byte; it leaves as Mazovia with its letter's scan.
 KeyPair SingleByteLetter(KeyPair k) {
+  if (k.ch < 0x80 || k.scan != KeyOfByte(k.ch).scan) return k;
   unsigned char maz = Term().inCodePage == 2 ? Cp1250ToMaz(k.ch) : IsoToMaz(k.ch);
   if (maz == k.ch || !IsPolishLetter(maz)) return k;
   unsigned char small = MazLowCase(maz);
   for (int i = 0; i < 9; ++i)
-    if (kMazSmall[i] == small && kLetterScan[i] == k.scan) return KeyPair{maz, k.scan};
+    if (kMazSmall[i] == small) return KeyPair{maz, kLetterScan[i]};
   return k;
 }
 

@@ -7,12 +7,7 @@
 #include <cstdint>
 
 #include "base/shorttext.h"
-
-struct KeyPair {
-  unsigned char ch = 0;
-  unsigned char scan = 0;
-  constexpr bool operator==(const KeyPair&) const = default;
-};
+#include "tui/keydecode.h"
 
 // Capacity of the key buffer.
 inline constexpr int kKeyBufferSize = 32;

@@ -1,6 +1,8 @@
 // Key pairs through the translations of ReadKeyRaw, and the key codes.
 #include <gtest/gtest.h>
 
+#include <unistd.h>
+
 #include <vector>
 
 #include "base/codepage.h"
@@ -17,6 +19,19 @@ class KeyboardTest : public tui_test::TuiTest {
   void TearDown() override {
     DiscardPendingKeys();
     TuiTest::TearDown();
+  }
+  // Every key that the bytes give when the terminal sends them and then closes.
+  static std::vector<KeyPair> KeysFromBytes(const std::string& bytes) {
+    int fds[2];
+    EXPECT_EQ(pipe(fds), 0);
+    EXPECT_EQ(write(fds[1], bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
+    close(fds[1]);
+    TermInputFromFd(fds[0]);
+    std::vector<KeyPair> keys;
+    while (KeyPressed()) keys.push_back(ReadKeyRaw());
+    TermInputFromFd(-1);
+    close(fds[0]);
+    return keys;
   }
   static KeyPair Translate(std::vector<KeyPair> in) {
     for (KeyPair k : in) EXPECT_TRUE(PushKey(k.ch, k.scan));
@@ -123,18 +138,56 @@ TEST_F(KeyboardTest, Utf8PolishLettersBecomeMazoviaWithTheirScans) {
   EXPECT_EQ(ReadKeyRaw(), (KeyPair{'x', 45}));
 }
 
-TEST_F(KeyboardTest, SingleByteInputPagesGiveMazoviaLettersByByteAndScan) {
+TEST_F(KeyboardTest, SingleByteInputPagesGiveMazoviaLettersFromTheTerminal) {
   tui_test::InitTerminal("xterm");
-  EXPECT_EQ(Translate({{0xB1, 30}}), (KeyPair{0x86, 30}));  // ISO ą
-  EXPECT_EQ(Translate({{0xAF, 44}}), (KeyPair{0xA1, 44}));  // ISO Ż
-  EXPECT_EQ(Translate({{0xB1, 0}}), (KeyPair{0xB1, 0}));    // wrong key: left alone
+  EXPECT_EQ(KeysFromBytes("\xB1\xAF\xE6x"), (std::vector<KeyPair>{{0x86, 30}, {0xA1, 44}, {0x8D, 46}, {'x', 45}}));
+  (void)PushKey(0xB1, 30);  // a pushed pair with another scan is no typed letter
+  EXPECT_EQ(ReadKeyRaw(), (KeyPair{0xB1, 30}));
   tui_test::InitTerminal("xterm", "", "WIN");
-  EXPECT_EQ(Translate({{0xB9, 30}}), (KeyPair{0x86, 30}));  // Windows ą
-  EXPECT_EQ(Translate({{0x9C, 31}}), (KeyPair{0x9E, 31}));  // Windows ś
+  EXPECT_EQ(KeysFromBytes("\xB9\x9C\xA3"), (std::vector<KeyPair>{{0x86, 30}, {0x9E, 31}, {0x9C, 38}}));
   tui_test::InitTerminal("cp852");
-  EXPECT_EQ(Translate({{0xA5, 0}}), (KeyPair{0x86, 0}));    // Latin 2 ą
-  EXPECT_EQ(Translate({{0xBD, 0}}), (KeyPair{0xA1, 0}));    // Latin 2 Ż stays Ż
-  EXPECT_EQ(Translate({{0xA5, 60}}), (KeyPair{0xA5, 60}));  // scan 54 and up: not a typed letter
+  // Latin 2: \xA5 is ą, \xBD is Ż (which in ISO would be another byte).
+  EXPECT_EQ(KeysFromBytes("\xA5\xBD"), (std::vector<KeyPair>{{0x86, 6}, {0xA1, 13}}));
+}
+
+TEST_F(KeyboardTest, Utf8LettersFromTheTerminal) {
+  tui_test::InitTerminal("xterm", "", "UTF");
+  EXPECT_EQ(KeysFromBytes("Zażółć"), (std::vector<KeyPair>{{'Z', 44}, {'a', 30}, {0xA7, 44}, {0xA2, 24}, {0x92, 38}, {0x8D, 46}}));
+  // Another two-byte letter is not Polish: both bytes come as they are.
+  std::vector<KeyPair> other = KeysFromBytes("\xC3\xA9");
+  ASSERT_EQ(other.size(), 2u);
+  EXPECT_EQ(other[0], (KeyPair{0xC3, 46}));
+  EXPECT_EQ(other[1].ch, 0xA9);
+}
+
+TEST_F(KeyboardTest, EscapeSequencesAndTheGravePrefixFromTheTerminal) {
+  struct Case {
+    const char* term;
+    std::string bytes;
+    std::vector<KeyPair> keys;
+  } cases[] = {
+      {"xterm", "`c\x1bOR", {{0, 96}}},                // ` C F3: Ctrl+F3
+      {"xterm", "`a\x1b[24~", {{0, 140}}},             // ` A F12
+      {"xterm", "`s\x1bOP", {{0, 84}}},                // ` S F1
+      {"xterm", "`\x1bOP`\x1b[A", {{0, 133}, {224, 141}}},
+      {"xterm", "`c\x1b[H`c\r", {{224, 119}, {10, 28}}},
+      {"rxvt", "\x1b[11~\x1b[3~\x1b[5^", {{0, 59}, {224, 83}, {224, 132}}},
+      {"linux", "\x1b[[A\x1b[4~\x1b[25~", {{0, 59}, {224, 79}, {0, 84}}},
+      {"xterm", "\x1b[21~\r\x7f\t\x1b[Z", {{0, 68}, {13, 28}, {8, 14}, {9, 15}, {0, 15}}},
+      {"xterm", "\x05\x16\x02", {{10, 28}, {224, 79}, {127, 14}}},
+      {"xterm", "\x1b" "e", {{0, 18}}},                 // Alt+E
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(::testing::PrintToString(c.bytes));
+    tui_test::InitTerminal(c.term);
+    EXPECT_EQ(KeysFromBytes(c.bytes), c.keys);
+  }
+}
+
+TEST_F(KeyboardTest, AloneEscAfterAPauseIsTheEscKeyAndEndOfInputReadsAsEsc) {
+  EXPECT_EQ(KeysFromBytes("\x1b"), (std::vector<KeyPair>{keys::kEsc}));
+  EXPECT_EQ(KeysFromBytes("q"), (std::vector<KeyPair>{{'q', 16}}));
+  EXPECT_EQ(ReadKeyRaw(), keys::kEsc);
 }
 
 TEST_F(KeyboardTest, PolishAltKeysGiveLettersInEditAndUpperReads) {
