@@ -245,3 +245,35 @@ TEST(KeyCodes, EveryKeyOfTheTable) {
 }
 
 }  // namespace
+
+namespace {
+
+TEST(DecodeKeyAlt, RxvtEscBeforeASequenceIsAltWithThatKey) {
+  struct Case {
+    const char* bytes;
+    int consumed;
+    KeyPair key;
+  } cases[] = {
+      {"\x1b\x1b[11~", 6, {0, 104}},    // rxvt Alt+F1
+      {"\x1b\x1b[21~", 6, {0, 113}},    // Alt+F10
+      {"\x1b\x1b[24~", 6, {0, 140}},    // Alt+F12
+      {"\x1b\x1bOA", 4, {0, 152}},      // Alt+Up
+      {"\x1b\x1b[3~", 5, {0, 163}},     // Alt+Del
+      {"\x1b\x1b[99~", 6, {}},          // nothing known: dropped whole
+      {"\x1b\x1bx", 1, {27, 1}},        // Esc, then Alt+x from the rest
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(::testing::PrintToString(std::string(c.bytes)));
+    KeyDecodeResult r = DecodeKey(c.bytes, 0, KeyTerminal::kRxvt);
+    EXPECT_EQ(r.consumed, c.consumed);
+    if (c.key.scan != 0) EXPECT_EQ(r.key, c.key);
+    else EXPECT_EQ(r.status, KeyDecodeStatus::kIgnored);
+  }
+  EXPECT_EQ(DecodeKey("\x1b\x1b", 0, KeyTerminal::kRxvt).status, KeyDecodeStatus::kIncomplete);
+  EXPECT_EQ(DecodeKey("\x1b\x1b", kKeyEscapeWaitMs, KeyTerminal::kRxvt).key, (KeyPair{27, 1}));
+  EXPECT_EQ(DecodeKey("\x1b\x1b[1", 0, KeyTerminal::kRxvt).status, KeyDecodeStatus::kIncomplete);
+  // xterm's Alt has numbers of its own: there two ESCs are the Esc key first.
+  EXPECT_EQ(DecodeKey("\x1b\x1b[11~", 0, KeyTerminal::kXterm).key, (KeyPair{27, 1}));
+}
+
+}  // namespace
