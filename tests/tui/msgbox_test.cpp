@@ -14,25 +14,36 @@ using tui_test::AttrAt;
 using tui_test::CharAt;
 using tui_test::Cells;
 
-// The screen as the box shows it while it waits for its first key.
-struct Snapshot {
+// The screen: both shadows, the window and the cursor.
+struct ScreenState {
   std::array<ShortText, 26> rows, attrs;
-  int x = 0, y = 0;
   WindowRect window;
+  int x = 0, y = 0;
+  bool operator==(const ScreenState& o) const {
+    return rows == o.rows && attrs == o.attrs && window.left == o.window.left && window.top == o.window.top &&
+           window.right == o.window.right && window.bottom == o.window.bottom && x == o.x && y == o.y;
+  }
 };
 
-Snapshot g_seen;
+ScreenState Capture() {
+  ScreenState s;
+  for (int r = 1; r <= 25; ++r) {
+    s.rows[r] = RowText(r);
+    s.attrs[r] = RowAttrs(r);
+  }
+  s.window = CurrentWindow();
+  s.x = WhereX();
+  s.y = WhereY();
+  return s;
+}
+
+// The screen as the box shows it while it waits for its first key.
+ScreenState g_seen;
 std::vector<KeyPair> g_answer;
 
 // Looks at the screen when the box first wants a key, then gives the answer.
 void LookThenAnswer() {
-  for (int r = 1; r <= 25; ++r) {
-    g_seen.rows[r] = RowText(r);
-    g_seen.attrs[r] = RowAttrs(r);
-  }
-  g_seen.window = CurrentWindow();
-  g_seen.x = WhereX();
-  g_seen.y = WhereY();
+  g_seen = Capture();
   for (KeyPair k : g_answer) (void)PushKey(k.ch, k.scan);
   g_answer.clear();
   SetKeyIdleHook(nullptr);
@@ -51,7 +62,7 @@ class MessageBoxTest : public tui_test::TuiTest {
   }
   static void Answer(std::vector<KeyPair> keys) {
     g_answer = std::move(keys);
-    g_seen = Snapshot{};
+    g_seen = ScreenState{};
     SetKeyIdleHook(LookThenAnswer);
   }
   // A background of known bytes in many attributes, to see what a box restores.
@@ -69,28 +80,6 @@ class MessageBoxTest : public tui_test::TuiTest {
   }
   static unsigned char SeenAttr(int col, int row) { return g_seen.attrs[row].At(col); }
 };
-
-struct ScreenState {
-  std::array<ShortText, 26> rows, attrs;
-  WindowRect window;
-  int x, y;
-  bool operator==(const ScreenState& o) const {
-    return rows == o.rows && attrs == o.attrs && window.left == o.window.left && window.top == o.window.top &&
-           window.right == o.window.right && window.bottom == o.window.bottom && x == o.x && y == o.y;
-  }
-};
-
-ScreenState Capture() {
-  ScreenState s;
-  for (int r = 1; r <= 25; ++r) {
-    s.rows[r] = RowText(r);
-    s.attrs[r] = RowAttrs(r);
-  }
-  s.window = CurrentWindow();
-  s.x = WhereX();
-  s.y = WhereY();
-  return s;
-}
 
 TEST_F(MessageBoxTest, EmptyTextWithCodeZeroIsFourteenWideWithOneEmptyLine) {
   Answer({keys::kEnter});
