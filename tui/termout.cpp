@@ -77,23 +77,6 @@ unsigned char OutputByte(unsigned char b, const TermSettings& t) {
   return b < 32 ? ' ' : b;
 }
 
-void AppendNumber(Sgr& s, int n) {
-  if (n >= 10) AppendNumber(s, n / 10);
-  s.bytes[s.length++] = static_cast<char>('0' + n % 10);
-}
-
-Sgr BuildSgr(unsigned char attr) {
-  Sgr s;
-  for (char c : {'\x1b', '[', '0', ';', '3'}) s.bytes[s.length++] = c;
-  s.bytes[s.length++] = kAnsiColour[attr & 7];
-  for (char c : {';', '4'}) s.bytes[s.length++] = c;
-  s.bytes[s.length++] = kAnsiColour[(attr >> 4) & 7];
-  if (attr & 0x08) for (char c : {';', '1'}) s.bytes[s.length++] = c;
-  if (attr & 0x80) for (char c : {';', '5'}) s.bytes[s.length++] = c;
-  s.bytes[s.length++] = 'm';
-  return s;
-}
-
 void WriteAll(const char* p, std::size_t n) {
   while (n > 0) {
     ssize_t w = ::write(g_out.fd, p, n);
@@ -123,15 +106,29 @@ void PutCursorMove(int row, int col) {
   Put('H');
 }
 
+// Appends one parameter of a colour sequence, after a ';' unless it is the first.
+void PutParam(bool& first, char a, char b = 0) {
+  if (!first) Put(';');
+  first = false;
+  Put(a);
+  if (b) Put(b);
+}
+
+// Sets the terminal's colour to an adjusted attribute, saying only what
+// changed; taking bold or blink away needs a reset and the whole colour.
 void PutColour(unsigned char adjusted) {
-  if (g_out.attr == adjusted) return;
-  const Sgr& s = g_out.sgr[adjusted];
-  // Without bold or blink on either side the reset is not needed.
-  int skip = (g_out.attr >= 0 && !(g_out.attr & 0x88) && !(adjusted & 0x88)) ? 2 : 0;
+  int prev = g_out.attr;
+  if (prev == adjusted) return;
+  bool reset = prev < 0 || (prev & ~adjusted & 0x88) != 0;
+  bool first = true;
   Put('\x1b');
   Put('[');
-  std::memcpy(g_out.buffer + g_out.length, s.bytes + 2 + skip, s.length - 2 - skip);
-  g_out.length += s.length - 2 - skip;
+  if (reset) PutParam(first, '0');
+  if (reset || ((prev ^ adjusted) & 0x07)) PutParam(first, '3', kAnsiColour[adjusted & 7]);
+  if (reset || ((prev ^ adjusted) & 0x70)) PutParam(first, '4', kAnsiColour[(adjusted >> 4) & 7]);
+  if ((adjusted & 0x08) && (reset || !(prev & 0x08))) PutParam(first, '1');
+  if ((adjusted & 0x80) && (reset || !(prev & 0x80))) PutParam(first, '5');
+  Put('m');
   g_out.attr = adjusted;
 }
 
@@ -160,7 +157,6 @@ void RebuildMaps() {
   for (int b = 0; b < 256; ++b) {
     g_out.charMap[b] = OutputByte(static_cast<unsigned char>(b), g_term);
     g_out.attrMap[b] = AdjustAttr(static_cast<unsigned char>(b), g_term);
-    g_out.sgr[b] = BuildSgr(static_cast<unsigned char>(b));
   }
   g_out.utf8 = g_term.inCodePage == 1 && (g_term.outCodePage == 3 || g_term.outCodePage == 4);
   g_out.attr = -1;

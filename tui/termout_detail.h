@@ -10,16 +10,9 @@
 
 namespace tui_detail {
 
-// One ANSI colour sequence, ready to copy.
-struct Sgr {
-  uint8_t length = 0;
-  char bytes[23] = {};
-};
-
 struct Output {
   unsigned char charMap[256];   // logical byte -> byte sent (steps 1, 2, 3 and 5)
   unsigned char attrMap[256];   // logical attribute -> adjusted attribute
-  Sgr sgr[256];                 // adjusted attribute -> colour sequence
   bool utf8 = false;            // encode the final ISO 8859-2 bytes as UTF-8
   int row = 0, col = 0;         // where the terminal's cursor is; row 0: not known
   int attr = -1;                // adjusted attribute in force on the terminal; -1: not known

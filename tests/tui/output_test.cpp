@@ -144,7 +144,27 @@ TEST_F(OutputTest, AttributesBecomeAnsiColoursOncePerRun) {
   TextAttr(0x07);
   WriteAt(10, 2, ShortText("f"));
   // The cursor was already at 1, 1 and ends where the logical cursor is.
-  EXPECT_EQ(Sent(), "\x1b[0;33;44;1mabcd\x1b[0;37;41;1me\x1b[2;10H\x1b[0;37;40mf");
+  // A colour change says only what changed; losing bold needs a reset.
+  EXPECT_EQ(Sent(), "\x1b[0;33;44;1mabcd\x1b[37;41me\x1b[2;10H\x1b[0;37;40mf");
+}
+
+TEST_F(OutputTest, ColourChangesSayOnlyWhatChanged) {
+  struct Step {
+    unsigned char attr;
+    const char* sgr;
+  } steps[] = {
+      {0x07, "\x1b[0;37;40m"}, {0x17, "\x1b[44m"},         {0x1F, "\x1b[1m"},  {0x1E, "\x1b[33m"},
+      {0x4E, "\x1b[41m"},      {0x47, "\x1b[0;37;41m"},    {0xC7, "\x1b[5m"},  {0x07, "\x1b[0;37;40m"},
+      {0x07, ""},
+  };
+  tui_test::InitTerminal("linux");
+  Sent();
+  int x = 1;
+  for (const auto& s : steps) {
+    TextAttr(s.attr);
+    WriteAt(x++, 1, ShortText("x"));
+    EXPECT_EQ(Sent(), std::string(s.sgr) + "x") << int(s.attr);
+  }
 }
 
 TEST_F(OutputTest, AttributeAdjustmentByKindAndSettings) {
