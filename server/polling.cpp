@@ -2,7 +2,10 @@
 
 #include <unistd.h>
 
+#include <algorithm>
+#include <chrono>
 #include <cstdio>
+#include <thread>
 
 #include "base/jobfile.h"
 #include "base/numtext.h"
@@ -13,6 +16,20 @@
 #include "tui/keypoll.h"
 
 namespace {
+
+// At most this much of an overrun is taken off the next sleep, so that a
+// stalled machine does not shorten the sleeps that follow it.
+constexpr int64_t kMaxOverrunCarryUs = 20000;
+
+// Sleeps the poll time less the last overrun.
+void PollSleep(ServerState& state) {
+  using namespace std::chrono;
+  const int64_t wantUs = std::max<int64_t>(0, int64_t{state.pollDelay} * 1000 - state.sleepOverrunUs);
+  const auto start = steady_clock::now();
+  std::this_thread::sleep_for(microseconds(wantUs));
+  const int64_t overrun = duration_cast<microseconds>(steady_clock::now() - start).count() - wantUs;
+  state.sleepOverrunUs = std::clamp<int64_t>(overrun, 0, kMaxOverrunCarryUs);
+}
 
 bool IsReportedKind(uint8_t kind) {
   return (kind >= kJobReceipt && kind <= kJobDrawer) || kind == kJobWithdrawn;
@@ -74,7 +91,7 @@ bool SleepAndPollKeys(ServerState& state) {
     WriteOut("\r" + ClockText(ReadClock()) + " ");
     FlushOut();
   }
-  SleepMs(state.pollDelay);
+  PollSleep(state);
   state.jobResult = 0;
   if (KeyPair key; screen && KeyPollRead(key)) {
     state.jobKind = key.ch;
