@@ -218,6 +218,29 @@ KeyPair AltPair(uint8_t c) {
   return {0, kScan[c & 0x7F]};
 }
 
+// The Alt form of an extended key; other keys as they are.
+KeyPair WithAlt(KeyPair key) {
+  if (key.ch == 0 && key.scan >= 59 && key.scan <= 68) return {0, static_cast<uint8_t>(key.scan + 45)};
+  if (key.ch == 0 && (key.scan == 133 || key.scan == 134)) return {0, static_cast<uint8_t>(key.scan + 6)};
+  if (key.ch == 224)
+    for (const GreyKey& g : kGreyKeys)
+      if (g.plain == key.scan) return {0, g.alt};
+  return key;
+}
+
+// rxvt says Alt on function and editing keys with an ESC before their
+// sequence: "ESC ESC [ 11 ~" is Alt+F1 (xterm has modifier numbers for
+// that, so there the same bytes are Esc and F1). Two ESCs with nothing known behind
+// them are the Esc key, once per ESC.
+KeyDecodeResult DecodeEscapedSequence(std::string_view bytes, int idleMs, KeyTerminal terminal) {
+  if (bytes.size() == 2) return idleMs >= kKeyEscapeWaitMs ? Key(1, {27, 1}) : Incomplete();
+  if (bytes[2] != '[' && bytes[2] != 'O') return Key(1, {27, 1});
+  KeyDecodeResult inner = DecodeKey(bytes.substr(1), idleMs, terminal);
+  if (inner.status == KeyDecodeStatus::kIncomplete) return inner;
+  if (inner.status == KeyDecodeStatus::kIgnored) return Ignored(inner.consumed + 1);
+  return Key(inner.consumed + 1, WithAlt(inner.key));
+}
+
 }  // namespace
 
 KeyPair KeyOfByte(uint8_t byte) {
@@ -232,7 +255,8 @@ KeyDecodeResult DecodeKey(std::string_view bytes, int idleMs, KeyTerminal termin
   const bool waited = idleMs >= kKeyEscapeWaitMs;
   if (bytes.size() == 1) return waited ? Key(1, {27, 1}) : Incomplete();
   const auto second = static_cast<uint8_t>(bytes[1]);
-  if (second == 27) return Key(1, {27, 1});
+  if (second == 27)
+    return terminal == KeyTerminal::kRxvt ? DecodeEscapedSequence(bytes, idleMs, terminal) : Key(1, {27, 1});
   KeyDecodeResult r;
   if (second == '[') r = DecodeCsi(bytes, terminal);
   else if (second == 'O') r = DecodeSs3(bytes);
