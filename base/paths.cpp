@@ -91,8 +91,11 @@ ShortText PathToUnix(const ShortText& path) {
   if (name.Empty()) return dirPart;
 
   const std::string dirText = dirPart.Str();
-  for (const ShortText& candidate : {name, MazUpCaseText(name), MazLowCaseText(name)})
-    if (Exists(dirText + candidate.Str())) return dirPart + candidate;
+  const ShortText upper = MazUpCaseText(name), lower = MazLowCaseText(name);
+  // A name without letters is looked up once: this runs for every job file on every pass.
+  if (Exists(dirText + name.Str())) return dirPart + name;
+  if (upper != name && Exists(dirText + upper.Str())) return dirPart + upper;
+  if (lower != name && lower != upper && Exists(dirText + lower.Str())) return dirPart + lower;
   return dirPart + name;
 }
 

@@ -52,6 +52,7 @@ PosnetSettings& PosnetConfig() { return Driver().settings; }
 const ShortText& ReceiptNumberText() { return Driver().receiptNumber; }
 
 int PosnetFrame(std::string_view body, double wait) {
+  if (PortClosed()) return -5;
   if (PosnetSend(kSendLimit, PosnetCheckedFrame(body)) != 0) return -1;
   return PosnetResult(wait);
 }

@@ -28,7 +28,7 @@ PosnetSettings& PosnetConfig();
 // ReceiptNumberText: the document number kept from the head for the foot (new firmware).
 const ShortText& ReceiptNumberText();
 
-// Sends the framed body with a one-second limit, then answers PosnetResult(wait).
+// Sends the framed body with a one-second limit, then answers PosnetResult(wait); -5 when closed.
 [[nodiscard]] int PosnetFrame(std::string_view body, double wait);
 // The status step: 0 when the printer accepted, else its error code, -1, -2, -3 or -7.
 [[nodiscard]] int PosnetResult(double wait);

@@ -4,6 +4,7 @@
 #include <cstdlib>
 
 #include "base/codepage.h"
+#include "base/text.h"
 
 bool IsPosnetStatusByte(int b) { return b >= 0 && (b & kPosnetStatusMark) == kPosnetStatusMark; }
 
@@ -145,17 +146,6 @@ std::string PosnetDisplayFrame(int n, const ShortText& text) {
   return PosnetPlainFrame(body);
 }
 
-namespace {
-
-ShortText TrimBlanks(const ShortText& t) {
-  int first = 1, last = t.Length();
-  while (first <= last && t.At(first) == ' ') ++first;
-  while (last >= first && t.At(last) == ' ') --last;
-  return t.Copy(first, last - first + 1);
-}
-
-}  // namespace
-
 PosnetFoot PosnetNewFirmwareFoot(const ShortText& receiptNumber, const ShortText& c,
                                  const ShortText& d) {
   PosnetFoot foot;
@@ -163,7 +153,7 @@ PosnetFoot PosnetNewFirmwareFoot(const ShortText& receiptNumber, const ShortText
   foot.c = receiptNumber.Empty() ? ShortText("#x") : ShortText("#") + receiptNumber;
   foot.d = d;
   if (!d.Empty()) {
-    ShortText payment = MazUpCaseText(TrimBlanks(d));
+    ShortText payment = MazUpCaseText(TrimRightAll(TrimLeftAll(d, ' '), ' '));
     foot.c = (foot.c + "-" + payment).Copy(1, 30);
     foot.d.Clear();
   }

@@ -2,9 +2,12 @@
 
 #include <unistd.h>
 
-#include <cstdio>
+#include <algorithm>
+#include <chrono>
+#include <thread>
 
 #include "base/jobfile.h"
+#include "base/numbers_format.h"
 #include "base/numtext.h"
 #include "base/platform.h"
 #include "server/families.h"
@@ -14,26 +17,34 @@
 
 namespace {
 
+// At most this much of an overrun is taken off the next sleep, so that a
+// stalled machine does not shorten the sleeps that follow it.
+constexpr int64_t kMaxOverrunCarryUs = 20000;
+
+// Sleeps the poll time less the last overrun.
+void PollSleep(ServerState& state) {
+  using namespace std::chrono;
+  const int64_t wantUs = std::max<int64_t>(0, int64_t{state.pollDelay} * 1000 - state.sleepOverrunUs);
+  const auto start = steady_clock::now();
+  std::this_thread::sleep_for(microseconds(wantUs));
+  const int64_t overrun = duration_cast<microseconds>(steady_clock::now() - start).count() - wantUs;
+  state.sleepOverrunUs = std::clamp<int64_t>(overrun, 0, kMaxOverrunCarryUs);
+}
+
 bool IsReportedKind(uint8_t kind) {
   return (kind >= kJobReceipt && kind <= kJobDrawer) || kind == kJobWithdrawn;
 }
 
-ShortText DecimalText(long value) {
-  char text[24];
-  const int n = std::snprintf(text, sizeof text, "%ld", value);
-  return ShortText(std::string_view(text, n > 0 ? static_cast<std::size_t>(n) : 0));
-}
-
 // "START SERVERA DRUKAREK FISKALNYCH d-m-yyyy h:m:s", numbers without padding.
 ShortText StartLine(const ClockReading& now) {
-  return "START SERVERA DRUKAREK FISKALNYCH " + DecimalText(now.day) + "-" + DecimalText(now.month) + "-" +
-         DecimalText(now.year) + " " + DecimalText(now.hour) + ":" + DecimalText(now.minute) + ":" +
-         DecimalText(now.second);
+  return "START SERVERA DRUKAREK FISKALNYCH " + IntText(now.day, 0) + "-" + IntText(now.month, 0) + "-" +
+         IntText(now.year, 0) + " " + IntText(now.hour, 0) + ":" + IntText(now.minute, 0) + ":" +
+         IntText(now.second, 0);
 }
 
 void WriteStartLines(bool withLog) {
   WriteLine(StartLine(ReadClock()));
-  WriteLine("PID: " + DecimalText(static_cast<long>(::getpid())));
+  WriteLine("PID: " + IntText(::getpid(), 0));
   if (!withLog) WriteLine("ZAKONCZENIE PRACY: F10");
 }
 
@@ -46,7 +57,7 @@ bool ConfigureRows(ServerState& state, const ShortText& configPath) {
     case RowsOutcome::kNoRows: WriteLine("W PLIKU KONFIGURACYJNYM NIE ZDEFINIOWANO DANYCH."); return false;
     case RowsOutcome::kLoaded: break;
   }
-  WriteLine("SKONFIGUROWANO " + DecimalText(state.rows.count));
+  WriteLine("SKONFIGUROWANO " + IntText(state.rows.count, 0));
   return true;
 }
 
@@ -74,7 +85,7 @@ bool SleepAndPollKeys(ServerState& state) {
     WriteOut("\r" + ClockText(ReadClock()) + " ");
     FlushOut();
   }
-  SleepMs(state.pollDelay);
+  PollSleep(state);
   state.jobResult = 0;
   if (KeyPair key; screen && KeyPollRead(key)) {
     state.jobKind = key.ch;

@@ -21,6 +21,9 @@ struct ServerState {
   uint8_t jobResult = 0;                   // JobResult; with kind 0, 'D' stops the server
   ShortText resultText;                    // ResultText
   FileVar jobFile;
+  // What the last sleep overran by (the system's wake-up delay), taken off
+  // the next one so that the delays of many rows do not add up.
+  int64_t sleepOverrunUs = 0;
 };
 
 // The stop pair: what F10 reads as, (0, 'D').

@@ -126,3 +126,36 @@ TEST(PosnetSim, IgnoredCancelKeepsTheTransaction) {
 }
 
 }  // namespace
+
+namespace {
+
+// Random byte strings rich in the protocol's own bytes: neither the printer nor the
+// driver's reply parsers may fail on them, and the printer answers only status bytes
+// and whole frames.
+TEST(PosnetRobustness, ArbitraryBytesNeitherCrashNorConfuse) {
+  const std::string alphabet = std::string("\x1B" "P\\\x05\x18\r/;$#.0123456789lhe") + "\xFF";
+  uint32_t seed = 12345;
+  auto next = [&seed] { return seed = seed * 1103515245u + 12345u, (seed >> 16) & 0x7FFF; };
+  PosnetPrinterSim sim;
+  for (int round = 0; round < 3000; ++round) {
+    std::string bytes;
+    int length = static_cast<int>(next() % 40);
+    for (int i = 0; i < length; ++i)
+      bytes += next() % 8 == 0 ? static_cast<char>(next() % 256) : alphabet[next() % alphabet.size()];
+    std::string out = Feed(sim, bytes);
+    for (std::size_t i = 0; i < out.size(); ++i) {
+      if (out[i] == '\x1B') {
+        std::size_t end = out.find("\x1B\\", i + 1);
+        ASSERT_NE(end, std::string::npos) << round;
+        i = end + 1;
+      } else {
+        ASSERT_TRUE(IsPosnetStatusByte(static_cast<unsigned char>(out[i])) || out[i] == '\x13') << round;
+      }
+    }
+    (void)ParsePosnetStatusRecord(bytes);
+    (void)ParsePosnetClock(bytes);
+    (void)ParsePosnetStatusRecord("P1#X" + bytes);
+  }
+}
+
+}  // namespace
