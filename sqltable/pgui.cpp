@@ -1,30 +1,41 @@
-// Until the terminal layer is linked in, the layer's messages go to the
-// standard error stream and no screen rows exist to dump.
+// The layer's few uses of the screen, through the terminal layer.
 #include "sqltable/pgui.h"
 
-#include <cstdio>
+#include <algorithm>
 #include <cstdlib>
 
-namespace {
+#include "tui/msgbox.h"
+#include "tui/screen.h"
+#include "tui/term.h"
 
-void WriteErr(const ShortText& text) {
-  std::fwrite(text.Data(), 1, static_cast<std::size_t>(text.Length()), stderr);
-  std::fputc('\n', stderr);
-}
+void PGUiMessageBox(const ShortText& text, int code) { (void)MessageBox(text, static_cast<int16_t>(code)); }
 
-}  // namespace
-
-void PGUiMessageBox(const ShortText& text, int /*code*/) { WriteErr(text); }
-
-ShortText PGUiScreenRow(int /*row*/) { return ShortText(); }
+ShortText PGUiScreenRow(int row) { return RowText(row); }
 
 void PGUiShowBadQuery(const std::string& sql) {
-  WriteErr("Blednie sformulowane zapytanie:");
-  std::fwrite(sql.data(), 1, sql.size(), stderr);
-  std::fputc('\n', stderr);
+  const int x = WhereX(), y = WhereY();
+  const unsigned char attr = CurrentAttr();
+  const WindowRect window = CurrentWindow();
+  ScreenCopyPtr copy;
+  ScreenSave(copy);
+  Window(1, 1, kScreenCols, kScreenRows);
+  TextAttr(kAttrNormal);
+  ClearWindow();
+  WriteAt(1, 1, "Blednie sformulowane zapytanie:");
+  // The statement runs on over the rows below, as far as the screen reaches.
+  std::size_t pos = 0;
+  for (int row = 2; row <= kScreenRows && pos < sql.size(); ++row, pos += kScreenCols) {
+    const auto count = static_cast<int>(std::min<std::size_t>(kScreenCols, sql.size() - pos));
+    WriteAt(1, row, sql.data() + pos, count);
+  }
+  TermFlush();
+  ScreenRestore(copy);
+  Window(window.left, window.top, window.right, window.bottom);
+  GotoXY(x, y);
+  TextAttr(attr);
 }
 
 void PGUiEndProgram() {
-  std::fflush(nullptr);
+  TermFlush();
   std::exit(0);
 }

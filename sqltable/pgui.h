@@ -9,7 +9,7 @@
 
 // Shows text in the system's message box; code as MessageBox (0 waits for Enter or Esc).
 void PGUiMessageBox(const ShortText& text, int code);
-// Row 1..25 of the logical screen as Mazovia text; empty when no screen exists.
+// Row 1..25 of the logical screen as Mazovia text.
 ShortText PGUiScreenRow(int row);
 // Saves cursor, attribute and screen, shows "Blednie sformulowane zapytanie:"
 // and the statement on a cleared screen, and restores everything.

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "base/mazovia.h"
 #include "sqltest.h"
 
 namespace {
@@ -53,6 +54,7 @@ TEST_F(QueryTest, RowsThroughNoTupAreAFailureThoughTheServerDidIt) {
 }
 
 TEST_F(QueryTest, BadQueryLogHasItsFramePartsInOrder) {
+  WriteAt(3, 2, "Ekran: żółw"_mz);  // what the user was looking at
   EXPECT_EQ(PGRunQueryNoTup("SELECT 1"), kPGExecFailed);
   PGResult res;
   EXPECT_EQ(PGRunQueryWithTup("SELECT * FROM no_such_table", res), kPGExecFailed);
@@ -69,8 +71,10 @@ TEST_F(QueryTest, BadQueryLogHasItsFramePartsInOrder) {
   EXPECT_EQ(lines[3], "PGRunQueryNoTup:@");  // a status mismatch has no server text
   EXPECT_EQ(lines[4], "Blednie sformulowane zapytanie:");
   EXPECT_EQ(lines[5], "SELECT 1");
-  // 25 screen rows, then the closing line.
+  // 25 screen rows as the file's code page has them, then the closing line.
   ASSERT_GE(lines.size(), 32u);
+  EXPECT_EQ(lines[6], std::string(80, ' '));
+  EXPECT_EQ(lines[7], "  Ekran: \xBF\xF3\xB3w" + std::string(80 - 13, ' '));
   EXPECT_EQ(lines[31], stars);
   EXPECT_EQ(lines[32], stars);  // the second report begins
   EXPECT_EQ(lines[35].rfind("PGRunQueryWithTup:@", 0), 0u);
@@ -80,7 +84,23 @@ TEST_F(QueryTest, BadQueryLogHasItsFramePartsInOrder) {
 
 TEST_F(QueryTest, UnwritableLogFallsBackToTheScreen) {
   ASSERT_EQ(mkdir("error.log", 0755), 0);
-  EXPECT_EQ(PGRunQueryNoTup("SELEKT"), kPGExecFailed);
+  WriteAt(1, 1, "before");
+  Window(10, 5, 40, 10);
+  GotoXY(3, 2);
+  TextAttr(0x1E);
+  ScreenBytes();
+  EXPECT_EQ(PGRunQueryNoTup("SELEKT 12345"), kPGExecFailed);
+  const std::string shown = ScreenBytes();
+  EXPECT_NE(shown.find("Blednie sformulowane zapytanie:"), std::string::npos);
+  EXPECT_NE(shown.find("SELEKT 12345"), std::string::npos);
+  // Everything is as it was.
+  EXPECT_EQ(RowText(1).Copy(1, 6), "before");
+  EXPECT_EQ(RowText(2), std::string(80, ' '));
+  EXPECT_EQ(CurrentWindow().left, 10);
+  EXPECT_EQ(CurrentWindow().bottom, 10);
+  EXPECT_EQ(WhereX(), 3);
+  EXPECT_EQ(WhereY(), 2);
+  EXPECT_EQ(CurrentAttr(), 0x1E);
   struct stat st{};
   ASSERT_EQ(stat("error.log", &st), 0);
   EXPECT_TRUE(S_ISDIR(st.st_mode));
@@ -141,32 +161,41 @@ class TransactionFatalTest : public ConnectedTest {
   }
 };
 
+// The second box: "Błąd", the code, the tail on two lines.
+std::string SecondBox(const char* tail) {
+  return std::string("B\x92\x86" "d 1002 ") + tail + "[^\n]*\n[^\n]*Program musi zako\xA4" "czy\x8D dzia\x92" "anie\\.";
+}
+
 TEST_F(TransactionFatalTest, FailedBeginEndsTheProgram) {
   KillBackend();
-  EXPECT_EXIT(PGTransBegin(), ::testing::ExitedWithCode(0), "otwarcia transakcji\\.@Program musi");
+  AnswerBoxesOnStderr();
+  EXPECT_EXIT(PGTransBegin(), ::testing::ExitedWithCode(0), SecondBox("otwarcia transakcji\\."));
 }
 
 TEST_F(TransactionFatalTest, FailedCommitEndsTheProgram) {
   ASSERT_EQ(PGTransBegin(), 0);
   KillBackend();
-  EXPECT_EXIT(PGTransCommit(), ::testing::ExitedWithCode(0), "zatwierdzenia transakcji\\.@Program musi");
+  AnswerBoxesOnStderr();
+  EXPECT_EXIT(PGTransCommit(), ::testing::ExitedWithCode(0), SecondBox("zatwierdzenia transakcji\\."));
 }
 
 TEST_F(TransactionFatalTest, FailedRollbackEndsTheProgram) {
   (void)PGTransBegin();
   (void)PGTransBegin();
   KillBackend();
+  AnswerBoxesOnStderr();
   EXPECT_EQ(PGTransRollback(), 0);  // the inner level never reaches the server
-  EXPECT_EXIT(PGTransRollback(), ::testing::ExitedWithCode(0), "wycofania transakcji\\.@Program musi");
-  EXPECT_EXIT(PGTransRollbackAll(), ::testing::ExitedWithCode(0), "wycofania transakcji");
-  EXPECT_EXIT(PGTransCommitAll(), ::testing::ExitedWithCode(0), "zatwierdzenia transakcji");
+  EXPECT_EXIT(PGTransRollback(), ::testing::ExitedWithCode(0), SecondBox("wycofania transakcji\\."));
+  EXPECT_EXIT(PGTransRollbackAll(), ::testing::ExitedWithCode(0), SecondBox("wycofania transakcji\\."));
+  EXPECT_EXIT(PGTransCommitAll(), ::testing::ExitedWithCode(0), SecondBox("zatwierdzenia transakcji\\."));
 }
 
 TEST_F(TransactionFatalTest, FirstBoxShowsTheFoldedLastOperation) {
   KillBackend();
+  AnswerBoxesOnStderr();
   PGLastOp = ShortText(std::string(100, 'x'));
-  // 76 characters, the fold mark, then the rest and the server's text.
-  EXPECT_EXIT(PGTransBegin(), ::testing::ExitedWithCode(0), "x{76}@x{24}:@");
+  // "Błąd:", then 76 characters on a line of their own, the rest and the server's text below.
+  EXPECT_EXIT(PGTransBegin(), ::testing::ExitedWithCode(0), "B\x92\x86" "d:[^\n]*\n[^x\n]*x{76}[^x\n]*\n[^x\n]*x{24}:");
 }
 
 }  // namespace
