@@ -100,6 +100,17 @@ TEST_F(TableTest, CreateReplacesATableAndClearsStaleRows) {
   EXPECT_EQ(Scalar("SELECT string_agg(nazp, ',') FROM tables_list WHERE nazt='DANE_U'"), "X");
 }
 
+TEST_F(TableTest, AFailedServerStepLeavesRowsThatTheNextCreateClears) {
+  // A reserved word passes the name rule but not the server.
+  EXPECT_EQ(CreateTable("dane\\t", {{"a", "I"}, {"select", "I"}}), kPGSqlFailed);
+  EXPECT_EQ(Scalar("SELECT count(*) FROM tables_list WHERE nazt='DANE_T'"), "2");
+  bool exists = true;
+  EXPECT_EQ(PGTblExist("dane\\t", exists), 0);
+  EXPECT_FALSE(exists);
+  ASSERT_EQ(CreateTable("dane\\t", {{"a", "I"}, {"b", "I"}}), 0) << PGLastOp.Str();
+  EXPECT_EQ(Scalar("SELECT string_agg(nazp, ',' ORDER BY lp) FROM tables_list WHERE nazt='DANE_T'"), "A,B");
+}
+
 TEST_F(TableTest, OpenReadsTheCatalogueIntoTheHandle) {
   ASSERT_EQ(CreateTable("dane\\t", {{"nr", "I"}, {"nazwa", "A30"}, {"data", "D"}, {"opis", "M10"}}), 0);
   const int16_t key[2] = {1, 2};
