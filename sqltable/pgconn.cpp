@@ -1,10 +1,6 @@
 // Opening and closing the one connection of the process, and running SQL text.
 #include "sqltable/pgconn.h"
 
-#include <cstdio>
-#include <cstdlib>
-#include <cstring>
-
 #include "base/codepage.h"
 #include "sqltable/pglib.h"
 
@@ -17,8 +13,8 @@ PGconn* PGConn = nullptr;
 
 namespace {
 
+// The handler in force before ours; the client's default takes no argument.
 PQnoticeProcessor savedNotice = nullptr;
-void* savedNoticeArg = nullptr;
 bool noticeInstalled = false;
 
 // Server notices must never reach the terminal: the screen belongs to the
@@ -27,14 +23,13 @@ void IgnoreNotice(void* /*arg*/, const char* /*message*/) {}
 
 void InstallQuietNotices() {
   savedNotice = PGLib().setNoticeProcessor(PGConn, IgnoreNotice, nullptr);
-  savedNoticeArg = nullptr;
   noticeInstalled = true;
 }
 
 void RestoreNotices() {
   if (!noticeInstalled) return;
   if (PGConn && PGLib().setNoticeProcessor)
-    PGLib().setNoticeProcessor(PGConn, savedNotice, savedNoticeArg);
+    PGLib().setNoticeProcessor(PGConn, savedNotice, nullptr);
   noticeInstalled = false;
 }
 
@@ -59,8 +54,9 @@ int16_t SetUpSession() {
 
 }  // namespace
 
-// Steps 6 to 11 of the start: load, connect, keep the string, set up.
+// Loads the client, connects, keeps the keyword string and sets the session up.
 int16_t PGConnectWithInfo(const std::string& info) {
+  if (PGConn) PGDisconnect();  // one connection per process: a new one replaces the old
   if (!PGLibLoad()) {
     PGLastOp += kPGLibMissingText;
     PGConnected = false;
@@ -69,7 +65,12 @@ int16_t PGConnectWithInfo(const std::string& info) {
   int16_t status = 0;
   PGConn = PGLib().connectdb(info.c_str());
   if (!PGConn || PGLib().status(PGConn) == CONNECTION_BAD) {
-    if (PGConn) AppendServerText(PGLib().errorMessage(PGConn));
+    // The failed handle serves nothing; the library stays counted until PGDisconnect.
+    if (PGConn) {
+      AppendServerText(PGLib().errorMessage(PGConn));
+      PGLib().finish(PGConn);
+      PGConn = nullptr;
+    }
     status = kPGConnectFailed;
   }
   PGConnected = (status == 0);
@@ -139,7 +140,6 @@ std::string PGKeywordString(const std::string lines[6]) {
 
 int16_t PGReconnect(const std::string& connInfo) {
   PGLastOp = "PGReconnect:@";
-  if (PGConn) PGDisconnect();
   return PGConnectWithInfo(PGConnInfo.empty() ? connInfo : PGConnInfo);
 }
 
