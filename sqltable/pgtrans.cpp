@@ -4,26 +4,15 @@
 #include <string>
 
 #include "base/mazovia.h"
-#include "base/text.h"
 #include "sqltable/pgconn.h"
 #include "sqltable/pgui.h"
 
 namespace {
 
-// A failed transaction statement leaves the data unsafe: show why, then end.
-[[noreturn]] void TransactionFatal(int16_t code, const ShortText& tail) {
-  PGUiMessageBox("Błąd:@"_mz + WrapAt76(PGLastOp), 0);
-  ShortText text("Błąd "_mz);
-  text += std::to_string(code);
-  text += tail;
-  PGUiMessageBox(text, 0);
-  PGUiEndProgram();
-}
-
 void RunOrDie(const char* sql, const ShortText& tail) {
   PGResult res;
   const int16_t code = PGExec(res, sql, false);
-  if (code != 0) TransactionFatal(code, tail);
+  if (code != 0) PGUiFatal(code, tail);  // a failed transaction statement leaves the data unsafe
 }
 
 constexpr ShortText kBeginTail = " otwarcia transakcji.@Program musi zakończyć działanie."_mz;

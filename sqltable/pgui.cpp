@@ -3,6 +3,11 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <string>
+
+#include "base/mazovia.h"
+#include "base/text.h"
+#include "sqltable/pgconn.h"
 
 #include "tui/msgbox.h"
 #include "tui/screen.h"
@@ -33,6 +38,15 @@ void PGUiShowBadQuery(const std::string& sql) {
   Window(window.left, window.top, window.right, window.bottom);
   GotoXY(x, y);
   TextAttr(attr);
+}
+
+void PGUiFatal(int16_t code, const ShortText& tail) {
+  PGUiMessageBox("Błąd:@"_mz + WrapAt76(PGLastOp), 0);
+  ShortText text("Błąd "_mz);
+  text += std::to_string(code);
+  text += tail;
+  PGUiMessageBox(text, 0);
+  PGUiEndProgram();
 }
 
 void PGUiEndProgram() {

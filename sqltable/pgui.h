@@ -3,6 +3,7 @@
 // failed statement when no log can be written. Private to sqltable/.
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 #include "base/shorttext.h"
@@ -14,5 +15,8 @@ ShortText PGUiScreenRow(int row);
 // Saves cursor, attribute and screen, shows "Blednie sformulowane zapytanie:"
 // and the statement on a cleared screen, and restores everything.
 void PGUiShowBadQuery(const std::string& sql);
+// Shows "Błąd:" with the folded PGLastOp, then "Błąd " code and the tail,
+// and ends the program (exit status 0).
+[[noreturn]] void PGUiFatal(int16_t code, const ShortText& tail);
 // Ends the program after a fatal database failure (exit status 0).
 [[noreturn]] void PGUiEndProgram();
