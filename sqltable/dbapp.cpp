@@ -4,6 +4,7 @@
 namespace {
 
 void LockTable(const ShortText& path, bool exclusive) {
+  PGLastOp = exclusive ? "LockTableExcl" : "LockTableShare";
   CheckDBError(PGTransBegin());
   // The waiting message stays up until the server gives the lock or the failure ends the program.
   (void)PGLockTableWaiting(path, exclusive, CheckDBError);
