@@ -109,18 +109,23 @@ int PGLockCount() {
   return n;
 }
 
+int16_t PGRunUnderMessage(const ShortText& text, const std::string& sql, bool wantsTuples, PGResult& res,
+                          void (*check)(int16_t code)) {
+  ScreenState screen;
+  (void)MessageBox(text, 2);
+  TermFlush();  // the message stands while the server keeps us in its queue
+  const int16_t code = PGExec(res, sql, wantsTuples);
+  if (check) check(code);
+  return code;
+}
+
 int16_t PGLockTableWaiting(const ShortText& path, bool exclusive, void (*check)(int16_t code)) {
   ShortText text(exclusive ? "Zaczekaj - blokada wyłączna tablicy:@`"_mz : "Zaczekaj - blokada do zapisu tablicy:@`"_mz);
   text += path.Copy(1, 76);
   text += '"';
   const std::string sql = "LOCK TABLE " + PGSqlName(path).Str() + (exclusive ? " IN EXCLUSIVE MODE" : " IN SHARE MODE");
-  ScreenState screen;
-  (void)MessageBox(text, 2);
-  TermFlush();  // the message stands while the server keeps us in its queue
   PGResult res;
-  const int16_t code = PGExec(res, sql, false);
-  if (check) check(code);
-  return code;
+  return PGRunUnderMessage(text, sql, false, res, check);
 }
 
 int16_t PGTblLockEx(const ShortText& name) {

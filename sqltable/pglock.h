@@ -4,8 +4,10 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 
 #include "base/shorttext.h"
+#include "sqltable/pgconn.h"
 
 inline constexpr int kPGLockSlots = 20;
 inline constexpr int kPGLockExclusive = 1;
@@ -24,6 +26,11 @@ void PGLockClearAll();
 // Number of entries held.
 int PGLockCount();
 
+// Shows text in a box that does not wait, runs sql, hands the statement's code
+// to check (when given) while the box still stands, and restores the screen,
+// window, cursor and attribute; the code.
+[[nodiscard]] int16_t PGRunUnderMessage(const ShortText& text, const std::string& sql, bool wantsTuples,
+                                        PGResult& res, void (*check)(int16_t code) = nullptr);
 // Shows the waiting message over the screen, runs "LOCK TABLE" in the given
 // mode ("EXCLUSIVE" or "SHARE"), hands the statement's code to check (when
 // given) while the message still stands, and restores the screen; the code.
