@@ -62,6 +62,18 @@ TEST_F(FailureTest, CodeZeroDoesNothing) {
   EXPECT_TRUE(PGConnected);
 }
 
+TEST_F(FailureTest, OpenTableRemembersThePathForTheFailureMessage) {
+  ASSERT_EQ(CreateTable("dane\\odbiorcy", {{"nazwa", "A10"}}), 0);
+  int16_t tbl = 0;
+  ASSERT_EQ(OpenTable("dane\\odbiorcy", tbl, 0), 0);
+  EXPECT_EQ(lastOpenTable, ShortText("dane\\odbiorcy"));
+  EXPECT_EQ(PGTableAt(tbl)->baseName, ShortText("DANE_ODBIORCY"));
+  PGShutdownTables(1);
+  for (int i = 0; i < kPGMaxTables; ++i) (void)PGTblOpen("dane\\odbiorcy", tbl, 0);
+  EXPECT_EQ(OpenTable("dane\\magazyny", tbl, 0), kPGNoTableHandle);
+  EXPECT_EQ(lastOpenTable, ShortText("dane\\magazyny"));  // kept even when the open fails
+}
+
 TEST_F(FailureTest, BoxesShowTheCodeTheTableAndOnYesTheDetails) {
   lastOpenTable = "dane\\1\\naglowki";
   PGLastOp = "PGRecAppend:@server text";
