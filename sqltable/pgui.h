@@ -3,6 +3,7 @@
 // failed statement when no log can be written. Private to sqltable/.
 #pragma once
 
+#include <memory>
 #include <string>
 
 #include "base/shorttext.h"
@@ -16,3 +17,17 @@ ShortText PGUiScreenRow(int row);
 void PGUiShowBadQuery(const std::string& sql);
 // Ends the program after a fatal database failure (exit status 0).
 [[noreturn]] void PGUiEndProgram();
+
+// A box shown without waiting, with screen, window, cursor and attribute
+// saved; the destructor puts them back.
+class PGUiNotice {
+ public:
+  explicit PGUiNotice(const ShortText& text);
+  ~PGUiNotice();
+  PGUiNotice(const PGUiNotice&) = delete;
+  PGUiNotice& operator=(const PGUiNotice&) = delete;
+
+ private:
+  struct Saved;
+  std::unique_ptr<Saved> saved_;
+};
