@@ -2,6 +2,8 @@
 // cache, searches and their closest landing, record numbers by counting, other
 // users' deletes and changes (the fixture's own connection plays the other
 // user), filters, views, the cursorless road and the orderings.
+#include <cstdlib>
+#include <new>
 #include <string>
 
 #include "sqltable/pgnav.h"
@@ -424,6 +426,76 @@ TEST_F(AlphaTripTest, BytesAtTheOtherCodePagesLettersChangeByTheRules) {
     out += static_cast<char>(c.out);
   }
   EXPECT_EQ(Trip(in), out);
+}
+
+}  // namespace
+
+// Counts every allocation of the test program, so that a row read can be
+// shown to allocate nothing.
+namespace {
+std::size_t gAllocations = 0;
+}  // namespace
+
+void* operator new(std::size_t size) {
+  ++gAllocations;
+  if (void* p = std::malloc(size ? size : 1)) return p;
+  throw std::bad_alloc();
+}
+void* operator new[](std::size_t size) { return operator new(size); }
+void operator delete(void* p) noexcept { std::free(p); }
+void operator delete(void* p, std::size_t) noexcept { std::free(p); }
+void operator delete[](void* p) noexcept { std::free(p); }
+void operator delete[](void* p, std::size_t) noexcept { std::free(p); }
+
+namespace {
+
+TEST_F(NavTest, ReadingCachedRowsAllocatesNothing) {
+  MakeTable();
+  ASSERT_TRUE(Psql("INSERT INTO dane_nav (k1,k2,v) SELECT i,1,rpad('long value '||i,20,'x') FROM generate_series(1,70) i"));
+  Open();
+  ASSERT_EQ(PGRecFirst(tbl_), 0);
+  ASSERT_EQ(PGRecNext(tbl_), 0);  // the batch fills the cache
+  const std::size_t before = gAllocations;
+  ASSERT_GT(before, 0u);  // the counter is in force
+  ShortText v;
+  int32_t k = 0;
+  for (int i = 3; i <= 62; ++i) {
+    ASSERT_EQ(PGRecNext(tbl_), 0);
+    ASSERT_EQ(PGRecGet(tbl_, rec_), 0);
+    ASSERT_EQ(PGGetAlpha(rec_, 3, v), 0);
+    ASSERT_EQ(PGGetLong(rec_, 1, k), 0);
+    ASSERT_EQ(k, i);
+  }
+  EXPECT_EQ(gAllocations, before);
+  EXPECT_EQ(v.Length(), 20);
+}
+
+TEST_F(NavTest, CursorOverAFreeQuery) {
+  MakeTable();
+  Fill(5);
+  Open();
+  ASSERT_EQ(PGopCQ(tbl_, "SELECT * FROM dane_nav WHERE k1 IN (2,4) ORDER BY k1 DESC"), 0);
+  ASSERT_EQ(PGRecFirst(tbl_), 0);
+  EXPECT_EQ(K1(), 4);
+  ASSERT_EQ(PGRecGoto(tbl_, 2), 0);
+  EXPECT_EQ(K1(), 2);
+  EXPECT_EQ(PGRecGoto(tbl_, 3), kPGArgRange);
+}
+
+TEST_F(NavTest, BigTablesShowTheRefreshNoticeAndRestoreTheScreen) {
+  MakeTable();
+  Fill(3);
+  Open();
+  ASSERT_EQ(PGRecFirst(tbl_), 0);
+  const ShortText rowBefore = RowText(12);
+  PGTableAt(tbl_)->rowCount = 60001;
+  ASSERT_FALSE(PGOdswK(tbl_));
+  EXPECT_NE(ScreenBytes().find("Trwa od"), std::string::npos);
+  EXPECT_EQ(RowText(12), rowBefore);
+  const std::size_t shown = ScreenBytes().size();
+  PGTableAt(tbl_)->rowCount = 60000;
+  ASSERT_FALSE(PGOdswK(tbl_));
+  EXPECT_EQ(ScreenBytes().size(), shown);  // nothing shown for smaller tables
 }
 
 }  // namespace
