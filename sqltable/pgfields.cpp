@@ -89,6 +89,16 @@ int16_t PutHex(int16_t rec, int fld, const unsigned char* bytes, int length) {
   return Put(rec, fld, std::string_view(hex, static_cast<std::size_t>(2 * length)));
 }
 
+// Reads a number field through a parser; 0 for text that does not parse.
+template <typename T, typename Parser>
+int16_t GetNumber(int16_t rec, int fld, T& value, Parser parse) {
+  value = 0;
+  const PGRecField* f = nullptr;
+  if (int16_t code = Value(rec, fld, f)) return code;
+  value = static_cast<T>(parse(f->value));
+  return kPGOk;
+}
+
 }  // namespace
 
 int16_t PGPutShort(int16_t rec, int fld, int16_t value) { return Put(rec, fld, std::to_string(value)); }
@@ -145,36 +155,16 @@ int16_t PGPutBlobStr(int16_t rec, int fld, const ShortText& value) {
 }
 
 int16_t PGGetShort(int16_t rec, int fld, int16_t& value) {
-  value = 0;
-  const PGRecField* f = nullptr;
-  if (int16_t code = Value(rec, fld, f)) return code;
-  value = static_cast<int16_t>(ParseInteger(f->value, INT16_MIN, INT16_MAX));
-  return kPGOk;
+  return GetNumber(rec, fld, value, [](std::string_view v) { return ParseInteger(v, INT16_MIN, INT16_MAX); });
 }
 
 int16_t PGGetLong(int16_t rec, int fld, int32_t& value) {
-  value = 0;
-  const PGRecField* f = nullptr;
-  if (int16_t code = Value(rec, fld, f)) return code;
-  value = static_cast<int32_t>(ParseInteger(f->value, INT32_MIN, INT32_MAX));
-  return kPGOk;
+  return GetNumber(rec, fld, value, [](std::string_view v) { return ParseInteger(v, INT32_MIN, INT32_MAX); });
 }
 
-int16_t PGGetDoub(int16_t rec, int fld, double& value) {
-  value = 0;
-  const PGRecField* f = nullptr;
-  if (int16_t code = Value(rec, fld, f)) return code;
-  value = static_cast<double>(ParseReal(f->value));
-  return kPGOk;
-}
+int16_t PGGetDoub(int16_t rec, int fld, double& value) { return GetNumber(rec, fld, value, ParseReal); }
 
-int16_t PGGetExt(int16_t rec, int fld, Real& value) {
-  value = 0;
-  const PGRecField* f = nullptr;
-  if (int16_t code = Value(rec, fld, f)) return code;
-  value = ParseReal(f->value);
-  return kPGOk;
-}
+int16_t PGGetExt(int16_t rec, int fld, Real& value) { return GetNumber(rec, fld, value, ParseReal); }
 
 int16_t PGGetAlpha(int16_t rec, int fld, ShortText& value) {
   value.Clear();

@@ -138,41 +138,30 @@ int16_t FillCache(int16_t tbl, bool fromEnd) {
   return kPGOk;
 }
 
+// First or last row of the cursor as the current record: 105 when empty.
+// The last row's number is not known until someone asks for it.
+int16_t FetchEnd(int16_t tbl, bool last) {
+  PGTable* t = PGTableAt(tbl);
+  if (!t) return kPGBadTableHandle;
+  PGLastOp = last ? "PGRecLast" : "PGRecFirst";
+  if (int16_t code = PGopC(tbl)) return code;
+  PGResult res;
+  if (Fetch(*t, last ? "LAST" : "FIRST", res) != 0) return kPGSqlFailed;
+  if (res.Rows() < 1) return kPGEmptyTable;
+  PGLoadCurrent(*t, res, 0);
+  t->curRec = last ? 0 : 1;
+  t->cursorAt = last ? -1 : 1;
+  t->positioned = true;
+  t->posStale = last;
+  PGCacheClear(*t);
+  return kPGOk;
+}
+
 }  // namespace
 
-int16_t PGRecFirst(int16_t tbl) {
-  PGTable* t = PGTableAt(tbl);
-  if (!t) return kPGBadTableHandle;
-  PGLastOp = "PGRecFirst";
-  if (int16_t code = PGopC(tbl)) return code;
-  PGResult res;
-  if (Fetch(*t, "FIRST", res) != 0) return kPGSqlFailed;
-  if (res.Rows() < 1) return kPGEmptyTable;
-  PGLoadCurrent(*t, res, 0);
-  t->cursorAt = t->curRec = 1;
-  t->positioned = true;
-  t->posStale = false;
-  PGCacheClear(*t);
-  return kPGOk;
-}
+int16_t PGRecFirst(int16_t tbl) { return FetchEnd(tbl, false); }
 
-int16_t PGRecLast(int16_t tbl) {
-  PGTable* t = PGTableAt(tbl);
-  if (!t) return kPGBadTableHandle;
-  PGLastOp = "PGRecLast";
-  if (int16_t code = PGopC(tbl)) return code;
-  PGResult res;
-  if (Fetch(*t, "LAST", res) != 0) return kPGSqlFailed;
-  if (res.Rows() < 1) return kPGEmptyTable;
-  PGLoadCurrent(*t, res, 0);
-  // The last row's number is not known until someone asks for it.
-  t->curRec = 0;
-  t->cursorAt = -1;
-  t->positioned = true;
-  t->posStale = true;
-  PGCacheClear(*t);
-  return kPGOk;
-}
+int16_t PGRecLast(int16_t tbl) { return FetchEnd(tbl, true); }
 
 int16_t PGRecGoto(int16_t tbl, int32_t recno) {
   PGTable* t = PGTableAt(tbl);
