@@ -52,6 +52,9 @@ uint64_t TermBytesSent();
 void TermForgetState();
 // Puts standard input back as it was before TermInit (runs at exit by itself).
 void TermRestoreInput();
+// Takes the terminal back after another program had it: raw input, autowrap
+// off, and the next write states cursor and colour anew.
+void TermResumeInput();
 
 // The glyph cell of the digit or letter key-cap with index 0..25; 7 for any other index.
 unsigned char DigitCap(int index);

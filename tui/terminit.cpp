@@ -153,3 +153,9 @@ void TermForgetState() {
 void TermRestoreInput() {
   if (g_savedInput.saved) tcsetattr(STDIN_FILENO, TCSANOW, &g_savedInput.mode);
 }
+
+void TermResumeInput() {
+  SetRawInput();
+  tui_detail::EmitRaw("\x1b[?7l", 5);
+  TermForgetState();
+}
