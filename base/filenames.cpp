@@ -164,5 +164,5 @@ ShortText SafeKey(const ShortText& text) {
     const ShortText tail = IntText(XorBytes(text.Data(), text.Length()), 0);
     return key.Copy(1, 20 - tail.Length()) + tail;
   }
-  return PadRight(key, "_", 10);
+  return key.Length() < 10 ? PadRight(key, "_", 10) : key;
 }
