@@ -1,5 +1,7 @@
 #include "base/filecopy.h"
 
+#include <sys/stat.h>
+
 #include <cerrno>
 #include <cstring>
 #include <memory>
@@ -7,8 +9,17 @@
 
 #include "base/filevar.h"
 #include "base/mazovia.h"
+#include "base/paths.h"
 
 namespace {
+
+// True if both paths name one file on disk: copying a file onto itself would
+// empty it (a whole copy) or chase its own end (a part appended).
+bool SameFile(const ShortText& unixSource, const ShortText& target) {
+  struct stat a, b;
+  return ::stat(unixSource.Str().c_str(), &a) == 0 && ::stat(PathToUnix(target).Str().c_str(), &b) == 0 &&
+         a.st_dev == b.st_dev && a.st_ino == b.st_ino;
+}
 
 // Opens the target: made anew for a whole copy; for a part, opened for
 // reading and writing at its end (and made when it does not exist yet).
@@ -80,6 +91,7 @@ uint8_t CopyFileChecked(const ShortText& source, const ShortText& target, int64_
   FileVar in;
   AssignFile(in, source);
   if (in.Reset(kFileModeReadOnly) != 0) return kCopySourceOpen;
+  if (SameFile(in.Name(), target)) return start >= 0 ? kCopyTargetOpen : kCopyTargetCreate;
   FileVar out;
   if (uint8_t code = OpenTarget(out, target, start >= 0); code != kCopyOk) return code;
   if (start > 0 && in.Seek(start) != 0) return kCopySourceRead;

@@ -51,24 +51,29 @@ inline std::string Listing(const std::string& dir = ".") {
   return out;
 }
 
-class ScratchDirTest : public ::testing::Test {
- protected:
-  void SetUp() override {
+// A fresh temporary directory made the current one for its lifetime, with
+// an optional small tmpfs mounted in it.
+class ScratchDir {
+ public:
+  ScratchDir() {
     char pattern[] = "/tmp/klote-files-XXXXXX";
-    ASSERT_NE(::mkdtemp(pattern), nullptr);
+    if (::mkdtemp(pattern) == nullptr) return;
     dir_ = pattern;
     char cwd[4096];
-    ASSERT_NE(::getcwd(cwd, sizeof cwd), nullptr);
-    oldCwd_ = cwd;
-    ASSERT_EQ(::chdir(dir_.c_str()), 0);
+    if (::getcwd(cwd, sizeof cwd) != nullptr) oldCwd_ = cwd;
+    entered_ = ::chdir(dir_.c_str()) == 0;
   }
-  void TearDown() override {
+  ~ScratchDir() {
     if (!mounted_.empty()) ::umount2((dir_ + "/" + mounted_).c_str(), MNT_DETACH);
-    ASSERT_EQ(::chdir(oldCwd_.c_str()), 0);
-    std::system(("rm -rf " + dir_).c_str());
+    if (entered_ && ::chdir(oldCwd_.c_str()) != 0) return;
+    if (!dir_.empty()) std::system(("rm -rf " + dir_).c_str());
   }
+  ScratchDir(const ScratchDir&) = delete;
+  ScratchDir& operator=(const ScratchDir&) = delete;
+  bool Entered() const { return entered_; }
+
   // Mounts a tmpfs of the given size on a new directory; false (with the
-  // reason in skipReason_) when this process may not mount.
+  // reason in SkipReason) when this process may not mount.
   bool MountSmallDisk(const std::string& name, int kilobytes) {
     ::mkdir(name.c_str(), 0777);
     const std::string options = "size=" + std::to_string(kilobytes) + "k";
@@ -80,8 +85,20 @@ class ScratchDirTest : public ::testing::Test {
     mounted_ = name;
     return true;
   }
+  const std::string& SkipReason() const { return skipReason_; }
 
+ private:
   std::string dir_, oldCwd_, mounted_, skipReason_;
+  bool entered_ = false;
+};
+
+class ScratchDirTest : public ::testing::Test {
+ protected:
+  void SetUp() override { ASSERT_TRUE(scratch_.Entered()); }
+  bool MountSmallDisk(const std::string& name, int kilobytes) { return scratch_.MountSmallDisk(name, kilobytes); }
+  const std::string& SkipReason() const { return scratch_.SkipReason(); }
+
+  ScratchDir scratch_;
 };
 
 }  // namespace file_test

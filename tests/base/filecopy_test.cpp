@@ -71,6 +71,7 @@ TEST_F(CopyFileTest, EveryFailureHasItsCodeFromARealCause) {
   WriteBytes("zrodlo.dat", Pattern(3 * kBlock));
   ::mkdir("katalog", 0777);
   ASSERT_EQ(::mkfifo("potok", 0666), 0);
+  ASSERT_EQ(::symlink("zrodlo.dat", "dowiazanie"), 0);
   struct Case {
     const char* why;
     const char* source;
@@ -89,17 +90,21 @@ TEST_F(CopyFileTest, EveryFailureHasItsCodeFromARealCause) {
       {"target gives nothing back", "zrodlo.dat", "/dev/null", -1, kCopyReadBack},
       {"target pipe cannot go back", "zrodlo.dat", "potok", -1, kCopyReadBack},
       {"target gives other bytes back", "zrodlo.dat", "/dev/zero", -1, kCopyCompare},
+      {"the source itself made anew", "zrodlo.dat", "ZRODLO.DAT", -1, kCopyTargetCreate},
+      {"the source appended to itself", "zrodlo.dat", "./zrodlo.dat", 0, kCopyTargetOpen},
+      {"the source through a link", "zrodlo.dat", "dowiazanie", -1, kCopyTargetCreate},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.why);
     EXPECT_EQ(CopyFileChecked(c.source, c.target, c.start, -1), c.code);
   }
-  // Only the directory source got as far as making its target.
+  // Only the directory source got as far as making its target; the source is whole.
   EXPECT_EQ(ReadBytes("cel.dat"), "");
+  EXPECT_EQ(ReadBytes("zrodlo.dat"), Pattern(3 * kBlock));
 }
 
 TEST_F(CopyFileTest, FullDiskGivesCodeSixAndLeavesThePartWritten) {
-  if (!MountSmallDisk("dysk", 64)) GTEST_SKIP() << skipReason_;
+  if (!MountSmallDisk("dysk", 64)) GTEST_SKIP() << SkipReason();
   const std::string source = Pattern(12 * kBlock + 123);
   WriteBytes("zrodlo.dat", source);
   int64_t blocksDone = 0;

@@ -104,7 +104,7 @@ TEST_F(RewriteTest, FailuresSayWhichStepAndLeaveTheFileAsItWas) {
 }
 
 TEST_F(RewriteTest, AFullDiskFailsTheRenameAndKeepsTheOldFile) {
-  if (!MountSmallDisk("dysk", 16)) GTEST_SKIP() << skipReason_;
+  if (!MountSmallDisk("dysk", 16)) GTEST_SKIP() << SkipReason();
   const std::string text(12 * 1024, 'z');
   WriteBytes("dysk/plik.txt", text);
   const RewriteResult r = RewriteTextFile("dysk/plik.txt", "dysk/plik.txt", LineEnds::kKeep);
