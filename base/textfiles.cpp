@@ -41,19 +41,32 @@ RewriteResult Failed(RewriteResult::Stage stage, int code) { return RewriteResul
 }  // namespace
 
 void LineEndConverter::Convert(const char* bytes, int count, std::string& out) {
+  out.reserve(out.size() + static_cast<size_t>(count) + static_cast<size_t>(count) / 16);
   for (int i = 0; i < count; ++i) {
-    const char c = bytes[i];
-    if (ends_ == LineEnds::kToUnix) {
-      // A CR is written only once the next byte shows it is no line end.
-      if (heldCr_ && c != '\n') out += '\r';
-      heldCr_ = c == '\r';
-      if (!heldCr_) out += c;
-    } else {
-      // A LF that already has its CR keeps the one it has.
-      if (ends_ == LineEnds::kToDos && c == '\n' && !afterCr_) out += '\r';
-      afterCr_ = c == '\r';
-      out += c;
+    // A run without line-end bytes goes across whole.
+    int end = i;
+    while (!heldCr_ && end < count && bytes[end] != '\r' && bytes[end] != '\n') ++end;
+    if (end > i) {
+      out.append(bytes + i, static_cast<size_t>(end - i));
+      afterCr_ = false;
+      i = end;
+      if (i == count) break;
     }
+    ConvertByte(bytes[i], out);
+  }
+}
+
+void LineEndConverter::ConvertByte(char c, std::string& out) {
+  if (ends_ == LineEnds::kToUnix) {
+    // A CR is written only once the next byte shows it is no line end.
+    if (heldCr_ && c != '\n') out += '\r';
+    heldCr_ = c == '\r';
+    if (!heldCr_) out += c;
+  } else {
+    // A LF that already has its CR keeps the one it has.
+    if (ends_ == LineEnds::kToDos && c == '\n' && !afterCr_) out += '\r';
+    afterCr_ = c == '\r';
+    out += c;
   }
 }
 

@@ -25,6 +25,8 @@ class LineEndConverter {
   void Finish(std::string& out);
 
  private:
+  void ConvertByte(char c, std::string& out);
+
   LineEnds ends_;
   bool heldCr_ = false;   // kToUnix: a CR whose next byte is not known yet
   bool afterCr_ = false;  // kToDos: the last byte was a CR
