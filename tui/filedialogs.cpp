@@ -115,11 +115,10 @@ int FileManager() {
   const ShortText command = FileManagerCommand();
   ScreenCopyPtr screen;
   ScreenSave(screen);
-  TermFlush();
-  TermRestoreInput();
+  TermHandOver();
   std::fflush(nullptr);
   const int status = std::system(command.Str().c_str());
-  TermResumeInput();
+  TermTakeBack();
   ScreenRestore(screen);
   TermFlush();
   return status == -1 || !WIFEXITED(status) ? -1 : WEXITSTATUS(status);

@@ -242,8 +242,8 @@ TEST_F(FileDialogsTest, FileManagerRunsTheCommandThroughTheShellAndRepaints) {
   EXPECT_EQ(FileManager(), 3);
   EXPECT_EQ(ReadBytes("wynik.txt"), "1|dwa slowa");
   ExpectScreenAsBefore();
-  // The whole screen is sent again for the repaint.
-  EXPECT_NE(Sent().find(std::string(80, 'a' + 25)), std::string::npos);
+  // Autowrap on for the other program, off again after it, then the whole screen anew.
+  EXPECT_TRUE(InOrder(Sent(), {"\x1b[0m\x1b[?7h", "\x1b[?7l", std::string(80, 'a' + 1), std::string(80, 'a' + 25)}));
   WriteBytes("fmgr.cfg", "exit 0\n");
   EXPECT_EQ(FileManager(), 0);
 }
