@@ -4,6 +4,7 @@
 #include "base/codepage.h"
 #include "base/mazovia.h"
 #include "base/numbers.h"
+#include "base/text.h"
 #include "tui/editkeys_detail.h"
 #include "tui/keyboard.h"
 #include "tui/msgbox.h"
@@ -66,6 +67,9 @@ struct Field {
 };
 
 int FreeLength(const Field& f) { return f.text.Length(); }
+
+// What the caller gets: a fixed-format field whole, less its trailing blanks.
+ShortText ResultText(const Field& f) { return IsFixed(f.mode) ? TrimRightAll(f.text, ' ') : f.text; }
 
 // Past the last cell that holds a typed byte (fixed), or past the text.
 int EndPosition(const Field& f) {
@@ -157,7 +161,7 @@ bool EditKey(Field& f, unsigned char code) {
       return true;
     }
     case kCodeClear: SetText(f, ShortText()); f.pos = 1; return true;
-    case kCodeCopy: ClipboardCopy(f.text, kFieldClipboardMs); return true;
+    case kCodeCopy: ClipboardCopy(ResultText(f), kFieldClipboardMs); return true;
     case kCodePaste: SetText(f, ClipboardText()); return true;
     default: return false;
   }
@@ -222,7 +226,7 @@ unsigned char EditField(int mode, int endMode, unsigned char fill, int width, Sh
     Beep(1000);
   }
   Render(f);
-  text = f.text;
+  text = ResultText(f);
   return key;
 }
 

@@ -32,7 +32,7 @@ bool EndsEdit(int endMode, unsigned char code);
 // Draws text padded with fill at the cursor, width cut to 79, the text cut to
 // the width; the cursor starts after the last character. In the fixed-format
 // modes 2, 7 and 12 the text comes back as the whole field, fill and
-// separators included. Returns the key code that ended the edit, also in key.
+// separators included, less trailing blanks. Returns the key code that ended the edit, also in key.
 unsigned char EditField(int mode, int endMode, unsigned char fill, int width, ShortText& text, unsigned char& key);
 
 // EditField with mode 1 taken as 8. In mode 7, unless F2 ended it, a text that
