@@ -1,5 +1,7 @@
 #include "form_fixture.h"
 
+#include <unistd.h>
+
 #include "tui/keydecode.h"
 
 namespace form_test {
@@ -63,6 +65,7 @@ void FormTest::TearDown() {
   SetKeyIdleHook(nullptr);
   KeyboardReset();
   TuiTest::TearDown();
+  TermInputFromFd(STDIN_FILENO);  // later tests in this process read the terminal again
 }
 
 }  // namespace form_test
