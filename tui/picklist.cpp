@@ -132,7 +132,7 @@ int16_t RunList(List& l, int16_t initial, unsigned char& outCh, unsigned char& o
     unsigned char code = KeyCodeOf(k);
     outCh = k.ch;
     outScan = k.scan;
-    if (int chosen = ChoiceOfKey(k.ch); chosen > 0 && chosen <= RowCount(l) && k.ch != 0 && k.ch != 224) {
+    if (int chosen = ChoiceOfKey(k.ch); chosen > 0 && chosen <= RowCount(l)) {
       l.bar = chosen - 1;
       Show(l, keeper);
       return static_cast<int16_t>(chosen);
