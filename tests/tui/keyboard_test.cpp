@@ -266,8 +266,11 @@ TEST(DecodeKeyAlt, RxvtEscBeforeASequenceIsAltWithThatKey) {
     SCOPED_TRACE(::testing::PrintToString(std::string(c.bytes)));
     KeyDecodeResult r = DecodeKey(c.bytes, 0, KeyTerminal::kRxvt);
     EXPECT_EQ(r.consumed, c.consumed);
-    if (c.key.scan != 0) EXPECT_EQ(r.key, c.key);
-    else EXPECT_EQ(r.status, KeyDecodeStatus::kIgnored);
+    if (c.key.scan != 0) {
+      EXPECT_EQ(r.key, c.key);
+    } else {
+      EXPECT_EQ(r.status, KeyDecodeStatus::kIgnored);
+    }
   }
   EXPECT_EQ(DecodeKey("\x1b\x1b", 0, KeyTerminal::kRxvt).status, KeyDecodeStatus::kIncomplete);
   EXPECT_EQ(DecodeKey("\x1b\x1b", kKeyEscapeWaitMs, KeyTerminal::kRxvt).key, (KeyPair{27, 1}));

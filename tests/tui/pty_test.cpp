@@ -23,6 +23,8 @@ namespace {
   dup2(slave, STDIN_FILENO);
   dup2(slave, STDOUT_FILENO);
   setenv("TERM", "xterm", 1);
+  TermInputFromFd(STDIN_FILENO);  // other tests of this process may have turned input off
+  TermOutputToFd(STDOUT_FILENO);
   TermInit();
   unsigned char ready = 'R';
   if (write(pipeOut, &ready, 1) != 1) _exit(3);

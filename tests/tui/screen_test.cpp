@@ -74,11 +74,14 @@ TEST_F(ScreenTest, WritesAreCutAtTheWindowAndNothingOutsideIsTouched) {
   PutCh(0, 1, 'z');
   PutCh(1, 6, 'z');
   PutCh(10, 5, 'q');
-  for (int r = 1; r <= 25; ++r)
+  for (int r = 1; r <= 25; ++r) {
     for (int c = 1; c <= 80; ++c) {
       bool written = (r == 6 && c >= 18 && c <= 20) || (r == 10 && c == 20);
-      if (!written) EXPECT_EQ(CharAt(c, r), ' ') << c << "," << r;
+      if (!written) {
+        EXPECT_EQ(CharAt(c, r), ' ') << c << "," << r;
+      }
     }
+  }
   EXPECT_EQ(CharAt(20, 10), 'q');
   Window(1, 1, 80, 25);
   WriteAt(1, 25, ShortText(std::string(100, 'w')));
