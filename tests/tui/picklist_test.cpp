@@ -70,6 +70,23 @@ TEST_F(PickListTest, InitialChoiceOutOfRangeStartsOnTheFirstRow) {
   }
   Play({{keys::kEnter}});
   EXPECT_EQ(Pick(kThree, 3), 3);
+  // An initial choice beyond the first box opens the box that holds it.
+  Play({{keys::kEnter}});
+  EXPECT_EQ(Pick(Numbered(25), 23), 23);
+  EXPECT_NE(Seen().at(0).rows[10].Pos("Wybierz dalej:"), 0);
+  EXPECT_EQ(Seen().at(0).Attr(27, 12), 0x30) << "the bar on 23, the second row of that box";
+}
+
+TEST_F(PickListTest, TitleOfThreeLinesLeavesNineteenRowsInABox) {
+  Play({{keys::kPgDn}, {keys::kPgUp, keys::kEnter}});
+  EXPECT_EQ(Pick(Numbered(25), 1, 0, 0, 0, ShortText("A@B@C")), 1);
+  int first = 0, further = 0;
+  for (int r = 1; r <= 25; ++r) {
+    first += Seen().at(0).rows[r].Pos("\xCF") > 0;
+    further += Seen().at(1).rows[r].Pos("\xCF") > 0;
+  }
+  EXPECT_EQ(first, 19);
+  EXPECT_EQ(further, 6);
 }
 
 TEST_F(PickListTest, MovesStopAtTheEnds) {
