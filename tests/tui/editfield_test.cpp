@@ -7,9 +7,7 @@
 
 namespace {
 
-using form_test::Keys;
-using form_test::Play;
-using form_test::Seen;
+using namespace form_test;
 
 constexpr KeyPair kCtrlBackspace{127, 14};
 constexpr KeyPair kCtrlC{3, 46};

@@ -12,11 +12,7 @@
 
 namespace {
 
-using form_test::Capture;
-using form_test::Keys;
-using form_test::Play;
-using form_test::Seen;
-using form_test::Snapshot;
+using namespace form_test;
 
 constexpr KeyPair kCtrlBackspace{127, 14};
 const MemoWindow kWindow{10, 5, 40, 8};  // three rows of text, the keys on row 8

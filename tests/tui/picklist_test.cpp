@@ -10,11 +10,7 @@
 
 namespace {
 
-using form_test::Capture;
-using form_test::Keys;
-using form_test::Play;
-using form_test::Seen;
-using form_test::Snapshot;
+using namespace form_test;
 
 const ShortText kThree("Alfa@Beta@Gamma");
 
