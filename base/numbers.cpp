@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "base/numbers_format.h"
+#include "base/platform.h"
 
 namespace {
 
@@ -124,7 +125,7 @@ Real RoundHalfAway(Real value) {
 
 int32_t RoundToInt(Real value) {
   Real r = RoundHalfAway(value);
-  if (!(r >= -kInt32Max && r <= kInt32Max)) return 0;
+  if (!(r >= -kInt32Max && r <= kInt32Max)) RunTimeError(kRangeCheckError, "RoundToInt out of range");
   return static_cast<int32_t>(r);
 }
 

@@ -22,7 +22,7 @@ int NumericCheck(const ShortText& text, bool integersOnly);
 // Half away from zero: a fraction of 0.5 or more goes up in absolute value.
 // Exact within +-2147483647 (passed through a 64-bit integer); never -0.
 Real RoundHalfAway(Real value);
-// RoundHalfAway as a 32-bit integer; outside +-2147483647 or NaN gives 0.
+// RoundHalfAway to a 32-bit integer; outside +-2147483647 (or NaN) a run-time error ends the process.
 int32_t RoundToInt(Real value);
 // A fraction of exactly 0.5 goes to the even neighbour; otherwise RoundHalfAway.
 Real RoundHalfEven(Real value);

@@ -1,6 +1,6 @@
 // Speed of the base library's hot paths: code-page conversions of text fields
 // (target: MazToDb and DbToMaz at 1 GB/s or more, no heap allocation) and the
-// per-call cost of number formatting and parsing.
+// per-call cost of number formatting and parsing (TextToReal, FormatFixed).
 //
 // Every global operator new is replaced by a counting one, so each benchmark
 // reports the heap allocations it made per call ("allocs/call").
@@ -14,6 +14,7 @@
 #include "base/codepage.h"
 #include "base/numbers.h"
 #include "base/numbers_format.h"
+#include "base/numtext.h"
 #include "base/shorttext.h"
 
 namespace {
@@ -158,6 +159,7 @@ void ParseCall(benchmark::State& state) {
   });
 }
 
+BENCHMARK(ParseCall<TextToReal>)->Name("TextToReal");
 BENCHMARK(ParseCall<TextToRealLoose>)->Name("TextToRealLoose");
 
 }  // namespace

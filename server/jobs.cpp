@@ -1,9 +1,8 @@
 #include "server/jobs.h"
 
-#include <cstdio>
-
 #include "base/jobfile.h"
 #include "base/mazovia.h"
+#include "base/numbers_format.h"
 #include "server/output.h"
 
 namespace {
@@ -11,12 +10,6 @@ namespace {
 // Failed opens of a locked job file before the operator is told about it.
 constexpr int kLockedOpensBeforeNotice = 3;
 constexpr int kLockedRetryMs = 1000;
-
-ShortText Printf(const char* format, int a, int b, int c) {
-  char text[64];
-  const int n = std::snprintf(text, sizeof text, format, a, b, c);
-  return ShortText(std::string_view(text, n > 0 ? static_cast<std::size_t>(n) : 0));
-}
 
 }  // namespace
 
@@ -44,11 +37,12 @@ void DeleteJobFileLogged(FileVar& file) {
 }
 
 ShortText ClockText(const ClockReading& when) {
-  return Printf("%2d:%2d:%2d", when.hour, when.minute, when.second);
+  return IntText(when.hour, 2) + ":" + IntText(when.minute, 2) + ":" + IntText(when.second, 2);
 }
 
 ShortText JobFailureStampAt(const ClockReading& when) {
-  return " nie wyk.zad. " + Printf("%2d-%2d-%4d", when.day, when.month, when.year) + " " + ClockText(when);
+  return " nie wyk.zad. " + IntText(when.day, 2) + "-" + IntText(when.month, 2) + "-" + IntText(when.year, 4) + " " +
+         ClockText(when);
 }
 
 ShortText JobFailureStamp() { return JobFailureStampAt(ReadClock()); }

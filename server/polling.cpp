@@ -4,10 +4,10 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cstdio>
 #include <thread>
 
 #include "base/jobfile.h"
+#include "base/numbers_format.h"
 #include "base/numtext.h"
 #include "base/platform.h"
 #include "server/families.h"
@@ -35,22 +35,16 @@ bool IsReportedKind(uint8_t kind) {
   return (kind >= kJobReceipt && kind <= kJobDrawer) || kind == kJobWithdrawn;
 }
 
-ShortText DecimalText(long value) {
-  char text[24];
-  const int n = std::snprintf(text, sizeof text, "%ld", value);
-  return ShortText(std::string_view(text, n > 0 ? static_cast<std::size_t>(n) : 0));
-}
-
 // "START SERVERA DRUKAREK FISKALNYCH d-m-yyyy h:m:s", numbers without padding.
 ShortText StartLine(const ClockReading& now) {
-  return "START SERVERA DRUKAREK FISKALNYCH " + DecimalText(now.day) + "-" + DecimalText(now.month) + "-" +
-         DecimalText(now.year) + " " + DecimalText(now.hour) + ":" + DecimalText(now.minute) + ":" +
-         DecimalText(now.second);
+  return "START SERVERA DRUKAREK FISKALNYCH " + IntText(now.day, 0) + "-" + IntText(now.month, 0) + "-" +
+         IntText(now.year, 0) + " " + IntText(now.hour, 0) + ":" + IntText(now.minute, 0) + ":" +
+         IntText(now.second, 0);
 }
 
 void WriteStartLines(bool withLog) {
   WriteLine(StartLine(ReadClock()));
-  WriteLine("PID: " + DecimalText(static_cast<long>(::getpid())));
+  WriteLine("PID: " + IntText(::getpid(), 0));
   if (!withLog) WriteLine("ZAKONCZENIE PRACY: F10");
 }
 
@@ -63,7 +57,7 @@ bool ConfigureRows(ServerState& state, const ShortText& configPath) {
     case RowsOutcome::kNoRows: WriteLine("W PLIKU KONFIGURACYJNYM NIE ZDEFINIOWANO DANYCH."); return false;
     case RowsOutcome::kLoaded: break;
   }
-  WriteLine("SKONFIGUROWANO " + DecimalText(state.rows.count));
+  WriteLine("SKONFIGUROWANO " + IntText(state.rows.count, 0));
   return true;
 }
 

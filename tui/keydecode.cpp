@@ -139,10 +139,29 @@ KeyDecodeResult FinishSequence(Named key, int mods, int consumed) {
   return Key(consumed, PairOf(key, mods));
 }
 
+// A control sequence longer than this is given up on.
+constexpr int kMaxSequence = 24;
+
 // Parameters of a control sequence: up to two numbers separated by ';'.
 struct Params {
   int first = -1, second = -1;
 };
+
+// The key of a control sequence ended by final, with its parameters.
+KeyDecodeResult FinishCsi(char final, const Params& p, int consumed, KeyTerminal terminal) {
+  // xterm says modifiers in a second number; rxvt in the final byte.
+  int mods = p.second > 1 ? p.second - 1 : 0;
+  if (final == '~' || final == '^' || final == '$' || final == '@') {
+    if (final == '^') mods |= kCtrl;
+    if (final == '$') mods |= kShift;
+    if (final == '@') mods |= kCtrl | kShift;
+    return FinishSequence(KeyOfNumber(p.first, terminal), mods | ImpliedModifiers(p.first), consumed);
+  }
+  // Lower-case a..d without numbers are rxvt's Shift+arrows, which a PC
+  // reports as arrows.
+  const bool lower = final >= 'a' && final <= 'z';
+  return FinishSequence(lower && p.first >= 0 ? Named::kNone : KeyOfFinal(final), mods, consumed);
+}
 
 // "ESC [" ... : bytes from index 2 on. Incomplete until a final byte comes.
 KeyDecodeResult DecodeCsi(std::string_view b, KeyTerminal terminal) {
@@ -155,7 +174,8 @@ KeyDecodeResult DecodeCsi(std::string_view b, KeyTerminal terminal) {
   }
   Params p;
   int* current = &p.first;
-  for (std::size_t i = 2; i < b.size() && i < 24; ++i) {
+  bool privateMarker = false;  // '<' .. '?': answers and reports, never keys
+  for (std::size_t i = 2; i < b.size() && i < static_cast<std::size_t>(kMaxSequence); ++i) {
     const char c = b[i];
     const int consumed = static_cast<int>(i) + 1;
     if (c >= '0' && c <= '9') {
@@ -164,22 +184,15 @@ KeyDecodeResult DecodeCsi(std::string_view b, KeyTerminal terminal) {
     } else if (c == ';') {
       if (current == &p.second) return Ignored(consumed);
       current = &p.second;
-    } else if (c == '~' || c == '^' || c == '$' || c == '@') {
-      // xterm says modifiers in a second number; rxvt in the final byte.
-      int mods = p.second > 1 ? p.second - 1 : 0;
-      if (c == '^') mods |= kCtrl;
-      if (c == '$') mods |= kShift;
-      if (c == '@') mods |= kCtrl | kShift;
-      return FinishSequence(KeyOfNumber(p.first, terminal), mods | ImpliedModifiers(p.first), consumed);
-    } else if (c >= 0x40 && c <= 0x7E) {
-      const int mods = p.second > 1 ? p.second - 1 : 0;
-      // Lower-case a..d are rxvt's Shift+arrows, which a PC reports as arrows.
-      return FinishSequence(KeyOfFinal(c), mods, consumed);
+    } else if (c >= '<' && c <= '?') {
+      privateMarker = true;
+    } else if ((c >= 0x40 && c <= 0x7E) || c == '$') {
+      return privateMarker ? Ignored(consumed) : FinishCsi(c, p, consumed, terminal);
     } else if (c < 0x20 || c > 0x3F) {
       return Ignored(consumed);
     }
   }
-  return b.size() >= 24 ? Ignored(24) : Incomplete();
+  return b.size() >= static_cast<std::size_t>(kMaxSequence) ? Ignored(kMaxSequence) : Incomplete();
 }
 
 // "ESC O" ...: an optional modifier number, then a final letter.
@@ -205,6 +218,29 @@ KeyPair AltPair(uint8_t c) {
   return {0, kScan[c & 0x7F]};
 }
 
+// The Alt form of an extended key; other keys as they are.
+KeyPair WithAlt(KeyPair key) {
+  if (key.ch == 0 && key.scan >= 59 && key.scan <= 68) return {0, static_cast<uint8_t>(key.scan + 45)};
+  if (key.ch == 0 && (key.scan == 133 || key.scan == 134)) return {0, static_cast<uint8_t>(key.scan + 6)};
+  if (key.ch == 224)
+    for (const GreyKey& g : kGreyKeys)
+      if (g.plain == key.scan) return {0, g.alt};
+  return key;
+}
+
+// rxvt says Alt on function and editing keys with an ESC before their
+// sequence: "ESC ESC [ 11 ~" is Alt+F1 (xterm has modifier numbers for
+// that, so there the same bytes are Esc and F1). Two ESCs with nothing known behind
+// them are the Esc key, once per ESC.
+KeyDecodeResult DecodeEscapedSequence(std::string_view bytes, int idleMs, KeyTerminal terminal) {
+  if (bytes.size() == 2) return idleMs >= kKeyEscapeWaitMs ? Key(1, {27, 1}) : Incomplete();
+  if (bytes[2] != '[' && bytes[2] != 'O') return Key(1, {27, 1});
+  KeyDecodeResult inner = DecodeKey(bytes.substr(1), idleMs, terminal);
+  if (inner.status == KeyDecodeStatus::kIncomplete) return inner;
+  if (inner.status == KeyDecodeStatus::kIgnored) return Ignored(inner.consumed + 1);
+  return Key(inner.consumed + 1, WithAlt(inner.key));
+}
+
 }  // namespace
 
 KeyPair KeyOfByte(uint8_t byte) {
@@ -219,7 +255,8 @@ KeyDecodeResult DecodeKey(std::string_view bytes, int idleMs, KeyTerminal termin
   const bool waited = idleMs >= kKeyEscapeWaitMs;
   if (bytes.size() == 1) return waited ? Key(1, {27, 1}) : Incomplete();
   const auto second = static_cast<uint8_t>(bytes[1]);
-  if (second == 27) return Key(1, {27, 1});
+  if (second == 27)
+    return terminal == KeyTerminal::kRxvt ? DecodeEscapedSequence(bytes, idleMs, terminal) : Key(1, {27, 1});
   KeyDecodeResult r;
   if (second == '[') r = DecodeCsi(bytes, terminal);
   else if (second == 'O') r = DecodeSs3(bytes);

@@ -28,7 +28,9 @@ class JobFileTest : public ::testing::Test {
     ASSERT_EQ(f.Rewrite(), 0);
     for (const ShortText& r : records) ASSERT_EQ(WriteJobRecord(f, r), 0);
     f.Close();
-    if (cutTo >= 0) ASSERT_EQ(::truncate(path().c_str(), cutTo), 0);
+    if (cutTo >= 0) {
+      ASSERT_EQ(::truncate(path().c_str(), cutTo), 0);
+    }
   }
   // Opens the job at record 2, as the server hands it to a handler.
   void OpenAtRecord2(FileVar& f) {

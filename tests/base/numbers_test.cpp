@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "base/numbers.h"
+#include "base/platform.h"
 
 namespace {
 
@@ -83,9 +84,14 @@ TEST(NumberRound, GroszOfLineValueNeedsTheLongMantissa) {
 TEST(NumberRound, ToIntAndHalfEven) {
   EXPECT_EQ(RoundToInt(2.5L), 3);
   EXPECT_EQ(RoundToInt(-2147483647.4L), -2147483647);
-  EXPECT_EQ(RoundToInt(2147483647.5L), 0) << "outside the range gives the neutral 0";
-  EXPECT_EQ(RoundToInt(kNaN), 0);
-  EXPECT_EQ(RoundToInt(kInf), 0);
+  EXPECT_EQ(RoundToInt(2147483647.4L), 2147483647);
+}
+
+// Outside the 32-bit range the conversion is a run-time error that ends the process.
+TEST(RoundToIntDeathTest, OutsideRangeEndsTheProcess) {
+  EXPECT_EXIT(RoundToInt(2147483647.5L), testing::ExitedWithCode(kRangeCheckError), "Runtime error 201");
+  EXPECT_EXIT(RoundToInt(kNaN), testing::ExitedWithCode(kRangeCheckError), "Runtime error 201");
+  EXPECT_EXIT(RoundToInt(-kInf), testing::ExitedWithCode(kRangeCheckError), "Runtime error 201");
   EXPECT_EQ(RoundHalfEven(2.5L), 2);
   EXPECT_EQ(RoundHalfEven(3.5L), 4);
   EXPECT_EQ(RoundHalfEven(-2.5L), -2);

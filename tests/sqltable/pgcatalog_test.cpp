@@ -1,0 +1,424 @@
+// Creating, opening, closing and testing tables through the catalogue.
+#include <string>
+
+#include "base/codepage.h"
+#include "sqltest.h"
+
+namespace {
+
+using TableTest = CatalogueTest;
+
+TEST_F(TableTest, CreateWritesCatalogueRowsAndTheServerTable) {
+  ASSERT_EQ(CreateTable("dane\\magazyny", {{"nr", "I"},
+                                           {"nazwa", "A25"},
+                                           {"znak", "A1"},
+                                           {"data", "D"},
+                                           {"ile", "S"},
+                                           {"duzo", "Y"},
+                                           {"cena", "N"},
+                                           {"kwota", "$"},
+                                           {"dokl", "X"},
+                                           {"notatka", "M200"}}),
+            0)
+      << PGLastOp.Str();
+  EXPECT_EQ(Scalar("SELECT string_agg(concat_ws('|',nazt,nazp,typp,k,i,ci,temp,maxrec,lp,cilp,lck,typi,typci,il_zm)"
+                   ", ';' ORDER BY lp) FROM tables_list"),
+            "DANE_MAGAZYNY|NR|I| | || |0|1|0|N|0|0|-2147483647;"
+            "DANE_MAGAZYNY|NAZWA|A25| | || |0|2|0|N|0|0|-2147483647;"
+            "DANE_MAGAZYNY|ZNAK|A1| | || |0|3|0|N|0|0|-2147483647;"
+            "DANE_MAGAZYNY|DATA|D| | || |0|4|0|N|0|0|-2147483647;"
+            "DANE_MAGAZYNY|ILE|S| | || |0|5|0|N|0|0|-2147483647;"
+            "DANE_MAGAZYNY|DUZO|Y| | || |0|6|0|N|0|0|-2147483647;"
+            "DANE_MAGAZYNY|CENA|N| | || |0|7|0|N|0|0|-2147483647;"
+            "DANE_MAGAZYNY|KWOTA|$| | || |0|8|0|N|0|0|-2147483647;"
+            "DANE_MAGAZYNY|DOKL|X| | || |0|9|0|N|0|0|-2147483647;"
+            "DANE_MAGAZYNY|NOTATKA|M200| | || |0|10|0|N|0|0|-2147483647");
+  // CHAR columns read back blank-padded.
+  // The row id comes first, then the fields in their order.
+  EXPECT_EQ(Scalar("SELECT string_agg(column_name || ' ' || format_type(atttypid, atttypmod), ',' ORDER BY attnum) "
+                   "FROM information_schema.columns c JOIN pg_attribute a ON a.attrelid='dane_magazyny'::regclass "
+                   "AND a.attname=c.column_name WHERE c.table_schema=current_schema() AND c.table_name='dane_magazyny'"),
+                "oid bigint,nr integer,nazwa character varying(25),znak character(1),data date,ile smallint,"
+                "duzo bigint,cena double precision,kwota double precision,dokl numeric(28,7),notatka text");
+  EXPECT_EQ(Scalar("SELECT replace(indexdef, current_schema() || '.', '') FROM pg_indexes WHERE schemaname=current_schema() AND indexname='dane_magazyny_oidindeks'"),
+            "CREATE UNIQUE INDEX dane_magazyny_oidindeks ON dane_magazyny USING btree (oid)");
+  // Rows get ids without naming them.
+  ASSERT_TRUE(Psql("INSERT INTO dane_magazyny (nr) VALUES (1),(2)"));
+  EXPECT_EQ(Scalar("SELECT string_agg(oid::text, ',' ORDER BY oid) FROM dane_magazyny"), "1,2");
+}
+
+TEST_F(TableTest, CreateRefusesBadFieldsAndTooManyOfThem) {
+  struct Case {
+    std::vector<std::pair<const char*, const char*>> fields;
+    int16_t code;
+  } cases[] = {
+      {{{"a", "A10"}, {"b", ""}}, kPGBadArgument},
+      {{{"a", "Q"}}, kPGBadArgument},
+      {{{"a", "D8"}}, kPGBadArgument},
+      {{{"a", "A"}}, kPGBadArgument},
+      {{{"a", "M"}}, kPGBadArgument},
+      {{{"a", "A300"}}, kPGBadArgument},
+      {{{"a", "A2x"}}, kPGBadArgument},
+      {{{"nazwa", "A10"}, {"NAZWA", "I"}}, kPGBadArgument},       // same mapped name
+      {{{"a b", "A10"}, {"A20B", "I"}}, kPGBadArgument},          // same after mapping
+      {{{"oid", "I"}}, kPGBadArgument},                            // the row id's name
+      {{{"abcdefghijklmnopqrstuvwxy", "I"}}, 0},                   // 25 bytes fit
+      {{{"abcdefghijklmnopqrstuvwx\\z", "I"}}, 0},
+      {{{"abcdefghijklmnopqrstuvw..", "I"}}, kPGBadArgument},     // 29 bytes once mapped
+  };
+  for (const Case& c : cases) {
+    std::vector<PGName> names, types;
+    for (const auto& f : c.fields) {
+      names.emplace_back(f.first);
+      types.emplace_back(f.second);
+    }
+    PGNextTblTemp = true;
+    EXPECT_EQ(PGTblCreate("dane\\t", static_cast<int>(names.size()), names.data(), types.data()), c.code)
+        << c.fields[0].first << " " << c.fields.back().second;
+    EXPECT_FALSE(PGNextTblTemp);  // the pending flag never outlives one call
+    if (c.code != 0) {
+      EXPECT_EQ(Scalar("SELECT count(*) FROM tables_list WHERE nazt='DANE_T'"), "0");
+    }
+    ASSERT_TRUE(Psql("DROP TABLE IF EXISTS dane_t; DELETE FROM tables_list"));
+  }
+  std::vector<PGName> names(256), types(256, PGName("I"));
+  for (int i = 0; i < 256; ++i) names[i] = PGName("f" + std::to_string(i));
+  EXPECT_EQ(PGTblCreate("dane\\wide", 256, names.data(), types.data()), kPGArgRange);
+  EXPECT_EQ(PGTblCreate("dane\\wide", 255, names.data(), types.data()), 0) << PGLastOp.Str();
+  EXPECT_EQ(Scalar("SELECT count(*) FROM tables_list WHERE nazt='DANE_WIDE'"), "255");
+}
+
+TEST_F(TableTest, CreateReplacesATableAndClearsStaleRows) {
+  ASSERT_EQ(CreateTable("dane\\t", {{"a", "I"}, {"b", "A5"}}), 0);
+  ASSERT_TRUE(Psql("INSERT INTO dane_t (a,b) VALUES (1,'x')"));
+  ASSERT_EQ(CreateTable("dane\\t", {{"c", "D"}}), 0) << PGLastOp.Str();
+  EXPECT_EQ(Scalar("SELECT count(*) FROM dane_t"), "0");
+  EXPECT_EQ(Scalar("SELECT string_agg(nazp, ',') FROM tables_list"), "C");
+  // Rows left behind by a failed creation are cleared by the next one.
+  ASSERT_TRUE(Psql("INSERT INTO tables_list (nazt,nazp,typp,lp) VALUES ('DANE_U','OLD','I',1),('DANE_U','OLD2','I',2)"));
+  ASSERT_EQ(CreateTable("dane\\u", {{"x", "I"}}), 0) << PGLastOp.Str();
+  EXPECT_EQ(Scalar("SELECT string_agg(nazp, ',') FROM tables_list WHERE nazt='DANE_U'"), "X");
+}
+
+TEST_F(TableTest, AFailedServerStepLeavesRowsThatTheNextCreateClears) {
+  // A reserved word passes the name rule but not the server.
+  EXPECT_EQ(CreateTable("dane\\t", {{"a", "I"}, {"select", "I"}}), kPGSqlFailed);
+  EXPECT_EQ(Scalar("SELECT count(*) FROM tables_list WHERE nazt='DANE_T'"), "2");
+  bool exists = true;
+  EXPECT_EQ(PGTblExist("dane\\t", exists), 0);
+  EXPECT_FALSE(exists);
+  ASSERT_EQ(CreateTable("dane\\t", {{"a", "I"}, {"b", "I"}}), 0) << PGLastOp.Str();
+  EXPECT_EQ(Scalar("SELECT string_agg(nazp, ',' ORDER BY lp) FROM tables_list WHERE nazt='DANE_T'"), "A,B");
+}
+
+TEST_F(TableTest, OpenReadsTheCatalogueIntoTheHandle) {
+  ASSERT_EQ(CreateTable("dane\\t", {{"nr", "I"}, {"nazwa", "A30"}, {"data", "D"}, {"opis", "M10"}}), 0);
+  const int16_t key[2] = {1, 2};
+  ASSERT_EQ(PGKeyAdd("dane\\t", 2, key, 0), 0) << PGLastOp.Str();
+  ASSERT_TRUE(Psql("UPDATE tables_list SET il_zm=41 WHERE lp=1"));
+  int16_t h = 0;
+  ASSERT_EQ(PGTblOpen("dane\\t", h, 2), 0) << PGLastOp.Str();
+  ASSERT_EQ(h, 1);
+  const PGTable& t = *PGTableAt(h);
+  EXPECT_EQ(t.name, "dane\\t");
+  EXPECT_EQ(t.sqlName, "DANE_T");
+  EXPECT_EQ(t.baseName, "DANE_T");
+  EXPECT_EQ(t.cursorName, "c1");
+  EXPECT_EQ(t.nFields, 4);
+  EXPECT_EQ(t.nKeyFields, 2);
+  EXPECT_EQ(t.indexHandle, 2);
+  EXPECT_EQ(t.ilZm, 41);
+  EXPECT_FALSE(t.isTemp);
+  ASSERT_EQ(t.fields.size(), 5u);
+  EXPECT_EQ(t.fields[2].name, "NAZWA");
+  EXPECT_EQ(t.fields[2].type, "A30");
+  EXPECT_EQ(t.fields[2].bufSize, 31);
+  EXPECT_EQ(t.fields[2].textLen, 30);
+  EXPECT_EQ(t.fields[2].kind, PGKind::Text);
+  EXPECT_EQ(t.fields[3].kind, PGKind::Date);
+  EXPECT_EQ(t.fields[4].kind, PGKind::Blob);
+  EXPECT_EQ(t.fields[4].bufSize, 16385);
+  ASSERT_EQ(t.curValues.size(), 5u);
+  EXPECT_GE(t.curValues[4].capacity(), 16385u);
+  EXPECT_FALSE(t.cursorOpen || t.positioned);
+
+  int16_t n = 0;
+  EXPECT_EQ(PGRecNFlds(h, n), 0);
+  EXPECT_EQ(n, 4);
+  EXPECT_EQ(PGKeyNFlds(h, n), 0);
+  EXPECT_EQ(n, 2);
+  ShortText text;
+  EXPECT_EQ(PGTblName(h, text), 0);
+  EXPECT_EQ(text, "dane\\t");
+  EXPECT_EQ(PGFldHandle(h, "Nazwa", n), 0);
+  EXPECT_EQ(n, 2);
+  EXPECT_EQ(PGFldHandle(h, "nazw", n), kPGBadFieldName);
+  EXPECT_EQ(PGFldType(h, 3, text), 0);
+  EXPECT_EQ(text, "D");
+  EXPECT_EQ(PGFldName(h, 4, text), 0);
+  EXPECT_EQ(text, "OPIS");
+  EXPECT_EQ(PGFldType(h, 0, text), kPGBadFieldHandle);
+  EXPECT_EQ(PGFldName(h, 5, text), kPGBadFieldHandle);
+  for (int bad : {0, 2, 101, -1}) {
+    EXPECT_EQ(PGRecNFlds(static_cast<int16_t>(bad), n), kPGBadTableHandle);
+    EXPECT_EQ(PGFldType(static_cast<int16_t>(bad), 1, text), kPGBadTableHandle);
+  }
+  EXPECT_EQ(PGTblClose(h), 0);
+  EXPECT_EQ(PGTblClose(h), kPGBadTableHandle);
+}
+
+TEST_F(TableTest, OpenOfANameWithoutRowsGivesAnEmptyHandle) {
+  int16_t h = 0;
+  ASSERT_EQ(PGTblOpen("dane\\nic", h, 0), 0);
+  EXPECT_EQ(PGTableAt(h)->nFields, 0);
+  EXPECT_EQ(PGTableAt(h)->nKeyFields, 0);
+}
+
+TEST_F(TableTest, OpenRefusesAnUnknownTypeLetterAndFreesTheSlot) {
+  ASSERT_EQ(CreateTable("dane\\t", {{"a", "I"}, {"b", "A5"}}), 0);
+  ASSERT_TRUE(Psql("UPDATE tables_list SET typp='Q5' WHERE lp=2"));
+  int16_t h = 7;
+  EXPECT_EQ(PGTblOpen("dane\\t", h, 0), kPGBadArgument);
+  EXPECT_EQ(h, 0);
+  EXPECT_EQ(PGOpenTableCount(), 0);
+}
+
+TEST_F(TableTest, OpenWithoutCatalogueGives118) {
+  ASSERT_TRUE(Psql("DROP TABLE tables_list"));
+  int16_t h = 0;
+  EXPECT_EQ(PGTblOpen("dane\\t", h, 0), kPGSqlFailed);
+  EXPECT_EQ(PGOpenTableCount(), 0);
+}
+
+TEST_F(TableTest, HundredOpenTablesThenNoFreeHandle) {
+  ASSERT_EQ(CreateTable("dane\\t", {{"a", "I"}}), 0);
+  int16_t h = 0;
+  for (int i = 1; i <= kPGMaxTables; ++i) {
+    ASSERT_EQ(PGTblOpen("dane\\t", h, 0), 0);
+    EXPECT_EQ(h, i);
+  }
+  EXPECT_EQ(PGTblOpen("dane\\t", h, 0), kPGNoTableHandle);
+  EXPECT_EQ(h, 0);
+  EXPECT_EQ(PGTblClose(37), 0);
+  ASSERT_EQ(PGTblOpen("dane\\t", h, 0), 0);
+  EXPECT_EQ(h, 37);
+  PGShutdownTables(1);
+  EXPECT_EQ(PGOpenTableCount(), 0);
+  EXPECT_EQ(PGTableAt(1), nullptr);
+}
+
+TEST_F(TableTest, OpenTakesTheGlobalFilterOfItsName) {
+  ASSERT_EQ(CreateTable("dane\\t", {{"a", "I"}}), 0);
+  PGGlobalFilterTable = "dane\\t";
+  PGGlobalFilterText = "a>5";
+  int16_t h1 = 0, h2 = 0;
+  ASSERT_EQ(PGTblOpen("dane\\t", h1, 0), 0);
+  ASSERT_EQ(PGTblOpen("DANE\\T", h2, 0), 0);  // same table, other spelling: no filter
+  EXPECT_EQ(PGTableAt(h1)->globalFilter, "a>5");
+  EXPECT_EQ(PGTableAt(h2)->globalFilter, "");
+  PGGlobalFilterTable.Clear();
+  PGGlobalFilterText.clear();
+}
+
+TEST_F(TableTest, CloseBumpsTheChangeCounterOnlyForOurChanges) {
+  ASSERT_EQ(CreateTable("dane\\t", {{"a", "I"}, {"b", "I"}}), 0);
+  int16_t h = 0;
+  ASSERT_EQ(PGTblOpen("dane\\t", h, 0), 0);
+  EXPECT_EQ(PGTblClose(h), 0);
+  EXPECT_EQ(Scalar("SELECT string_agg(il_zm::text, ',' ORDER BY lp) FROM tables_list"), "-2147483647,-2147483647");
+  ASSERT_EQ(PGTblOpen("dane\\t", h, 0), 0);
+  PGTableAt(h)->changedByUs = true;
+  EXPECT_EQ(PGTblClose(h), 0);
+  EXPECT_EQ(Scalar("SELECT string_agg(il_zm::text, ',' ORDER BY lp) FROM tables_list"), "-2147483646,-2147483647");
+
+  PGNextTblTemp = true;
+  ASSERT_EQ(CreateTable("tmp\\x", {{"a", "I"}}), 0);
+  ASSERT_EQ(PGTblOpen("tmp\\x", h, 0), 0);
+  EXPECT_TRUE(PGTableAt(h)->isTemp);
+  PGTableAt(h)->changedByUs = true;
+  EXPECT_EQ(PGTblClose(h), 0);
+  EXPECT_EQ(Scalar("SELECT il_zm FROM tables_list WHERE nazt='TMP_X'"), "-2147483647");
+}
+
+TEST_F(TableTest, CloseDropsViewAndReportsAFailedStatement) {
+  ASSERT_EQ(CreateTable("dane\\t", {{"a", "I"}, {"b", "A5"}}), 0);
+  ASSERT_TRUE(Psql("INSERT INTO dane_t (a,b) VALUES (1,'x'),(2,'y')"));
+  int16_t h = 0;
+  ASSERT_EQ(PGTblOpen("dane\\t", h, 0), 0);
+  ASSERT_EQ(PGTblViewSet(h, "SELECT oid,a*10,b FROM dane_t WHERE a>1"), 0) << PGLastOp.Str();
+  const PGTable& t = *PGTableAt(h);
+  EXPECT_EQ(t.sqlName, "VDANE_T");
+  EXPECT_EQ(t.baseName, "DANE_T");
+  EXPECT_TRUE(t.viewActive);
+  PGResult res;
+  ASSERT_EQ(PGRunQueryWithTup("SELECT * FROM VDANE_T", res), 0);
+  ASSERT_EQ(res.Rows(), 1);
+  EXPECT_EQ(res.Value(0, 0), "2");
+  EXPECT_EQ(res.Value(0, 1), "20");
+  // A second view replaces the first.
+  ASSERT_EQ(PGTblViewSet(h, "SELECT oid,a,b FROM dane_t"), 0) << PGLastOp.Str();
+  EXPECT_EQ(PGTblViewSet(h, "SELEKT"), kPGSqlFailed);
+  EXPECT_EQ(PGTableAt(h)->sqlName, "DANE_T");
+  EXPECT_EQ(PGTblViewSet(999, "SELECT 1"), kPGBadTableHandle);
+
+  ASSERT_EQ(PGTblViewSet(h, "SELECT oid,a,b FROM dane_t"), 0) << PGLastOp.Str();
+  EXPECT_EQ(PGTblClose(h), 0);
+  EXPECT_NE(PGRunQueryWithTup("SELECT * FROM VDANE_T", res), 0);
+  // A cursor that the server no longer knows: the table is released all the same.
+  ASSERT_EQ(PGTblOpen("dane\\t", h, 0), 0);
+  PGTableAt(h)->cursorOpen = true;
+  EXPECT_EQ(PGTblClose(h), kPGBadTableHandle);
+  EXPECT_EQ(PGTableAt(h), nullptr);
+}
+
+TEST_F(TableTest, ExistEmptyAndDelete) {
+  bool flag = true;
+  EXPECT_EQ(PGTblExist("dane\\t", flag), 0);
+  EXPECT_FALSE(flag);
+  ASSERT_EQ(CreateTable("dane\\t", {{"a", "I"}}), 0);
+  EXPECT_EQ(PGTblExist("dane\\t", flag), 0);
+  EXPECT_TRUE(flag);
+  EXPECT_EQ(PGTblExist_pg("DANE_T", flag), 0);
+  EXPECT_TRUE(flag);
+  EXPECT_EQ(PGTblExist_pg("dane\\t", flag), 0);  // a raw name is not mapped
+  EXPECT_FALSE(flag);
+  EXPECT_EQ(PGTblIsEmpty("dane\\t", flag), 0);
+  EXPECT_TRUE(flag);
+  ASSERT_TRUE(Psql("INSERT INTO dane_t (a) VALUES (1)"));
+  EXPECT_EQ(PGTblIsEmpty("dane\\t", flag), 0);
+  EXPECT_FALSE(flag);
+  EXPECT_EQ(PGTblEmpty("dane\\t"), 0);
+  EXPECT_EQ(PGTblIsEmpty("dane\\t", flag), 0);
+  EXPECT_TRUE(flag);
+  EXPECT_EQ(PGTblIsEmpty("dane\\none", flag), kPGSqlFailed);
+  EXPECT_EQ(PGTblEmpty("dane\\none"), kPGSqlFailed);
+
+  EXPECT_EQ(PGTblDelete("dane\\t"), 0);
+  EXPECT_EQ(PGTblExist("dane\\t", flag), 0);
+  EXPECT_FALSE(flag);
+  EXPECT_EQ(Scalar("SELECT count(*) FROM tables_list"), "0");
+  EXPECT_EQ(PGTblDelete("dane\\t"), kPGSqlFailed);
+  // A temporary table that went with its session is no failure; its rows go.
+  ASSERT_TRUE(Psql("INSERT INTO tables_list (nazt,nazp,typp,lp) VALUES ('TMP_123','A','I',1)"));
+  EXPECT_EQ(PGTblDelete("tmp_123"), 0);
+  EXPECT_EQ(Scalar("SELECT count(*) FROM tables_list"), "0");
+}
+
+TEST_F(TableTest, ExistInsideATransactionLeavesItUsable) {
+  ASSERT_EQ(CreateTable("dane\\t", {{"a", "I"}}), 0);
+  ASSERT_EQ(PGTransBegin(), 0);
+  ASSERT_EQ(PGRunQueryNoTup("INSERT INTO dane_t (a) VALUES (1)"), 0);
+  bool exists = true;
+  EXPECT_EQ(PGTblExist("dane\\missing", exists), 0);
+  EXPECT_FALSE(exists);
+  EXPECT_EQ(PGTblExist("dane\\t", exists), 0);
+  EXPECT_TRUE(exists);
+  EXPECT_EQ(PGRunQueryNoTup("INSERT INTO dane_t (a) VALUES (2)"), 0);
+  EXPECT_EQ(PGTransCommit(), 0);
+  EXPECT_EQ(Scalar("SELECT count(*) FROM dane_t"), "2");
+}
+
+TEST_F(TableTest, TemporaryTablesAreRecordedAndLiveInTheSession) {
+  ShortText name;
+  ASSERT_EQ(PGDefNameTmpTable(name), 0);
+  EXPECT_EQ(name.Copy(1, 4), "TMP_");
+  EXPECT_GE(name.Length(), 4 + 14);
+  for (int i = 5; i <= name.Length(); ++i) EXPECT_TRUE(name.At(i) >= '0' && name.At(i) <= '9');
+  PGNextTblTemp = true;
+  ASSERT_EQ(CreateTable(name, {{"a", "I"}, {"b", "A3"}}), 0) << PGLastOp.Str();
+  EXPECT_FALSE(PGNextTblTemp);
+  EXPECT_EQ(Scalar("SELECT string_agg(temp, ',') FROM tables_list"), "*,*");
+  // The server table lives in this session only.
+  EXPECT_EQ(Scalar("SELECT count(*) FROM pg_tables WHERE tablename='" + std::string(MazLowCaseText(name).View()) +
+                   "' AND schemaname=current_schema()"),
+            "0");
+  PGResult res;
+  EXPECT_EQ(PGRunQueryWithTup("SELECT * FROM " + name.Str(), res), 0);
+  EXPECT_EQ(res.Cols(), 3);
+  EXPECT_EQ(PGTblDelete(name), 0);
+}
+
+TEST_F(TableTest, HostileNamesCannotChangeAStatement) {
+  const ShortText hostile = "x'; DROP TABLE tables_list; --";
+  ASSERT_EQ(CreateTable(hostile, {{"a'b", "I"}, {"c\"); DROP", "A5"}}), 0) << PGLastOp.Str();
+  int16_t h = 0;
+  ASSERT_EQ(PGTblOpen(hostile, h, 0), 0);
+  EXPECT_EQ(PGTableAt(h)->nFields, 2);
+  EXPECT_EQ(PGTableAt(h)->baseName, "X273B20DROP20TABLE20TABLES_LIST3B202D2D");
+  EXPECT_EQ(PGTableAt(h)->fields[1].name, "A27B");
+  EXPECT_EQ(PGInit(), 0);
+  EXPECT_EQ(PGTblDelete(hostile), 0);
+}
+
+}  // namespace
+
+namespace {
+
+// What the other parts of the layer were asked to release.
+struct HookLog {
+  std::string calls;
+};
+HookLog gHooks;
+
+void InstallRecordingHooks() {
+  gHooks.calls.clear();
+  PGHooks().releaseControlCache = [](int16_t tbl) { gHooks.calls += "control" + std::to_string(tbl) + " "; };
+  PGHooks().closeRecordBuffersOf = [](int16_t tbl) { gHooks.calls += "buffers" + std::to_string(tbl) + " "; };
+  PGHooks().freeAllRecordBuffers = [] { gHooks.calls += "allbuffers "; };
+  PGHooks().clearLockRegister = [] { gHooks.calls += "locks "; };
+}
+
+class ShutdownTest : public CatalogueTest {
+ protected:
+  void SetUp() override {
+    CatalogueTest::SetUp();
+    InstallRecordingHooks();
+    ASSERT_EQ(CreateTable("dane\\t", {{"a", "I"}}), 0);
+  }
+  void TearDown() override {
+    PGHooks() = PGTableHooks{};
+    CatalogueTest::TearDown();
+  }
+  static std::string Counter() { return Scalar("SELECT il_zm FROM tables_list WHERE lp=1"); }
+};
+
+TEST_F(ShutdownTest, CloseReleasesWhatBelongsToTheTable) {
+  int16_t h = 0;
+  ASSERT_EQ(PGTblOpen("dane\\t", h, 0), 0);
+  ASSERT_EQ(PGTblOpen("dane\\t", h, 0), 0);
+  EXPECT_EQ(PGTblClose(2), 0);
+  EXPECT_EQ(gHooks.calls, "control2 buffers2 ");
+  EXPECT_EQ(PGTblClose(2), kPGBadTableHandle);
+  EXPECT_EQ(gHooks.calls, "control2 buffers2 ");  // a bad handle releases nothing
+}
+
+TEST_F(ShutdownTest, ModeZeroForgetsTablesWithoutClosingThem) {
+  int16_t h = 0;
+  ASSERT_EQ(PGTblOpen("dane\\t", h, 0), 0);
+  PGTableAt(h)->changedByUs = true;
+  PGShutdownTables(0);
+  EXPECT_EQ(gHooks.calls, "locks allbuffers ");
+  EXPECT_EQ(PGOpenTableCount(), 0);
+  EXPECT_EQ(PGTableAt(h), nullptr);
+  EXPECT_EQ(Counter(), "-2147483647");  // nothing was closed, nothing bumped
+}
+
+TEST_F(ShutdownTest, ModesOneAndTwoCloseEveryTable) {
+  int16_t h = 0;
+  ASSERT_EQ(PGTblOpen("dane\\t", h, 0), 0);
+  PGTableAt(h)->changedByUs = true;
+  PGShutdownTables(1);
+  EXPECT_EQ(gHooks.calls, "locks control1 buffers1 allbuffers ");
+  EXPECT_EQ(Counter(), "-2147483646");
+  gHooks.calls.clear();
+  ASSERT_EQ(PGTblOpen("dane\\t", h, 0), 0);
+  const int16_t key[1] = {1};
+  int ix = 0;
+  ASSERT_EQ(PGKeyMap("dane\\t", 1, key, "po_a", ix), 0);
+  PGShutdownTables(2);  // the lock register stays
+  EXPECT_EQ(gHooks.calls, "control1 buffers1 allbuffers ");
+  EXPECT_EQ(PGOpenTableCount(), 0);
+  EXPECT_EQ(PGKeyDescriptor(ix), nullptr);
+}
+
+}  // namespace

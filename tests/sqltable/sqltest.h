@@ -1,0 +1,93 @@
+// Helpers shared by the table layer's tests.
+#pragma once
+
+#include <cstdio>
+#include <fstream>
+#include <sstream>
+#include <initializer_list>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "dbfixture.h"
+#include "sqltable/pglib.h"
+#include "sqltable/pgtable.h"
+#include "tui/tui_fixture.h"
+
+// A suite whose tests each start on an empty database, connected through
+// PGSetDefaults, and leave the layer closed.
+class ConnectedTest : public DbTest {
+ protected:
+  void SetUp() override {
+    DbTest::SetUp();
+    // A terminal without a terminal: bytes into a string, keys from the buffer only.
+    TermOutputToBuffer(&screenBytes_);
+    tui_test::InitTerminal("xterm");
+    ASSERT_TRUE(WipeDatabase());
+    WriteDefaultConnParm();
+    PGTransDepth = 0;
+    PGTrimAlpha = false;
+    PGConnInfo.clear();
+    ASSERT_EQ(PGSetDefaults(), 0) << PGLastOp.Str();
+  }
+  void TearDown() override {
+    PGShutdownTables(1);
+    while (PGConnected || PGLibRefs() > 0) PGDisconnect();
+    PGTransDepth = 0;
+    std::remove("error.log");
+    SetKeyIdleHook(nullptr);
+    TermOutputToBuffer(nullptr);
+    TermOutputToFd(-1);
+  }
+  // What the terminal received so far.
+  std::string ScreenBytes() {
+    TermFlush();
+    return screenBytes_;
+  }
+  // One value read with psql from the suite's database.
+  static std::string Scalar(const std::string& sql) {
+    std::string out;
+    Psql(sql, &out);
+    while (!out.empty() && (out.back() == '\n' || out.back() == '\r')) out.pop_back();
+    return out;
+  }
+  // From now on every wait for a key prints the screen's rows on standard
+  // error and is answered with Enter: death tests read the boxes from there.
+  static void AnswerBoxesOnStderr() {
+    SetKeyIdleHook([] {
+      for (int row = 1; row <= kScreenRows; ++row) {
+        const ShortText text = RowText(row);
+        std::fwrite(text.Data(), 1, static_cast<std::size_t>(text.Length()), stderr);
+        std::fputc('\n', stderr);
+      }
+      PushKey(13, 28);
+    });
+  }
+  static std::string ReadFile(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    std::stringstream all;
+    all << in.rdbuf();
+    return all.str();
+  }
+
+  std::string screenBytes_;
+};
+
+// A connected suite with tables_list in place.
+class CatalogueTest : public ConnectedTest {
+ protected:
+  void SetUp() override {
+    ConnectedTest::SetUp();
+    ASSERT_EQ(PGinitializett(), 0) << PGLastOp.Str();
+  }
+};
+
+// Creates a table from (name, type) pairs.
+inline int16_t CreateTable(const ShortText& path, std::initializer_list<std::pair<const char*, const char*>> fields) {
+  std::vector<PGName> names, types;
+  for (const auto& f : fields) {
+    names.emplace_back(f.first);
+    types.emplace_back(f.second);
+  }
+  return PGTblCreate(path, static_cast<int>(names.size()), names.data(), types.data());
+}

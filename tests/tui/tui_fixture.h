@@ -1,0 +1,58 @@
+// A terminal without a terminal: the screen's bytes go into a string, keys
+// come only from the key buffer, and the environment picks the kind.
+#pragma once
+
+#include <gtest/gtest.h>
+#include <stdlib.h>
+
+#include <string>
+
+#include "tui/keyboard.h"
+#include "tui/screen.h"
+#include "tui/term.h"
+
+namespace tui_test {
+
+inline void InitTerminal(const char* term, const char* klote = "", const char* cp = "", const char* colours = "") {
+  setenv("TERM", term, 1);
+  setenv("TERM_KLOTE", klote, 1);
+  setenv("TERM_KLOTE_CP", cp, 1);
+  setenv("TERM_KLOTE_COLORS", colours, 1);
+  TermSetWarningWait(0);
+  TermInputFromFd(-1);
+  TermInit();
+  Window(1, 1, 80, 25);
+  GotoXY(1, 1);
+  TextAttr(0x07);
+}
+
+class TuiTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    TermOutputToBuffer(&out_);
+    InitTerminal("xterm");
+    Sent();
+  }
+  void TearDown() override {
+    TermOutputToBuffer(nullptr);
+    TermOutputToFd(-1);
+  }
+  // What the terminal has received since the last call.
+  std::string Sent() {
+    TermFlush();
+    std::string s = out_;
+    out_.clear();
+    return s;
+  }
+  std::string out_;
+};
+
+// A row of the character shadow from column first, count bytes.
+inline std::string Cells(int row, int first, int count) {
+  return std::string(RowText(row).View().substr(static_cast<std::size_t>(first - 1), static_cast<std::size_t>(count)));
+}
+
+inline unsigned char AttrAt(int col, int row) { return static_cast<unsigned char>(RowAttrs(row).At(col)); }
+inline unsigned char CharAt(int col, int row) { return static_cast<unsigned char>(RowText(row).At(col)); }
+
+}  // namespace tui_test
