@@ -57,6 +57,17 @@ bool PrintReceipt(const JobRequest& job, const ReceiptJob& receipt, ShortText& t
                                              cash ? total : 0, total));
 }
 
+// Open, error mode 1 and the job's command, each checked, then the close; false
+// (the text told) at the first failure.
+template <typename Command>
+bool RunPosnetCommand(const JobRequest& job, ShortText& text, Command command) {
+  PosnetConfig().oldFirmware = job.oldFirmware;
+  PosnetOpen(job.port);
+  if (PosnetCheck(text, PosnetErrorMode(1)) || PosnetCheck(text, command())) return false;
+  PosnetClose();
+  return true;
+}
+
 }  // namespace
 
 int PosnetReceiptWidth(int family) { return family == 3 ? 24 : 40; }
@@ -95,38 +106,25 @@ uint8_t PosnetReceipt(JobRequest& job) {
 uint8_t PosnetDailyReport(JobRequest& job) {
   ShortText& text = *job.resultText;
   text = "RAPORT DOBOWY";
-  PosnetConfig().oldFirmware = job.oldFirmware;
-  PosnetOpen(job.port);
-  if (PosnetCheck(text, PosnetErrorMode(1)) || PosnetCheck(text, PosnetDailyReportCommand())) return kJobDailyReport;
-  PosnetClose();
-  return 0;
+  return RunPosnetCommand(job, text, [] { return PosnetDailyReportCommand(); }) ? 0 : kJobDailyReport;
 }
 
 uint8_t PosnetPeriodReport(JobRequest& job) {
   ShortText& text = *job.resultText;
   text = "RAPORT OKRESOWY";
-  PosnetConfig().oldFirmware = job.oldFirmware;
   PeriodJob period;
   if (!ReadPeriodJob(*job.file, period)) return kJobPeriodReport;
   text += " " + period.flag + " " + period.dateFrom + " - " + period.dateTo + " ";
   int from[3], to[3];
   if (!ParseDateFields(period.dateFrom, kPosnetYearPos, from) || !ParseDateFields(period.dateTo, kPosnetYearPos, to))
     return kJobPeriodReport;
-  PosnetOpen(job.port);
-  if (PosnetCheck(text, PosnetErrorMode(1)) ||
-      PosnetCheck(text, PosnetPeriodReportCommand(from[0], from[1], from[2], to[0], to[1], to[2])))
-    return kJobPeriodReport;
-  PosnetClose();
-  return 0;
+  const auto report = [&] { return PosnetPeriodReportCommand(from[0], from[1], from[2], to[0], to[1], to[2]); };
+  return RunPosnetCommand(job, text, report) ? 0 : kJobPeriodReport;
 }
 
 uint8_t PosnetDrawer(JobRequest& job) {
   ShortText& text = *job.resultText;
   text = "SZUFLADA";
   if (job.drawerFlag != 1) return kJobDrawer;
-  PosnetConfig().oldFirmware = job.oldFirmware;
-  PosnetOpen(job.port);
-  if (PosnetCheck(text, PosnetErrorMode(1)) || PosnetCheck(text, PosnetDisplayText(1, "SZUFLADA"))) return kJobDrawer;
-  PosnetClose();
-  return 0;
+  return RunPosnetCommand(job, text, [] { return PosnetDisplayText(1, "SZUFLADA"); }) ? 0 : kJobDrawer;
 }

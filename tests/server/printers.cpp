@@ -27,9 +27,10 @@ std::vector<std::string> Lines(const std::string& text) {
 
 std::string Maz(const std::string& utf8) { return Utf8ToMaz(ShortText(utf8)).Str(); }
 
-void PrintersTest::Start(std::vector<std::string> elzabArgs, std::vector<std::string> posnetArgs) {
+void PrintersTest::Start(std::vector<std::string> elzabArgs, std::vector<std::string> posnetArgs,
+                         bool elzabOnTerminal) {
   ::mkdir((dir_ / "jobs").c_str(), 0777);
-  elzab_ = std::make_unique<ElzabSimProcess>(std::move(elzabArgs));
+  elzab_ = std::make_unique<ElzabSimProcess>(std::move(elzabArgs), elzabOnTerminal);
   posnet_ = std::make_unique<SimProcess>(std::move(posnetArgs));
   ASSERT_FALSE(elzab_->Line().empty());
   ASSERT_FALSE(posnet_->Slave().empty());

@@ -20,8 +20,10 @@ std::string Maz(const std::string& utf8);
 
 class PrintersTest : public ::testing::Test {
  protected:
-  // Starts both simulators (with their extra arguments) and the server with a log.
-  void Start(std::vector<std::string> elzabArgs = {}, std::vector<std::string> posnetArgs = {});
+  // Starts both simulators (with their extra arguments) and the server with a log;
+  // the ELZAB line is a Unix socket, or a pseudo-terminal with elzabOnTerminal.
+  void Start(std::vector<std::string> elzabArgs = {}, std::vector<std::string> posnetArgs = {},
+             bool elzabOnTerminal = false);
   void TearDown() override;
 
   // Publishes a job in the row's file at once (written aside, then renamed):

@@ -112,6 +112,13 @@ TEST_F(PrintersTest, ReportsAndDrawerOnBothFamilies) {
   }
 }
 
+TEST_F(PrintersTest, ElzabSimulatorIsReachedThroughAPseudoTerminalToo) {
+  Start({}, {}, true);
+  EXPECT_EQ(Run('e', "RAPDOB"), "RAPORT DOBOWY O.K.");
+  EXPECT_EQ(Run('e', "SZUFLA"), "SZUFLADA O.K.");
+  EXPECT_EQ(ElzabJournal(), (Lines{"DAILY REPORT", "DRAWER"}));
+}
+
 TEST_F(PrintersTest, JobsThatMustNotReachThePrinterFailAndAreDeleted) {
   Start();
   struct Case {
