@@ -42,9 +42,10 @@ void PrintersTest::Start(std::vector<std::string> elzabArgs, std::vector<std::st
                 "1,1,\"jobs\\e\",,1\n"
                 "2,1,\"jobs\\p\",,1\n"
                 "3,1,\"jobs\\q\",PARAGON_FISKALNY,0\n"
-                "1,1,\"jobs\\f\",,0\n");
+                "1,1,\"jobs\\f\",,0\n"
+                "1,5,\"jobs\\g\",,1\n");
   server_ = std::make_unique<ServerProcess>(dir_, ServerRun{{"fisk.cfg", "5", "fisk.log", "x"}});
-  ASSERT_TRUE(WaitUntil([&] { return ReadFileText(dir_ / "fisk.log").find("SKONFIGUROWANO 4") != std::string::npos; },
+  ASSERT_TRUE(WaitUntil([&] { return ReadFileText(dir_ / "fisk.log").find("SKONFIGUROWANO 5") != std::string::npos; },
                         5000));
 }
 

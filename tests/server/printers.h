@@ -2,7 +2,8 @@
 // behind the simulated ELZAB controller (a Unix socket) and posnet-sim on a
 // pseudo-terminal. Rows: "jobs\e" ELZAB with a drawer, "jobs\p" POSNET 40
 // columns with a drawer, "jobs\q" POSNET 24 columns of old firmware without a
-// drawer, "jobs\f" ELZAB without a drawer.
+// drawer, "jobs\f" ELZAB without a drawer, "jobs\g" ELZAB on port 5, which has
+// no controller.
 #pragma once
 
 #include <memory>

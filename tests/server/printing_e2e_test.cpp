@@ -135,6 +135,9 @@ TEST_F(PrintersTest, JobsThatMustNotReachThePrinterFailAndAreDeleted) {
       // Drawer rows without the drawer flag.
       {'f', "SZUFLA", {}, "SZUFLADA"},
       {'q', "SZUFLA", {}, "SZUFLADA"},
+      // ELZAB port 5 does not exist.
+      {'g', "PARAGON", {"1", "500", "01J", "Jan", " gotówką", "", "\"A\",1,\"A\",5,szt"}, "PARAGON Blad inicjacji portu."},
+      {'g', "RAPDOB", {}, "RAPORT DOBOWY@Timeout nadawania."},
       // A non-digit in a date.
       {'e', "RAPOKR", {"01-0x-2024", "31-01-2024", "FISK"}, "FISK 01-0x-2024 - 31-01-2024 RAPORT OKRESOWY"},
       {'p', "RAPOKR", {"01-01-2024", "31-01-2o24", "FISK"}, "RAPORT OKRESOWY FISK 01-01-2024 - 31-01-2o24 "},
