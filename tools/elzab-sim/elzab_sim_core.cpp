@@ -74,18 +74,18 @@ bool ParseByte(std::string_view text, uint8_t& out) {
 
 }  // namespace
 
-std::optional<ElzabFaultRule> ParseElzabFaultRule(std::string_view rule) {
+std::optional<ElzabFaultRule> ParseElzabFaultRule(std::string_view text) {
   ElzabFaultRule rule;
-  const std::size_t colon = rule.find(':');
+  const std::size_t colon = text.find(':');
   if (colon == std::string_view::npos || colon == 0) return std::nullopt;
-  std::string number(rule.substr(0, colon));
+  std::string number(text.substr(0, colon));
   if (number.back() == '+') {
     rule.onwards = true;
     number.pop_back();
   }
   rule.command = std::atoi(number.c_str());
   if (rule.command < 1) return std::nullopt;
-  const std::string_view kind = rule.substr(colon + 1);
+  const std::string_view kind = text.substr(colon + 1);
   if (kind == "silent") rule.kind = ElzabFaultKind::kSilent;
   else if (kind == "unplug") rule.kind = ElzabFaultKind::kUnplug;
   else if (kind.starts_with("nak=")) {

@@ -24,7 +24,7 @@ struct ElzabFaultRule {
 };
 
 // "3:nak=0x08,0", "2+:silent", "4:unplug"; status bytes in decimal or 0x hex.
-std::optional<ElzabFaultRule> ParseElzabFaultRule(std::string_view rule);
+std::optional<ElzabFaultRule> ParseElzabFaultRule(std::string_view text);
 
 // CP852 text as UTF-8 for the journal: the Polish letters as themselves, other
 // bytes outside printable ASCII as \xNN.
