@@ -194,8 +194,8 @@ TEST_F(NavTest, ClosestSearchOnAnEmptyTableLandsNowhere) {
 TEST_F(NavTest, RecordNumberCountsInEveryOrdering) {
   struct Case {
     const char* secondKeyType;
-    int index;  // 0 primary, 3 the single-field index on v
-  } cases[] = {{"I", 0}, {"A5", 0}, {"I", 3}};
+    int index;  // 0 primary, 3 the single-field index on v, -1 a composite index on (v, k2)
+  } cases[] = {{"I", 0}, {"A5", 0}, {"I", 3}, {"I", -1}};
   for (const Case& c : cases) {
     SCOPED_TRACE(std::string(c.secondKeyType) + " index " + std::to_string(c.index));
     MakeTable(c.secondKeyType);
@@ -204,7 +204,14 @@ TEST_F(NavTest, RecordNumberCountsInEveryOrdering) {
     // Many rows share k1, so counting must look at the second column too.
     ASSERT_TRUE(Psql("INSERT INTO dane_nav (k1,k2,v) SELECT i/7, i%7, lpad(((i*37)%50)::text,4,'0') "
                      "FROM generate_series(0,210) i"));
-    Open(c.index);
+    int index = c.index;
+    if (index < 0) {
+      const int16_t fields[2] = {3, 2};
+      ASSERT_EQ(PGKeyMap("dane\\nav", 2, fields, "vk", index), 0);
+      const int16_t handle[1] = {static_cast<int16_t>(index)};
+      ASSERT_EQ(PGKeyAdd("dane\\nav", 1, handle, 1), 0) << PGLastOp.Str();
+    }
+    Open(index);
     ASSERT_EQ(PGRecFirst(tbl_), 0);
     std::vector<std::string> order;  // the ordering as the cursor walks it
     do order.push_back(PGTableAt(tbl_)->curValues[0]);
@@ -219,7 +226,15 @@ TEST_F(NavTest, RecordNumberCountsInEveryOrdering) {
       EXPECT_EQ(PGTableAt(tbl_)->curValues[0], order[static_cast<std::size_t>(place - 1)]);
       EXPECT_EQ(Num(), place);
     }
+    // The walk itself follows the ordering's first column.
+    std::string previous;
+    for (int16_t code = PGRecFirst(tbl_); code == 0; code = PGRecNext(tbl_)) {
+      const std::string first = PGTableAt(tbl_)->curValues[static_cast<std::size_t>(PGOrderColumns(*PGTableAt(tbl_))[0])];
+      if (c.index != 0) EXPECT_LE(previous, first);
+      previous = first;
+    }
     PGTblClose(tbl_);
+    if (index >= kPGFirstComposite) PGKeyRelease(index);
     ASSERT_TRUE(WipeDatabase());
     ASSERT_EQ(PGinitializett(), 0);
   }
@@ -352,6 +367,22 @@ TEST_F(NavTest, RowCacheRoadsAndPrefetch) {
   EXPECT_EQ(K1(), 130);
   EXPECT_EQ(PGRecNext_c(tbl_), kPGArgRange);
   EXPECT_EQ(PGRecGoto_c(tbl_, 131), kPGArgRange);
+}
+
+TEST_F(NavTest, IndexSwitchWithACacheInUseOpensTheTableAgain) {
+  MakeTable();
+  const int16_t v[1] = {3};
+  ASSERT_EQ(PGKeyAdd("dane\\nav", 1, v, 1), 0);
+  ASSERT_TRUE(Psql("INSERT INTO dane_nav (k1,k2,v) VALUES (1,1,'c'),(2,1,'a'),(3,1,'b')"));
+  Open();
+  ASSERT_EQ(PGRecFirst(tbl_), 0);
+  ASSERT_EQ(PGRecNext(tbl_), 0);  // the cache is on
+  PGTableAt(tbl_)->changedByUs = true;
+  ASSERT_EQ(PGIndexSwitch(tbl_, rec_, 3), 0);
+  EXPECT_EQ(PGTableAt(tbl_)->indexHandle, 3);
+  EXPECT_EQ(Scalar("SELECT il_zm FROM tables_list WHERE nazt='DANE_NAV' AND lp=1"), "-2147483646");
+  ASSERT_EQ(PGRecFirst(tbl_), 0);
+  EXPECT_EQ(K1(), 2);  // rec_ is the re-opened buffer
 }
 
 TEST_F(NavTest, IndexSwitchReordersAndPublishes) {
