@@ -67,11 +67,14 @@ PortIoChoice& Choice() {
   return choice;
 }
 
-// The simulated controller behind KLOTE_ELZAB_LINE; with the line missing, a controller
-// with nothing connected, so that sends time out as on a printer that is switched off.
+// The simulated controller behind KLOTE_ELZAB_LINE, sending at the programmed rate;
+// with the line missing, a controller with nothing connected, so that sends time out
+// as on a printer that is switched off.
 std::unique_ptr<PortIo> MakeSimulatedPortIo(const char* path) {
   std::unique_ptr<ByteLink> link = FdByteLink::Open(path);
-  return std::make_unique<Uart16550Model>(std::move(link));
+  auto model = std::make_unique<Uart16550Model>(std::move(link));
+  model->SetPaced(true);
+  return model;
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <chrono>
 #include <cstring>
 
 namespace {
@@ -16,6 +17,20 @@ enum Register : uint8_t { kData = 0, kIer = 1, kIir = 2, kLcr = 3, kMcr = 4, kLs
 constexpr uint8_t kDlab = 0x80;
 constexpr uint8_t kDataReady = 0x01, kThrEmpty = 0x20, kTxEmpty = 0x40;
 constexpr uint8_t kCts = 0x10;
+constexpr int64_t kClockHz = 115200;  // the controller's rate at divisor 1
+
+int64_t NowNs() {
+  using namespace std::chrono;
+  return duration_cast<nanoseconds>(steady_clock::now().time_since_epoch()).count();
+}
+
+// A write that cannot raise SIGPIPE when the simulator has gone: the link then
+// just reads as hung up.
+ssize_t WriteNoSignal(int fd, const void* bytes, size_t count) {
+  ssize_t n = ::send(fd, bytes, count, MSG_NOSIGNAL);
+  if (n < 0 && errno == ENOTSOCK) n = ::write(fd, bytes, count);
+  return n;
+}
 
 int ConnectUnixSocket(const std::string& path) {
   sockaddr_un addr{};
@@ -66,7 +81,7 @@ int FdByteLink::ReadByte() {
 bool FdByteLink::WriteByte(uint8_t b) {
   if (!Connected()) return false;
   for (int tries = 0; tries < 1000; ++tries) {
-    ssize_t n = ::write(fd_, &b, 1);
+    ssize_t n = WriteNoSignal(fd_, &b, 1);
     if (n == 1) return true;
     if (errno != EAGAIN && errno != EINTR) break;
     ::usleep(100);
@@ -112,12 +127,34 @@ uint8_t Uart16550Model::ReadRegister(uint8_t offset) {
     case kIir: return 0x01;  // no interrupt pending
     case kLcr: return lcr_;
     case kMcr: return mcr_;
-    case kLsr:
+    case kLsr: {
       PullByte();
-      return static_cast<uint8_t>((dataReady_ ? kDataReady : 0) | (txBusy_ ? 0 : kThrEmpty | kTxEmpty));
+      const bool holdingEmpty = !txBusy_ && HoldingEmpty();
+      const bool allSent = !txBusy_ && (!paced_ || NowNs() >= shiftFreeNs_);
+      return static_cast<uint8_t>((dataReady_ ? kDataReady : 0) | (holdingEmpty ? kThrEmpty : 0) |
+                                  (allSent ? kTxEmpty : 0));
+    }
     case kMsr: return (cts_ && link_ && link_->Connected()) ? kCts : 0;
     default: return scratch_;
   }
+}
+
+int64_t Uart16550Model::ByteTimeNs() const {
+  const int64_t divisor = Divisor() == 0 ? 1 : Divisor();
+  const int64_t bits = 1 + (5 + (lcr_ & 0x03)) + ((lcr_ & 0x08) ? 1 : 0) + ((lcr_ & 0x04) ? 2 : 1);
+  return bits * 1'000'000'000 * divisor / kClockHz;
+}
+
+// The holding register frees when the shift register takes its byte, that is one
+// byte time before the shift register is done.
+bool Uart16550Model::HoldingEmpty() const {
+  return !paced_ || NowNs() >= shiftFreeNs_ - ByteTimeNs();
+}
+
+void Uart16550Model::StartShift() {
+  if (!paced_) return;
+  const int64_t now = NowNs();
+  shiftFreeNs_ = (shiftFreeNs_ > now ? shiftFreeNs_ : now) + ByteTimeNs();
 }
 
 uint8_t Uart16550Model::In(uint16_t port) {
@@ -136,7 +173,10 @@ void Uart16550Model::Out(uint16_t port, uint8_t value) {
   switch (offset) {
     case kData:
       if (dlab) dll_ = value;
-      else if (link_) (void)link_->WriteByte(value);
+      else {
+        StartShift();
+        if (link_) (void)link_->WriteByte(value);
+      }
       break;
     case kIer: (dlab ? dlm_ : ier_) = value; break;
     case kIir: fcr_ = value; break;

@@ -72,6 +72,12 @@ class Uart16550Model : public PortIo {
   void SetClearToSend(bool on) { cts_ = on; }
   // Keeps the transmitter busy, so that the line status shows it not empty.
   void SetTransmitterBusy(bool busy) { txBusy_ = busy; }
+  // Paces the transmitter as the hardware does: a byte stays in the shift register
+  // for the line time of its bits at the programmed rate, and the holding register
+  // is empty again once the byte before it has moved on into the shift register.
+  void SetPaced(bool on) { paced_ = on; }
+  // Line time of one byte at the programmed divisor and line control, nanoseconds.
+  int64_t ByteTimeNs() const;
   // Records every register access from now on.
   void StartLog() { logging_ = true; log_.clear(); }
   // The accesses recorded since StartLog, in order.
@@ -81,6 +87,8 @@ class Uart16550Model : public PortIo {
   bool Granted(uint16_t port) const { return count_ > 0 && port >= base_ && port < base_ + count_; }
   void Record(bool out, uint8_t offset, uint8_t value);
   void PullByte();
+  bool HoldingEmpty() const;
+  void StartShift();
   uint8_t ReadRegister(uint8_t offset);
 
   std::unique_ptr<ByteLink> owned_;
@@ -92,6 +100,8 @@ class Uart16550Model : public PortIo {
   bool dataReady_ = false;
   bool cts_ = true;
   bool txBusy_ = false;
+  bool paced_ = false;
+  int64_t shiftFreeNs_ = 0;  // when the shift register has sent its byte (paced)
   bool logging_ = false;
   std::vector<Access> log_;
 };

@@ -1,5 +1,9 @@
 #include "server/families.h"
 
+#include "fiscal/serial.h"
+#include "server/elzab_jobs.h"
+#include "server/posnet_jobs.h"
+
 namespace {
 
 // One entry per printer family that reaches a printer; the handlers live with
@@ -7,6 +11,9 @@ namespace {
 // POSNET with 24-column receipts (the receipt handler reads the width from
 // JobRequest::family). The table ends with family 0.
 constexpr FamilyJobs kFamilyJobs[] = {
+    {1, ElzabReceipt, ElzabDailyReport, ElzabPeriodReport, ElzabDrawer, ElzabReleaseAtExit},
+    {2, PosnetReceipt, PosnetDailyReport, PosnetPeriodReport, PosnetDrawer, PosnetCloseAtExit},
+    {3, PosnetReceipt, PosnetDailyReport, PosnetPeriodReport, PosnetDrawer, PosnetCloseAtExit},
     {},
 };
 

@@ -175,7 +175,10 @@ int16_t PGinitializett() {
   return kPGOk;
 }
 
+uint64_t PGStatementCount = 0;
+
 int16_t PGExec(PGResult& out, const std::string& sql, bool wantsTuples) {
+  ++PGStatementCount;
   const ExecStatusType expected = wantsTuples ? PGRES_TUPLES_OK : PGRES_COMMAND_OK;
   out.Clear();
   if (!PGConn || PGLibRefs() == 0) return kPGNoResult;

@@ -110,6 +110,9 @@ void PGDisconnect();
 // non-empty value, in the order dbname, user, password, host, hostaddr, port.
 std::string PGKeywordString(const std::string lines[6]);
 
+// Statements sent to the server so far (one round trip each); for measurements.
+extern uint64_t PGStatementCount;
+
 // Runs one statement. Success (0) needs status "tuples" when wantsTuples,
 // else "command ok"; the result then stays in out. 40: no result at all;
 // 1002: any other status, with ":@" and the server's text added to PGLastOp.

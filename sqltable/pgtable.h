@@ -91,6 +91,9 @@ struct PGTable {
   bool cacheOn = false;
   int cacheCount = 0;
   int cachePos = 0;
+  // The rows that the next FETCH FORWARD returns follow row cursorAt; -1 when
+  // the server cursor's place is not known.
+  int32_t cursorAt = 0;
 
   // Write state.
   bool changedByUs = false;  // a change counter bump is owed
@@ -129,6 +132,9 @@ struct PGTableHooks {
   void (*closeRecordBuffersOf)(int16_t tbl) = nullptr; // after a table closes
   void (*freeAllRecordBuffers)() = nullptr;            // shutdown, mode above 0
   void (*clearLockRegister)() = nullptr;               // shutdown, mode below 2
+  // Lock kind registered for a table's SQL base name (0 none); searches and
+  // re-alignment take their own share lock only for unregistered tables.
+  int (*lockKindOf)(const ShortText& baseName) = nullptr;
 };
 PGTableHooks& PGHooks();
 

@@ -53,3 +53,28 @@ void PGUiEndProgram() {
   TermFlush();
   std::exit(0);
 }
+
+struct PGUiNotice::Saved {
+  int x = 1, y = 1;
+  unsigned char attr = kAttrNormal;
+  WindowRect window{};
+  ScreenCopyPtr copy;
+};
+
+PGUiNotice::PGUiNotice(const ShortText& text) : saved_(std::make_unique<Saved>()) {
+  saved_->x = WhereX();
+  saved_->y = WhereY();
+  saved_->attr = CurrentAttr();
+  saved_->window = CurrentWindow();
+  ScreenSave(saved_->copy);
+  (void)MessageBox(text, 2);
+  TermFlush();
+}
+
+PGUiNotice::~PGUiNotice() {
+  ScreenRestore(saved_->copy);
+  Window(saved_->window.left, saved_->window.top, saved_->window.right, saved_->window.bottom);
+  GotoXY(saved_->x, saved_->y);
+  TextAttr(saved_->attr);
+  TermFlush();
+}

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 
 #include "base/shorttext.h"
@@ -20,3 +21,17 @@ void PGUiShowBadQuery(const std::string& sql);
 [[noreturn]] void PGUiFatal(int16_t code, const ShortText& tail);
 // Ends the program after a fatal database failure (exit status 0).
 [[noreturn]] void PGUiEndProgram();
+
+// A box shown without waiting, with screen, window, cursor and attribute
+// saved; the destructor puts them back.
+class PGUiNotice {
+ public:
+  explicit PGUiNotice(const ShortText& text);
+  ~PGUiNotice();
+  PGUiNotice(const PGUiNotice&) = delete;
+  PGUiNotice& operator=(const PGUiNotice&) = delete;
+
+ private:
+  struct Saved;
+  std::unique_ptr<Saved> saved_;
+};

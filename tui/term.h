@@ -52,6 +52,12 @@ uint64_t TermBytesSent();
 void TermForgetState();
 // Puts standard input back as it was before TermInit (runs at exit by itself).
 void TermRestoreInput();
+// Gives the terminal to another program: everything written so far sent,
+// colours reset, autowrap on, input as it was before TermInit.
+void TermHandOver();
+// Takes the terminal back from another program: raw input, autowrap off, and
+// the next write states cursor and colour anew.
+void TermTakeBack();
 
 // The glyph cell of the digit or letter key-cap with index 0..25; 7 for any other index.
 unsigned char DigitCap(int index);

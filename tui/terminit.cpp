@@ -153,3 +153,17 @@ void TermForgetState() {
 void TermRestoreInput() {
   if (g_savedInput.saved) tcsetattr(STDIN_FILENO, TCSANOW, &g_savedInput.mode);
 }
+
+void TermHandOver() {
+  TermFlush();
+  tui_detail::EmitRaw("\x1b[0m\x1b[?7h", 9);
+  tui_detail::FlushBuffer();
+  TermForgetState();
+  TermRestoreInput();
+}
+
+void TermTakeBack() {
+  SetRawInput();
+  tui_detail::EmitRaw("\x1b[?7l", 5);
+  TermForgetState();
+}

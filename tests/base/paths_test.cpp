@@ -8,31 +8,20 @@
 #include <fstream>
 #include <string>
 
+#include "base/file_fixture.h"
 #include "base/filevar.h"
 
 namespace {
 
 // Runs each test in a fresh temporary directory as the current directory.
-class PathsTest : public ::testing::Test {
+class PathsTest : public file_test::ScratchDirTest {
  protected:
   void SetUp() override {
-    char pattern[] = "/tmp/klote-paths-XXXXXX";
-    ASSERT_NE(::mkdtemp(pattern), nullptr);
-    dir_ = pattern;
-    char cwd[4096];
-    ASSERT_NE(::getcwd(cwd, sizeof cwd), nullptr);
-    oldCwd_ = cwd;
-    ASSERT_EQ(::chdir(dir_.c_str()), 0);
+    file_test::ScratchDirTest::SetUp();
     ResetExchangeDirs();
   }
-  void TearDown() override {
-    ResetExchangeDirs();
-    ASSERT_EQ(::chdir(oldCwd_.c_str()), 0);
-    std::system(("rm -rf " + dir_).c_str());
-  }
+  void TearDown() override { ResetExchangeDirs(); }
   static void Touch(const std::string& path) { std::ofstream(path) << "x"; }
-
-  std::string dir_, oldCwd_;
 };
 
 TEST_F(PathsTest, FileNameKeepsTheCaseFoundOnDisk) {

@@ -9,30 +9,18 @@
 #include <set>
 #include <string>
 
+#include "base/file_fixture.h"
+
 namespace {
 
-class PlatformTest : public ::testing::Test {
+class PlatformTest : public file_test::ScratchDirTest {
  protected:
-  void SetUp() override {
-    char pattern[] = "/tmp/klote-platform-XXXXXX";
-    ASSERT_NE(::mkdtemp(pattern), nullptr);
-    dir_ = pattern;
-    char cwd[4096];
-    ASSERT_NE(::getcwd(cwd, sizeof cwd), nullptr);
-    oldCwd_ = cwd;
-    ASSERT_EQ(::chdir(dir_.c_str()), 0);
-  }
-  void TearDown() override {
-    ASSERT_EQ(::chdir(oldCwd_.c_str()), 0);
-    std::system(("rm -rf " + dir_).c_str());
-  }
   static std::set<std::string> FindAll(const char* path, uint8_t mask) {
     std::set<std::string> names;
     FileSearch s;
     for (bool found = s.First(path, mask); found; found = s.Next()) names.insert(s.Found().name.Str());
     return names;
   }
-  std::string dir_, oldCwd_;
 };
 
 TEST_F(PlatformTest, SearchMatchesPlainFilesAndWhatTheMaskAsksFor) {

@@ -16,41 +16,47 @@ std::vector<std::string> ReadLines(const std::string& path) {
   return lines;
 }
 
+int SpawnSimulator(std::vector<std::string> argv, std::string& firstLine) {
+  int out[2];
+  if (pipe(out) != 0) return -1;
+  const int pid = fork();
+  if (pid == 0) {
+    dup2(out[1], 1);
+    close(out[0]);
+    close(out[1]);
+    std::vector<char*> args;
+    for (auto& a : argv) args.push_back(a.data());
+    args.push_back(nullptr);
+    execv(args[0], args.data());
+    _exit(127);
+  }
+  close(out[1]);
+  char c;
+  while (pid > 0 && read(out[0], &c, 1) == 1 && c != '\n') firstLine += c;
+  close(out[0]);
+  return pid;
+}
+
+void StopSimulator(int pid, const std::string& folder, const std::vector<std::string>& files) {
+  if (pid > 0) {
+    kill(pid, SIGTERM);
+    waitpid(pid, nullptr, 0);
+  }
+  if (folder.empty()) return;
+  for (const std::string& f : files) unlink((folder + "/" + f).c_str());
+  rmdir(folder.c_str());
+}
+
 SimProcess::SimProcess(std::vector<std::string> args) {
   char tmpl[] = "/tmp/posnet-sim-XXXXXX";
   if (!mkdtemp(tmpl)) return;
   dir_ = tmpl;
   args.insert(args.begin(), {POSNET_SIM_PATH, "--journal",
                              dir_ + "/journal", "--trace", dir_ + "/trace"});
-  int out[2];
-  if (pipe(out) != 0) return;
-  pid_ = fork();
-  if (pid_ == 0) {
-    dup2(out[1], 1);
-    close(out[0]);
-    close(out[1]);
-    std::vector<char*> argv;
-    for (auto& a : args) argv.push_back(a.data());
-    argv.push_back(nullptr);
-    execv(argv[0], argv.data());
-    _exit(127);
-  }
-  close(out[1]);
-  char c;
-  while (read(out[0], &c, 1) == 1 && c != '\n') slave_ += c;
-  close(out[0]);
+  pid_ = SpawnSimulator(std::move(args), slave_);
 }
 
-SimProcess::~SimProcess() {
-  if (pid_ > 0) {
-    kill(pid_, SIGTERM);
-    waitpid(pid_, nullptr, 0);
-  }
-  if (!dir_.empty()) {
-    for (const char* f : {"/journal", "/trace", "/link"}) unlink((dir_ + f).c_str());
-    rmdir(dir_.c_str());
-  }
-}
+SimProcess::~SimProcess() { StopSimulator(pid_, dir_, {"journal", "trace", "link"}); }
 
 std::vector<std::string> SimProcess::Journal() const { return ReadLines(dir_ + "/journal"); }
 std::vector<std::string> SimProcess::Trace() const { return ReadLines(dir_ + "/trace"); }

@@ -27,3 +27,9 @@ class SimProcess {
 
 // Lines of a text file (empty when it is missing).
 std::vector<std::string> ReadLines(const std::string& path);
+// Starts a simulator program (argv[0] its path) with its standard output on a pipe and
+// reads its first output line into firstLine; gives its process id, or -1.
+int SpawnSimulator(std::vector<std::string> argv, std::string& firstLine);
+// Ends a simulator started by SpawnSimulator (pid -1: none) and removes its folder
+// with the named files in it.
+void StopSimulator(int pid, const std::string& folder, const std::vector<std::string>& files);

@@ -1,0 +1,221 @@
+#include "base/filenames.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "base/file_fixture.h"
+#include "base/mazovia.h"
+
+namespace {
+
+using file_test::Exists;
+using file_test::ReadBytes;
+using file_test::WriteBytes;
+
+// Sets or removes an environment variable for one test and puts it back after.
+class EnvGuard {
+ public:
+  explicit EnvGuard(const char* name) : name_(name) {
+    if (const char* v = std::getenv(name)) {
+      had_ = true;
+      old_ = v;
+    }
+  }
+  ~EnvGuard() {
+    if (had_) setenv(name_, old_.c_str(), 1);
+    else unsetenv(name_);
+  }
+  void Set(const char* value) {
+    if (value) setenv(name_, value, 1);
+    else unsetenv(name_);
+  }
+
+ private:
+  const char* name_;
+  bool had_ = false;
+  std::string old_;
+};
+
+class FileNamesTest : public file_test::ScratchDirTest {
+ protected:
+  EnvGuard temp_{"TEMP"}, tmp_{"TMP"}, path_{"PATH"};
+  std::string Cwd() {
+    char cwd[4096];
+    return ::getcwd(cwd, sizeof cwd) ? cwd : "";
+  }
+};
+
+TEST_F(FileNamesTest, TempDirTakesTempThenTmpThenTheCurrentDirectoryAndEndsInSlash) {
+  struct Case {
+    const char* temp;
+    const char* tmp;
+    const char* dir;
+  } cases[] = {
+      {"/var/tmp", "/x", "/var/tmp/"}, {"/var/tmp/", nullptr, "/var/tmp/"}, {"", "/x", "/x/"},
+      {nullptr, "tmp", "tmp/"},        {nullptr, nullptr, "./"},            {"", "", "./"},
+  };
+  for (const Case& c : cases) {
+    temp_.Set(c.temp);
+    tmp_.Set(c.tmp);
+    EXPECT_EQ(TempDir(), c.dir);
+  }
+}
+
+bool IsTempFileName(const std::string& name) {
+  if (name.size() != 12 || name.compare(0, 4, "rfls") != 0 || name.compare(8, 4, ".tmp") != 0) return false;
+  for (int i = 4; i < 8; ++i)
+    if (!std::isdigit(static_cast<unsigned char>(name[i])) && !std::islower(static_cast<unsigned char>(name[i])))
+      return false;
+  return true;
+}
+
+TEST_F(FileNamesTest, TempNamesAreNewEmptyFilesNeverGivenTwice) {
+  ::mkdir("tymczas", 0777);
+  temp_.Set("tymczas");
+  std::set<std::string> names;
+  for (int i = 0; i < 500; ++i) {
+    const std::string name = TempName().Str();
+    ASSERT_EQ(name.substr(0, 8), "tymczas/");
+    EXPECT_TRUE(IsTempFileName(name.substr(8))) << name;
+    EXPECT_TRUE(Exists(name));
+    EXPECT_EQ(ReadBytes(name), "");
+    names.insert(name);
+  }
+  EXPECT_EQ(names.size(), 500u);
+  // A missing directory gives no name; an empty one means the current directory.
+  EXPECT_EQ(TempNameIn("nie_ma_katalogu"), "");
+  EXPECT_EQ(TempNameIn("").Str().substr(0, 4), "rfls");
+}
+
+TEST_F(FileNamesTest, TempNamesOfProcessesWorkingTogetherDoNotMeet) {
+  ::mkdir("wspolny", 0777);
+  constexpr int kChildren = 4, kEach = 150;
+  std::vector<pid_t> children;
+  for (int c = 0; c < kChildren; ++c) {
+    const pid_t pid = ::fork();
+    if (pid == 0) {
+      std::string all;
+      for (int i = 0; i < kEach; ++i) all += TempNameIn("wspolny").Str() + "\n";
+      WriteBytes("lista" + std::to_string(c), all);
+      std::_Exit(0);
+    }
+    children.push_back(pid);
+  }
+  for (pid_t pid : children) {
+    int status = 0;
+    ::waitpid(pid, &status, 0);
+  }
+  std::set<std::string> names;
+  for (int c = 0; c < kChildren; ++c) {
+    std::string list = ReadBytes("lista" + std::to_string(c));
+    for (size_t from = 0, to; (to = list.find('\n', from)) != std::string::npos; from = to + 1) {
+      EXPECT_NE(to, from) << "a child got no name";
+      names.insert(list.substr(from, to - from));
+    }
+  }
+  EXPECT_EQ(names.size(), static_cast<size_t>(kChildren * kEach));
+}
+
+TEST(TempTableNameTest, NamesAreDbAndCapitalsAndNeverRepeat) {
+  std::set<std::string> names;
+  for (int i = 0; i < 1000; ++i) {
+    const std::string name = TempTableName().Str();
+    ASSERT_GE(name.size(), 3u);
+    EXPECT_LE(name.size(), 20u);
+    EXPECT_EQ(name.substr(0, 2), "DB");
+    for (char c : name.substr(2)) EXPECT_TRUE(c >= 'A' && c <= 'Z') << name;
+    names.insert(name);
+  }
+  EXPECT_EQ(names.size(), 1000u);
+}
+
+TEST_F(FileNamesTest, FindOnPathWalksTheDirectoriesInOrder) {
+  ::mkdir("bin1", 0777);
+  ::mkdir("sub", 0777);
+  ::mkdir("sub/bin2", 0777);
+  ::mkdir("sub/bin2/katalog", 0777);
+  WriteBytes("bin1/narzedzie", "1");
+  WriteBytes("sub/bin2/narzedzie", "2");
+  WriteBytes("sub/bin2/drugie", "3");
+  WriteBytes("tutaj", "4");
+  ::mkdir("bin1/katalog", 0777);
+  const std::string cwd = Cwd();
+  struct Case {
+    const char* path;
+    const char* name;
+    std::string found;
+  } cases[] = {
+      {"bin1:sub/bin2", "narzedzie", cwd + "/bin1/narzedzie"},
+      {"/nie/ma;sub/x/../bin2:bin1", "narzedzie", cwd + "/sub/bin2/narzedzie"},
+      {"bin1;./sub//bin2/", "drugie", cwd + "/sub/bin2/drugie"},
+      {"bin1:sub/bin2", "katalog", ""},  // a directory is no find
+      {"bin1:sub/bin2", "brak", ""},
+      {":bin1", "tutaj", cwd + "/tutaj"},  // an empty entry is the current directory
+      {"bin1", "tutaj", ""},
+      {"bin1", "sub/../sub/bin2/drugie", cwd + "/sub/bin2/drugie"},  // with a '/': as it stands
+      {"", "narzedzie", ""},
+      {"bin1", "", ""},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(std::string(c.path) + " " + c.name);
+    path_.Set(c.path);
+    ShortText out = "stare";
+    EXPECT_EQ(FindOnPath(c.name, out), !c.found.empty());
+    EXPECT_EQ(out.Str(), c.found);
+  }
+  path_.Set(nullptr);
+  ShortText out;
+  EXPECT_FALSE(FindOnPath("narzedzie", out));
+}
+
+TEST(ShortNameTest, EightCharactersAndACheckCharacter) {
+  struct Case {
+    ShortText text;
+    const char* name;
+  } cases[] = {
+      {"", "________!"},            // XOR 0 moves up to '!'
+      {"a", "A_______A"},           // check 'A' taken as it is
+      {"abc", "ABC_____@"},         // 'A'^'B'^'C' = '@'
+      {"ab", "AB______!"},          // 3 moves up to '!'
+      {"a ", "A_______{"},          // 'a' (0x61) moves up past the small letters to '{'
+      {"[", "________^"},           // '[', '\' and ']' are not allowed: '^'
+      {"\x7F", "________!"},        // past 126 wraps to '!'
+      {"a b.c", "A_B_C___N"},       // blank and dot become '_'
+      {"źółw"_mz, "ZOLW____!"},     // Polish letters made plain capitals first
+      {"abcdefghij", "ABCDEFGH!"},  // cut to 8, check over all ten
+      {"~}{", "~}{_____{"},  // 0x78 moves up to '{'
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    EXPECT_EQ(ShortName(c.text), c.name);
+  }
+}
+
+TEST(SafeKeyTest, TenToTwentyLettersDigitsAndUnderscores) {
+  struct Case {
+    ShortText text;
+    const char* key;
+  } cases[] = {
+      {"", "__________"},
+      {"abc", "abc_______"},
+      {"Magazyn 1-2", "Magazyn_1_2"},
+      {"łódź"_mz, "__d_______"},
+      {"abcdefghijklmnopqrst", "abcdefghijklmnopqrst"},
+      {ShortText(std::string(21, 'a')), "aaaaaaaaaaaaaaaaaa97"},  // odd count: XOR 'a' = 97
+      {ShortText(std::string(22, 'b')), "bbbbbbbbbbbbbbbbbbb0"},
+      {"dane\\12\\naglowki_magazyn", "dane_12_naglowki_m43"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.key);
+    EXPECT_EQ(SafeKey(c.text), c.key);
+  }
+}
+
+}  // namespace

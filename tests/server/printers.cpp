@@ -1,0 +1,98 @@
+#include "printers.h"
+
+#include <stdlib.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <sstream>
+
+#include "base/codepage.h"
+#include "base/filevar.h"
+#include "base/jobfile.h"
+
+namespace {
+
+// A job of 50 ELZAB lines takes about 10 s at the line's pace.
+constexpr int kResultWaitMs = 30000;
+
+std::vector<std::string> Lines(const std::string& text) {
+  std::vector<std::string> lines;
+  std::istringstream in(text);
+  for (std::string line; std::getline(in, line);) lines.push_back(line);
+  return lines;
+}
+
+}  // namespace
+
+std::string Maz(const std::string& utf8) { return Utf8ToMaz(ShortText(utf8)).Str(); }
+
+void PrintersTest::Start(std::vector<std::string> elzabArgs, std::vector<std::string> posnetArgs,
+                         bool elzabOnTerminal) {
+  ::mkdir((dir_ / "jobs").c_str(), 0777);
+  elzab_ = std::make_unique<ElzabSimProcess>(std::move(elzabArgs), elzabOnTerminal);
+  posnet_ = std::make_unique<SimProcess>(std::move(posnetArgs));
+  ASSERT_FALSE(elzab_->Line().empty());
+  ASSERT_FALSE(posnet_->Slave().empty());
+  // POSNET port 1 opens <prefix>0.
+  ASSERT_EQ(::symlink(posnet_->Slave().c_str(), (dir_ / "tty0").c_str()), 0);
+  ::setenv("KLOTE_SERIAL_PREFIX", (dir_ / "tty").c_str(), 1);
+  ::setenv("KLOTE_ELZAB_LINE", elzab_->Line().c_str(), 1);
+  WriteFileText(dir_ / "fisk.cfg",
+                "1,1,\"jobs\\e\",,1\n"
+                "2,1,\"jobs\\p\",,1\n"
+                "3,1,\"jobs\\q\",PARAGON_FISKALNY,0\n"
+                "1,1,\"jobs\\f\",,0\n"
+                "1,5,\"jobs\\g\",,1\n");
+  server_ = std::make_unique<ServerProcess>(dir_, ServerRun{{"fisk.cfg", "5", "fisk.log", "x"}});
+  ASSERT_TRUE(WaitUntil([&] { return ReadFileText(dir_ / "fisk.log").find("SKONFIGUROWANO 5") != std::string::npos; },
+                        5000));
+}
+
+void PrintersTest::TearDown() {
+  server_.reset();
+  ::unsetenv("KLOTE_SERIAL_PREFIX");
+  ::unsetenv("KLOTE_ELZAB_LINE");
+}
+
+void PrintersTest::Publish(char row, const std::string& word, const std::vector<std::string>& records) {
+  const std::string aside = dir_ / "writing";
+  FileVar f;
+  f.BindUnixPath(ShortText(aside));
+  ASSERT_EQ(f.Rewrite(), 0);
+  ASSERT_EQ(WriteJobRecord(f, ShortText("\x1b" + word)), 0);
+  for (const std::string& r : records) ASSERT_EQ(WriteJobRecord(f, Utf8ToMaz(ShortText(r))), 0);
+  ASSERT_EQ(WriteJobRecord(f, kJobKeywordEnd), 0);
+  ASSERT_EQ(f.Close(), 0);
+  ASSERT_EQ(::rename(aside.c_str(), (dir_ / "jobs/" + std::string(1, row)).c_str()), 0);
+}
+
+std::vector<std::string> PrintersTest::LogLines() const { return Lines(ReadFileText(dir_ / "fisk.log")); }
+
+bool PrintersTest::JobExists(char row) const { return PathExists(dir_ / "jobs/" + std::string(1, row)); }
+
+std::string PrintersTest::Run(char row, const std::string& word, const std::vector<std::string>& records) {
+  Publish(row, word, records);
+  // The first three log lines are the start-up's; each job adds one.
+  const std::size_t want = 3 + static_cast<std::size_t>(++results_);
+  if (!WaitUntil([&] { return LogLines().size() >= want && !JobExists(row); }, kResultWaitMs)) return "(no result)";
+  const std::string line = LogLines()[want - 1];
+  return line.size() > 9 ? line.substr(9) : line;  // "HH:MM:SS " first
+}
+
+// The stamp's shape: "#" stands for a digit or a blank, "9" for a digit.
+bool IsFailureStamp(const std::string& tail) {
+  const std::string shape = " nie wyk.zad. ##-##-9999 ##:##:##";
+  if (tail.size() != shape.size()) return false;
+  for (std::size_t i = 0; i < shape.size(); ++i) {
+    const bool digit = tail[i] >= '0' && tail[i] <= '9';
+    if (shape[i] == '9' ? !digit : shape[i] == '#' ? !(digit || tail[i] == ' ') : tail[i] != shape[i]) return false;
+  }
+  return true;
+}
+
+::testing::AssertionResult EndsInFailureStamp(const std::string& line, const std::string& text) {
+  if (line.rfind(text, 0) != 0) return ::testing::AssertionFailure() << "\"" << line << "\" does not start with \"" << text << "\"";
+  if (!IsFailureStamp(line.substr(text.size())))
+    return ::testing::AssertionFailure() << "\"" << line << "\" has no failure stamp behind \"" << text << "\"";
+  return ::testing::AssertionSuccess();
+}

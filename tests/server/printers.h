@@ -1,0 +1,52 @@
+// The real fisksrv in polling mode with both printer simulators: elzab-sim
+// behind the simulated ELZAB controller (a Unix socket) and posnet-sim on a
+// pseudo-terminal. Rows: "jobs\e" ELZAB with a drawer, "jobs\p" POSNET 40
+// columns with a drawer, "jobs\q" POSNET 24 columns of old firmware without a
+// drawer, "jobs\f" ELZAB without a drawer, "jobs\g" ELZAB on port 5, which has
+// no controller.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "elzab_sim_process.h"
+#include "harness.h"
+#include "sim_process.h"
+
+// A UTF-8 text as the Mazovia bytes the programs hold and POSNET receives.
+std::string Maz(const std::string& utf8);
+
+class PrintersTest : public ::testing::Test {
+ protected:
+  // Starts both simulators (with their extra arguments) and the server with a log;
+  // the ELZAB line is a Unix socket, or a pseudo-terminal with elzabOnTerminal.
+  void Start(std::vector<std::string> elzabArgs = {}, std::vector<std::string> posnetArgs = {},
+             bool elzabOnTerminal = false);
+  void TearDown() override;
+
+  // Publishes a job in the row's file at once (written aside, then renamed):
+  // the keyword's word, then the records given in UTF-8.
+  void Publish(char row, const std::string& word, const std::vector<std::string>& records);
+  // Publishes the job and waits for its result line; gives the line without the time.
+  std::string Run(char row, const std::string& word, const std::vector<std::string>& records = {});
+  // The log's lines so far, and whether the row's job file exists.
+  std::vector<std::string> LogLines() const;
+  bool JobExists(char row) const;
+
+  std::vector<std::string> ElzabJournal() const { return elzab_->Journal(); }
+  std::vector<std::string> ElzabTrace() const { return elzab_->Trace(); }
+  std::vector<std::string> PosnetJournal() const { return posnet_->Journal(); }
+  std::vector<std::string> PosnetTrace() const { return posnet_->Trace(); }
+
+  TempDir dir_;
+  std::unique_ptr<ElzabSimProcess> elzab_;
+  std::unique_ptr<SimProcess> posnet_;
+  std::unique_ptr<ServerProcess> server_;
+  int results_ = 0;
+};
+
+// The result line of a failure ends in the stamp " nie wyk.zad. DD-MM-YYYY HH:MM:SS".
+::testing::AssertionResult EndsInFailureStamp(const std::string& line, const std::string& text);

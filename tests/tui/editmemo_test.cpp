@@ -1,0 +1,173 @@
+#include "tui/editmemo.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <fstream>
+#include <sstream>
+
+#include "form_fixture.h"
+#include "tui/askvalue.h"
+
+namespace {
+
+using namespace form_test;
+
+constexpr KeyPair kCtrlBackspace{127, 14};
+const MemoWindow kWindow{10, 5, 40, 8};  // three rows of text, the keys on row 8
+
+std::string ReadAll(const std::string& path) {
+  std::ifstream in(path);
+  std::stringstream s;
+  s << in.rdbuf();
+  return s.str();
+}
+
+class EditMemoTest : public form_test::FormTest {
+ protected:
+  void TearDown() override {
+    if (!path_.empty()) std::remove(path_.c_str());
+    std::remove((path_ + ".$$$").c_str());
+    FormTest::TearDown();
+  }
+  std::string TempFile(const std::string& content) {
+    char name[] = "/tmp/memoXXXXXX";
+    int fd = mkstemp(name);
+    close(fd);
+    path_ = name;
+    std::ofstream(path_) << content;
+    return path_;
+  }
+  std::string path_;
+};
+
+TEST_F(EditMemoTest, EditsLinesAndConfirmsWithF10) {
+  std::string block = "jeden\ndwa\n";
+  Play({Keys("X", {keys::kDown, kCtrlBackspace}), Keys("trzy", {keys::kTab}), Keys("cztery", {keys::F(10)})});
+  EXPECT_TRUE(EditMemo(block, kWindow, false));
+  EXPECT_EQ(block, "jedenX\ntrzycztery\n") << "Tab on the last line stays there";
+  const Snapshot& s = Seen().at(0);
+  EXPECT_EQ(s.Cells(5, 10, 6), "jeden ");
+  EXPECT_EQ(s.Cells(6, 10, 4), "dwa ");
+  EXPECT_EQ(s.Cells(8, 10, 31), "╪╓ü - przemieszczanie kursora ╫"_mz.Str());
+  EXPECT_EQ(s.Attr(10, 5), 0x1F);
+  EXPECT_EQ(s.Attr(10, 8), 0x47);
+  EXPECT_EQ(s.x, 6);  // the cursor after "jeden", in the window
+}
+
+TEST_F(EditMemoTest, EscLeavesTheTextAsItWas) {
+  for (int i = 0; i < 2; ++i) {
+    std::string block = "jeden\ndwa\n";
+    Play({Keys("zmiana", {keys::kDown, keys::kEsc})});
+    EXPECT_FALSE(EditMemo(block, kWindow, false));
+    EXPECT_EQ(block, "jeden\ndwa\n");
+  }
+}
+
+TEST_F(EditMemoTest, EnterOnTheLastLineAddsOneAndTheWindowScrolls) {
+  std::string block;
+  Play({Keys("a", {keys::kEnter}), Keys("b", {keys::kEnter}), Keys("c", {keys::kEnter}), Keys("d", {keys::F(10)})});
+  EXPECT_TRUE(EditMemo(block, kWindow, false));
+  EXPECT_EQ(block, "a\nb\nc\nd\n");
+  EXPECT_EQ(Seen().back().Cells(5, 10, 1), "b");
+  EXPECT_EQ(Seen().back().Cells(6, 10, 1), "c");
+  EXPECT_EQ(Seen().back().Cells(7, 10, 1), " ");
+}
+
+TEST_F(EditMemoTest, ReadOnlyShowsAndScrollsUntilEsc) {
+  std::string block = "1\n2\n3\n4\n5\n6\n";
+  Play({{keys::kDown, keys::kDown}, {keys::kEnd}, {keys::kHome}, Keys("x", {keys::F(10), keys::kEsc})});
+  EXPECT_FALSE(EditMemo(block, kWindow, true));
+  EXPECT_EQ(block, "1\n2\n3\n4\n5\n6\n");
+  EXPECT_EQ(Seen().at(0).Cells(8, 10, 13), "╤╥û - koniec "_mz.Str());
+  EXPECT_EQ(Seen().at(0).Cells(5, 10, 1), "1");
+  EXPECT_EQ(Seen().at(1).Cells(5, 10, 1), "3");
+  EXPECT_EQ(Seen().at(2).Cells(7, 10, 1), "6");
+  EXPECT_EQ(Seen().at(3).Cells(5, 10, 1), "1");
+}
+
+TEST_F(EditMemoTest, FileIsWrittenBackOnlyOnF10AndLongLinesKeepTheirTail) {
+  std::string longLine(100, 'q');
+  std::string path = TempFile("pierwsza\n" + longLine + "\n");
+  Play({{keys::kDown, keys::kDown, keys::kEsc}});
+  EXPECT_FALSE(EditMemo(ShortText(path.c_str()), kWindow, false));
+  EXPECT_EQ(ReadAll(path), "pierwsza\n" + longLine + "\n");
+  Play({Keys("!", {keys::kDown, keys::kDown, keys::F(10)})});
+  EXPECT_TRUE(EditMemo(ShortText(path.c_str()), kWindow, false));
+  EXPECT_EQ(ReadAll(path), "pierwsza!\n" + longLine + "\n");
+  std::remove(path.c_str());
+  Play({Keys("nowa", {keys::F(10)})});
+  EXPECT_TRUE(EditMemo(ShortText(path.c_str()), kWindow, false));
+  EXPECT_EQ(ReadAll(path), "nowa\n");
+}
+
+TEST_F(EditMemoTest, ScreenWindowAttributeAndCursorAsFound) {
+  Window(2, 2, 70, 20);
+  GotoXY(3, 4);
+  TextAttr(0x2A);
+  Snapshot before = Capture();
+  std::string block = "a\n";
+  Play({Keys("b", {keys::F(10)})});
+  EXPECT_TRUE(EditMemo(block, kWindow, false));
+  EXPECT_TRUE(Capture() == before);
+}
+
+// AskValue.
+
+class AskValueTest : public form_test::FormTest {
+ protected:
+  static bool SeenText(const Snapshot& s, std::string_view text) {
+    for (int r = 1; r <= 25; ++r)
+      if (s.rows[r].Pos(text) > 0) return true;
+    return false;
+  }
+};
+
+TEST_F(AskValueTest, OneFieldEnterAndEsc) {
+  ShortText value("AB");
+  Play({Keys("c", {keys::kEnter})});
+  EXPECT_TRUE(AskValue(ShortText("Podaj kod:"), value, 10, 8, ShortText("Kod to litery."), ShortText()));
+  EXPECT_EQ(value, ShortText("ABC"));
+  const Snapshot& s = Seen().at(0);
+  // Three lines of 10: columns 35..46, rows 11..15; the field on the last line.
+  EXPECT_EQ(s.Cells(12, 35, 11), "\xB3Podaj kod:");
+  EXPECT_EQ(s.Cells(13, 36, 10), "╫à - pomoc"_mz.Str());
+  EXPECT_EQ(s.Cells(14, 36, 11), "AB        \xBA");
+  EXPECT_EQ(s.Attr(36, 14), 0x70);
+  EXPECT_EQ(s.x, 4);  // after "AB", in the box
+  Play({Keys("xyz", {keys::kEsc})});
+  Snapshot before = Capture();
+  EXPECT_FALSE(AskValue(ShortText("Podaj kod:"), value, 10, 8, ShortText(), ShortText()));
+  EXPECT_EQ(value, ShortText("ABC"));
+  EXPECT_TRUE(Capture() == before);
+}
+
+TEST_F(AskValueTest, F1PicksAnExampleOrShowsTheHelp) {
+  ShortText value;
+  Play({{keys::F(1)}, Keys("3"), {keys::kEnter}});
+  EXPECT_TRUE(AskValue(ShortText("Wzorzec:"), value, 20, 1, ShortText("Pomoc"), ShortText("Jeden,Dwa,\"Trzy, cztery\"")));
+  EXPECT_EQ(value, ShortText("Trzy, cztery"));
+  EXPECT_TRUE(SeenText(Seen().at(0), "╫à - lista przykładowych wartości"_mz.View()));
+  EXPECT_TRUE(SeenText(Seen().at(1), "Lista przykładowych wartości:"_mz.View()));
+  EXPECT_TRUE(SeenText(Seen().at(1), "\xCF\x88 Trzy, cztery"));
+  Play({{keys::F(1)}, {keys::kEnter}, Keys("x", {keys::kEnter})});
+  EXPECT_TRUE(AskValue(ShortText("Wzorzec:"), value, 20, 1, ShortText("Tekst pomocy"), ShortText()));
+  EXPECT_TRUE(SeenText(Seen().at(1), "Tekst pomocy"));
+  EXPECT_EQ(value, ShortText("Trzy, czteryx"));
+}
+
+TEST_F(AskValueTest, TwoFieldsFromAndTo) {
+  ShortText from("1"), to("9");
+  Play({Keys("0", {keys::kEnter}), Keys("5", {keys::kUp}), Keys("2", {keys::kTab}), {keys::kEnter}});
+  EXPECT_TRUE(AskValueRange(ShortText("Zakres:"), from, to, 6, 3, ShortText(), ShortText()));
+  EXPECT_EQ(from, ShortText("102"));
+  EXPECT_EQ(to, ShortText("95"));
+  EXPECT_TRUE(SeenText(Seen().at(0), "od: 1     "));
+  EXPECT_TRUE(SeenText(Seen().at(0), "do: 9     "));
+  Play({Keys("7", {keys::kDown, keys::kEsc})});
+  EXPECT_FALSE(AskValueRange(ShortText("Zakres:"), from, to, 6, 3, ShortText(), ShortText()));
+  EXPECT_EQ(from, ShortText("102"));
+}
+
+}  // namespace

@@ -1,0 +1,71 @@
+#include "form_fixture.h"
+
+#include <unistd.h>
+
+#include "tui/keydecode.h"
+
+namespace form_test {
+
+namespace {
+
+Script g_script;
+std::size_t g_next = 0;
+
+void NextStep() {
+  g_script.seen.push_back(Capture());
+  if (g_next >= g_script.steps.size()) {
+    SetKeyIdleHook(nullptr);
+    return;
+  }
+  for (KeyPair k : g_script.steps[g_next++]) (void)PushKey(k.ch, k.scan);
+}
+
+}  // namespace
+
+Snapshot Capture() {
+  Snapshot s;
+  for (int r = 1; r <= 25; ++r) {
+    s.rows[r] = RowText(r);
+    s.attrs[r] = RowAttrs(r);
+  }
+  s.window = CurrentWindow();
+  s.x = WhereX();
+  s.y = WhereY();
+  s.attr = CurrentAttr();
+  return s;
+}
+
+void Play(std::vector<std::vector<KeyPair>> steps) {
+  g_script = Script{std::move(steps), {}};
+  g_next = 0;
+  SetKeyIdleHook(NextStep);
+}
+
+const std::vector<Snapshot>& Seen() { return g_script.seen; }
+
+std::vector<KeyPair> Typed(const std::string& text) {
+  std::vector<KeyPair> keys;
+  for (unsigned char c : text) keys.push_back(KeyOfByte(c));
+  return keys;
+}
+
+std::vector<KeyPair> Keys(const std::string& text, std::vector<KeyPair> after) {
+  std::vector<KeyPair> keys = Typed(text);
+  keys.insert(keys.end(), after.begin(), after.end());
+  return keys;
+}
+
+void FormTest::SetUp() {
+  TuiTest::SetUp();
+  tui_test::InitTerminal("linux");  // special font: the bytes on the screen stay as drawn
+  ClipboardSet(ShortText());
+}
+
+void FormTest::TearDown() {
+  SetKeyIdleHook(nullptr);
+  KeyboardReset();
+  TuiTest::TearDown();
+  TermInputFromFd(STDIN_FILENO);  // later tests in this process read the terminal again
+}
+
+}  // namespace form_test

@@ -1,0 +1,55 @@
+// Key scripts for lists and forms: keys are given in steps; whenever the
+// program wants a key and the buffer is empty, the screen is captured and
+// the next step's keys are pushed. After the last step the input ends (Esc).
+#pragma once
+
+#include <array>
+#include <string>
+#include <vector>
+
+#include "base/mazovia.h"
+#include "tui_fixture.h"
+
+namespace form_test {
+
+// Both shadows, the window, the cursor and the attribute.
+struct Snapshot {
+  std::array<ShortText, 26> rows, attrs;
+  WindowRect window;
+  int x = 0, y = 0;
+  unsigned char attr = 0;
+  bool operator==(const Snapshot& o) const {
+    return rows == o.rows && attrs == o.attrs && window.left == o.window.left && window.top == o.window.top &&
+           window.right == o.window.right && window.bottom == o.window.bottom && x == o.x && y == o.y &&
+           attr == o.attr;
+  }
+  // count cells of a row from column first.
+  std::string Cells(int row, int first, int count) const {
+    return std::string(rows[row].View().substr(first - 1, count));
+  }
+  unsigned char Attr(int col, int row) const { return attrs[row].At(col); }
+};
+
+Snapshot Capture();
+
+// Steps of keys; seen[i] is the screen before step i was pushed.
+struct Script {
+  std::vector<std::vector<KeyPair>> steps;
+  std::vector<Snapshot> seen;
+};
+
+// Runs the script through the key buffer's idle hook.
+void Play(std::vector<std::vector<KeyPair>> steps);
+const std::vector<Snapshot>& Seen();
+// The keys of typed ASCII text.
+std::vector<KeyPair> Typed(const std::string& text);
+// A step of typed text followed by keys.
+std::vector<KeyPair> Keys(const std::string& text, std::vector<KeyPair> after = {});
+
+class FormTest : public tui_test::TuiTest {
+ protected:
+  void SetUp() override;
+  void TearDown() override;
+};
+
+}  // namespace form_test
