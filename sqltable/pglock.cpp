@@ -8,8 +8,6 @@
 #include "sqltable/pgtable.h"
 #include "sqltable/pgui.h"
 #include "tui/msgbox.h"
-#include "tui/screen.h"
-#include "tui/term.h"
 
 namespace {
 
@@ -21,11 +19,12 @@ struct LockEntry {
 
 std::array<LockEntry, kPGLockSlots> gRegister;
 
-// Shutdown of the layer empties the register too.
-void HookShutdown() {
+// Shutdown of the layer empties the register, and searches consult it.
+void InstallHooks() {
   static bool hooked = false;
   if (hooked) return;
   PGHooks().clearLockRegister = PGLockClearAll;
+  PGHooks().lockKindOf = PGLockKind;
   hooked = true;
 }
 
@@ -50,30 +49,6 @@ void WarnAlreadyLocked(const ShortText& name, int kind) {
   (void)MessageBox(text, 0);
 }
 
-// The screen, window, cursor and attribute as they were before a message
-// that does not wait; restored when this goes out of scope.
-class ScreenState {
- public:
-  ScreenState() : window_(CurrentWindow()), x_(WhereX()), y_(WhereY()), attr_(CurrentAttr()) {
-    ScreenSave(copy_);
-  }
-  ~ScreenState() {
-    ScreenRestore(copy_);
-    Window(window_.left, window_.top, window_.right, window_.bottom);
-    GotoXY(x_, y_);
-    TextAttr(attr_);
-    TermFlush();
-  }
-  ScreenState(const ScreenState&) = delete;
-  ScreenState& operator=(const ScreenState&) = delete;
-
- private:
-  ScreenCopyPtr copy_;
-  WindowRect window_;
-  int x_, y_;
-  unsigned char attr_;
-};
-
 }  // namespace
 
 int PGLockKind(const ShortText& name) {
@@ -83,7 +58,7 @@ int PGLockKind(const ShortText& name) {
 }
 
 void PGLockRegister(const ShortText& name, int kind) {
-  HookShutdown();
+  InstallHooks();
   const ShortText sqlName = PGSqlName(name);
   if (const LockEntry* e = FindEntry(sqlName)) WarnAlreadyLocked(name, e->kind);
   for (LockEntry& e : gRegister) {
@@ -111,9 +86,7 @@ int PGLockCount() {
 
 int16_t PGRunUnderMessage(const ShortText& text, const std::string& sql, bool wantsTuples, PGResult& res,
                           void (*check)(int16_t code)) {
-  ScreenState screen;
-  (void)MessageBox(text, 2);
-  TermFlush();  // the message stands while the server keeps us in its queue
+  const PGUiNotice notice(text);  // stands while the server keeps us in its queue
   const int16_t code = PGExec(res, sql, wantsTuples);
   if (check) check(code);
   return code;
