@@ -5,6 +5,7 @@
 #include <stdlib.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <string>
@@ -64,6 +65,7 @@ void FillRow(int16_t rec, int i) {
 }
 
 void BM_LayerAppend(benchmark::State& state) {
+  double seconds = 1;
   for (auto _ : state) {
     if (!CreateBenchTable()) return state.SkipWithError("create");
     int16_t tbl = 0, rec = 0;
@@ -75,12 +77,13 @@ void BM_LayerAppend(benchmark::State& state) {
       if (PGRecAppend(tbl, rec) != 0) return state.SkipWithError("append");
     }
     (void)PGTransCommit();
-    gLayerSeconds = Seconds(start);
-    state.SetIterationTime(gLayerSeconds);
+    seconds = Seconds(start);
+    gLayerSeconds = gLayerSeconds > 0 ? std::min(gLayerSeconds, seconds) : seconds;
+    state.SetIterationTime(seconds);
     (void)PGRecBufClose(rec);
     (void)PGTblClose(tbl);
   }
-  state.counters["rows_per_s"] = kRows / gLayerSeconds;
+  state.counters["rows_per_s"] = kRows / seconds;
 }
 
 // The statement text that the layer sends for row i, built with plain strings.
@@ -92,6 +95,7 @@ std::string RawInsert(int i) {
 }
 
 void BM_RawLoop(benchmark::State& state) {
+  double seconds = 1;
   for (auto _ : state) {
     if (!CreateBenchTable()) return state.SkipWithError("create");
     const PGLibApi& pq = PGLib();
@@ -104,14 +108,19 @@ void BM_RawLoop(benchmark::State& state) {
       if (!ok) return state.SkipWithError("insert");
     }
     pq.clear(pq.exec(PGConn, "COMMIT"));
-    gRawSeconds = Seconds(start);
-    state.SetIterationTime(gRawSeconds);
+    seconds = Seconds(start);
+    gRawSeconds = gRawSeconds > 0 ? std::min(gRawSeconds, seconds) : seconds;
+    state.SetIterationTime(seconds);
   }
-  state.counters["rows_per_s"] = kRows / gRawSeconds;
+  state.counters["rows_per_s"] = kRows / seconds;
 }
 
 }  // namespace
 
+// Two rounds, interleaved, so that a busy moment of the machine does not fall on one side only;
+// the ratio compares the best time of each.
+BENCHMARK(BM_RawLoop)->Iterations(1)->UseManualTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_LayerAppend)->Iterations(1)->UseManualTime()->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_RawLoop)->Iterations(1)->UseManualTime()->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_LayerAppend)->Iterations(1)->UseManualTime()->Unit(benchmark::kMillisecond);
 
@@ -121,7 +130,7 @@ int main(int argc, char** argv) {
   if (!cluster.up) return 1;
   benchmark::RunSpecifiedBenchmarks();
   if (gRawSeconds > 0 && gLayerSeconds > 0)
-    std::printf("PGRecAppend / raw loop for %d rows: %.3f s / %.3f s = %.3f (target at most 1.2)\n", kRows,
+    std::printf("PGRecAppend / raw loop for %d rows, best of two each: %.3f s / %.3f s = %.3f (target at most 1.2)\n", kRows,
                 gLayerSeconds, gRawSeconds, gLayerSeconds / gRawSeconds);
   benchmark::Shutdown();
   return 0;
