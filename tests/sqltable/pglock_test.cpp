@@ -44,6 +44,8 @@ TEST_F(LockTest, RegisterKindsAndRemoval) {
   EXPECT_EQ(PGLockKind("dane\\inna"), 2);
   EXPECT_EQ(PGLockKind("dane\\zero"), -1);
   EXPECT_EQ(PGLockCount(), 3);
+  ASSERT_NE(PGHooks().lockKindOf, nullptr);  // searches ask the register before locking
+  EXPECT_EQ(PGHooks().lockKindOf("DANE_LOCKT"), 1);
   PGLockUnregister("dane\\lockt");
   EXPECT_EQ(PGLockKind("dane\\lockt"), 0);
   EXPECT_EQ(PGLockKind("dane\\inna"), 2);

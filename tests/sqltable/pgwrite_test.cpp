@@ -220,13 +220,20 @@ TEST_F(WriteTest, DeleteAndStayOnTheOnlyRowLeavesTheTableUnplaced) {
   EXPECT_EQ(Rows(), "");
 }
 
-TEST_F(WriteTest, ClosingPublishesTheChangeOnce) {
+TEST_F(WriteTest, ClosingOrSwitchingTheOrderPublishesTheChangeOnce) {
   const std::string before = Counter();
   ASSERT_EQ(Append("A", "a", 1), 0);
   ASSERT_EQ(Append("B", "b", 1), 0);
   EXPECT_EQ(Counter(), before);  // not at each write
   ASSERT_EQ(PGTblClose(tbl_), 0);
   EXPECT_EQ(Counter(), std::to_string(std::stoi(before) + 1));
+  Open();
+  ASSERT_EQ(Append("C", "c", 1), 0);
+  ASSERT_EQ(PGIndexSwitch(tbl_, rec_, 3), 0);  // switching the order publishes too
+  EXPECT_EQ(Counter(), std::to_string(std::stoi(before) + 2));
+  EXPECT_FALSE(T().changedByUs);
+  ASSERT_EQ(PGTblClose(tbl_), 0);
+  EXPECT_EQ(Counter(), std::to_string(std::stoi(before) + 2));  // nothing owed any more
 }
 
 TEST_F(WriteTest, RowLocksHoldUntilTheCommitAndMissingRowsGive110) {
