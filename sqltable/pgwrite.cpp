@@ -105,11 +105,10 @@ int16_t EnsurePositioned(int16_t tbl, const PGTable& t) {
   return t.positioned ? kPGOk : PGRecFirst(tbl);
 }
 
+// One field (single), or the first fldOrCount key fields, equal to the buffer's values.
 std::string RowLockCondition(const PGTable& t, const PGRecordBuffer& buf, bool single, int fldOrCount) {
-  const int first = single ? fldOrCount : 1;
-  const int last = fldOrCount;
   std::string where;
-  for (int f = first; f <= last; ++f) {
+  for (int f = single ? fldOrCount : 1; f <= fldOrCount; ++f) {
     if (!where.empty()) where += " AND ";
     where += t.fields[f].name.Str() + "=" + PGValueLiteral(t.fields[f].kind, buf.fields[f].value);
   }
