@@ -60,29 +60,29 @@ int RowsThatFit(int titleLines, int hintLines) {
   return rows < 1 ? 1 : rows;
 }
 
-ListBox OpenListBox(const ListBoxSpec& spec) {
-  int titleLines = LineCount(spec.title);
-  int hintLines = spec.hints.Empty() ? 0 : LineCount(spec.hints);
-  int width = spec.rowWidth > LongestLine(spec.hints) ? spec.rowWidth : LongestLine(spec.hints);
-  ShortText text = PaddedTitle(spec.title, width);
-  for (int i = 0; i < spec.rowCount; ++i) text += '@';
-  bool hintsInside = hintLines > 0 && titleLines + spec.rowCount + hintLines <= kMaxBoxLines;
-  if (hintsInside) text += "@" + spec.hints;
-  if (spec.column == 0 && spec.row == 0) {
-    MessageBoxColour(text, 2, spec.attr);
+ListBox OpenListBox(const ListBoxSpec& layout) {
+  int titleLines = LineCount(layout.title);
+  int hintLines = layout.hints.Empty() ? 0 : LineCount(layout.hints);
+  int width = layout.rowWidth > LongestLine(layout.hints) ? layout.rowWidth : LongestLine(layout.hints);
+  ShortText text = PaddedTitle(layout.title, width);
+  for (int i = 0; i < layout.rowCount; ++i) text += '@';
+  bool hintsInside = hintLines > 0 && titleLines + layout.rowCount + hintLines <= kMaxBoxLines;
+  if (hintsInside) text += "@" + layout.hints;
+  if (layout.column == 0 && layout.row == 0) {
+    MessageBoxColour(text, 2, layout.attr);
   } else {
-    Window(spec.column, spec.row, kScreenCols, kScreenRows);
-    MessageBoxHere(text, 2, spec.attr);
+    Window(layout.column, layout.row, kScreenCols, kScreenRows);
+    MessageBoxHere(text, 2, layout.attr);
   }
   WindowRect b = CurrentWindow();
   if (hintLines > 0 && !hintsInside) {  // no room for a line of its own: over the bottom frame
-    TextAttr(spec.attr);
+    TextAttr(layout.attr);
     GotoXY(1, b.bottom - b.top + 1);
-    WriteCentred(BeforeFirst(spec.hints, '@'));
+    WriteCentred(BeforeFirst(layout.hints, '@'));
   }
   ListBox box;
   box.innerWidth = b.right - b.left - 1;
-  box.rows = WindowRect{b.left + 1, b.top + titleLines + 1, b.right - 1, b.top + titleLines + spec.rowCount};
+  box.rows = WindowRect{b.left + 1, b.top + titleLines + 1, b.right - 1, b.top + titleLines + layout.rowCount};
   if (box.rows.bottom > b.bottom - 1) box.rows.bottom = b.bottom - 1;
   Window(box.rows.left, box.rows.top, box.rows.right, box.rows.bottom);
   return box;

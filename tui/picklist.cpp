@@ -81,15 +81,15 @@ void Show(List& l, tui_detail::ScreenKeeper& keeper) {
   int page = l.bar / l.perBox;
   if (page != l.page) {
     if (l.page >= 0) keeper.Repaint();
-    ListBoxSpec spec;
-    spec.title = page == 0 ? l.title : "Wybierz dalej:"_mz;
-    spec.hints = EscHint(l);
-    spec.rowCount = RowCount(l) - page * l.perBox < l.perBox ? RowCount(l) - page * l.perBox : l.perBox;
-    spec.rowWidth = l.rows.empty() ? 0 : l.rows[0].Length();
-    spec.attr = l.attr;
-    spec.column = l.column;
-    spec.row = l.row;
-    l.box = tui_detail::OpenListBox(spec);
+    ListBoxSpec layout;
+    layout.title = page == 0 ? l.title : "Wybierz dalej:"_mz;
+    layout.hints = EscHint(l);
+    layout.rowCount = RowCount(l) - page * l.perBox < l.perBox ? RowCount(l) - page * l.perBox : l.perBox;
+    layout.rowWidth = l.rows.empty() ? 0 : l.rows[0].Length();
+    layout.attr = l.attr;
+    layout.column = l.column;
+    layout.row = l.row;
+    l.box = tui_detail::OpenListBox(layout);
     l.page = page;
   }
   int first = page * l.perBox;

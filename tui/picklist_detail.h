@@ -35,7 +35,7 @@ int LineCount(const ShortText& text);
 int RowsThatFit(int titleLines, int hintLines);
 // Draws the box (a MessageBox of code 2) and narrows the window to its rows.
 // Hints that would pass the box's last line are written over its bottom frame.
-ListBox OpenListBox(const ListBoxSpec& spec);
+ListBox OpenListBox(const ListBoxSpec& layout);
 // Writes one row of a list box: text padded with blanks to the inner width.
 void WriteListRow(const ListBox& box, int index, const ShortText& text, unsigned char attr);
 

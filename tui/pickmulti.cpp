@@ -121,20 +121,20 @@ uint32_t PickMulti(uint8_t colour, int16_t initial, int16_t endMode, uint8_t col
                    const ShortText& title, const ShortText& options, KeyPair& outKey, uint32_t& marks) {
   Multi m;
   m.endMode = endMode;
-  tui_detail::ListBoxSpec spec;
-  spec.title = PrepareRows(m, title, options);
+  tui_detail::ListBoxSpec layout;
+  layout.title = PrepareRows(m, title, options);
   for (int i = 0; i < static_cast<int>(m.rows.size()); ++i) m.marked[i] = (marks >> i) & 1u;
   m.bar = initial >= 1 && initial <= static_cast<int>(m.rows.size()) ? initial - 1 : 0;
-  spec.hints = "╫╨ö - zatwierdzenie"_mz;
-  if (endMode == 1 || endMode == 2) spec.hints += "@╤╥û - rezygnacja z wybierania"_mz;
-  spec.rowCount = static_cast<int>(m.rows.size());
-  for (int i = 0; i < spec.rowCount; ++i)
-    if (RowText(m, i).Length() > spec.rowWidth) spec.rowWidth = RowText(m, i).Length();
-  spec.attr = PickListAttr(colour);
-  spec.column = column;
-  spec.row = row;
+  layout.hints = "╫╨ö - zatwierdzenie"_mz;
+  if (endMode == 1 || endMode == 2) layout.hints += "@╤╥û - rezygnacja z wybierania"_mz;
+  layout.rowCount = static_cast<int>(m.rows.size());
+  for (int i = 0; i < layout.rowCount; ++i)
+    if (RowText(m, i).Length() > layout.rowWidth) layout.rowWidth = RowText(m, i).Length();
+  layout.attr = PickListAttr(colour);
+  layout.column = column;
+  layout.row = row;
   tui_detail::ScreenKeeper keeper;
-  tui_detail::ListBox box = tui_detail::OpenListBox(spec);
+  tui_detail::ListBox box = tui_detail::OpenListBox(layout);
   for (;;) {
     Draw(m, box);
     outKey = ReadKeyUpper();

@@ -41,11 +41,11 @@ std::string Two(int v) {
 
 }  // namespace
 
-std::optional<SimFaultRule> ParseSimFaultRule(std::string_view spec) {
+std::optional<SimFaultRule> ParseSimFaultRule(std::string_view ruleText) {
   SimFaultRule rule;
-  std::size_t colon = spec.find(':');
+  std::size_t colon = ruleText.find(':');
   if (colon == std::string_view::npos) return std::nullopt;
-  std::string_view number = spec.substr(0, colon);
+  std::string_view number = ruleText.substr(0, colon);
   if (number.ends_with('+')) {
     rule.onwards = true;
     number.remove_suffix(1);
@@ -53,7 +53,7 @@ std::optional<SimFaultRule> ParseSimFaultRule(std::string_view spec) {
   long command;
   if (!ParseInt(number, command) || command < 1) return std::nullopt;
   rule.command = static_cast<int>(command);
-  std::string_view kind = spec.substr(colon + 1);
+  std::string_view kind = ruleText.substr(colon + 1);
   std::size_t eq = kind.find('=');
   long arg = 0;
   if (eq != std::string_view::npos && !ParseInt(kind.substr(eq + 1), arg)) return std::nullopt;

@@ -27,7 +27,7 @@ struct SimFaultRule {
 };
 
 // "3:error=21", "5+:silent", "2:xoff=1500", "4:oneenq", "6:corrupt", "6:badend".
-std::optional<SimFaultRule> ParseSimFaultRule(std::string_view spec);
+std::optional<SimFaultRule> ParseSimFaultRule(std::string_view ruleText);
 
 struct SimOptions {
   std::vector<SimFaultRule> faults;
