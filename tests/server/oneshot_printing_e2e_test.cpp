@@ -46,6 +46,16 @@ bool Has(const Lines& lines, const std::string& line) {
   return std::find(lines.begin(), lines.end(), line) != lines.end();
 }
 
+// Row and column ("R;C") of the last cursor move before the text on the screen.
+std::string PlaceOf(const std::string& screen, const std::string& text) {
+  const std::size_t at = screen.find(text);
+  if (at == std::string::npos) return "(not shown)";
+  const std::size_t end = screen.rfind('H', at);
+  const std::size_t start = screen.rfind("\x1b[", end);
+  if (end == std::string::npos || start == std::string::npos) return "(no place)";
+  return screen.substr(start + 2, end - start - 2);
+}
+
 // The stamp on the screen: the box line after the text " nie wyk.zad.".
 bool ShowsFailureStamp(const std::string& screen) {
   const std::size_t at = screen.find(" nie wyk.zad. ");
@@ -60,6 +70,8 @@ TEST_F(OneShotPrintingTest, PosnetReceiptPrintsAndShowsOk) {
   EXPECT_NE(out.find("Trwa wysy\xB3" "anie danych do drukarki fiskalnej..."), std::string::npos) << out;
   EXPECT_LT(out.find("Trwa wysy"), out.find("PARAGON O.K."));
   EXPECT_NE(out.find("Zaczekaj - komunikat zniknie sam..."), std::string::npos);
+  // Inside its box: a timed box is 39 columns wide from column 21, rows 12 to 15.
+  EXPECT_EQ(PlaceOf(out, "PARAGON O.K."), "13;22");
   EXPECT_GE(shownMs, 400);  // the box stays half a second
   EXPECT_FALSE(JobExists('p'));
   EXPECT_EQ(PosnetJournal(), (Lines{
@@ -87,6 +99,8 @@ TEST_F(OneShotPrintingTest, PosnetRefusalIsCancelledAndShownWithItsStampForFiveS
   for (const char* line : {"PARAGON", "sekwencja odebrana przez drukarke przy wylaczonym trybie transakcji\"."})
     EXPECT_NE(out.find(line), std::string::npos) << line << "\n" << out;
   EXPECT_TRUE(ShowsFailureStamp(out)) << out;
+  // The stamp is the box's last line, under the three of the text.
+  EXPECT_EQ(PlaceOf(out, " nie wyk.zad. "), "14;6");
   EXPECT_EQ(out.find(" O.K."), std::string::npos);
   EXPECT_GE(shownMs, 4800);
   EXPECT_FALSE(JobExists('p'));
