@@ -65,15 +65,20 @@ TEST_F(OneShotTest, WithdrawnJobIsDeletedAndToldForThreeSeconds) {
   EXPECT_FALSE(PathExists(Job()));
 }
 
-TEST_F(OneShotTest, JobStillBeingWrittenEndsAtOnceAndStays) {
-  WriteJobFile(Job(), {kJobKeywordWait});
-  ServerProcess server(dir_, OneShot());
-  int status = -1;
-  ASSERT_TRUE(server.Wait(kWaitMs, status)) << server.Output();
-  EXPECT_EQ(status, 0);
-  EXPECT_TRUE(PathExists(Job()));
-  EXPECT_EQ(server.Output().find("O.K."), std::string::npos);
-  EXPECT_EQ(server.Output().find("Trwa"), std::string::npos);
+// A job still being written, and a first record that is no keyword at all
+// (the word without its escape byte).
+TEST_F(OneShotTest, UnpublishedJobEndsAtOnceSilentlyAndStays) {
+  for (const ShortText& first : {kJobKeywordWait, ShortText("PARAGON")}) {
+    WriteJobFile(Job(), {first, ShortText("0"), kJobKeywordEnd});
+    ServerProcess server(dir_, OneShot());
+    int status = -1;
+    ASSERT_TRUE(server.Wait(kWaitMs, status)) << server.Output();
+    EXPECT_EQ(status, 0);
+    EXPECT_TRUE(PathExists(Job())) << first.Str();
+    EXPECT_EQ(server.Output().find("O.K."), std::string::npos);
+    EXPECT_EQ(server.Output().find("Trwa"), std::string::npos);
+    EXPECT_EQ(server.Output().find("Wycofanie"), std::string::npos);
+  }
 }
 
 TEST_F(OneShotTest, WaitsWithoutSleepingUntilTheJobAppears) {

@@ -26,8 +26,8 @@ std::vector<std::string> Lines(const std::string& text) {
 
 std::string Maz(const std::string& utf8) { return Utf8ToMaz(ShortText(utf8)).Str(); }
 
-void PrintersTest::Start(std::vector<std::string> elzabArgs, std::vector<std::string> posnetArgs,
-                         bool elzabOnTerminal) {
+void PrintersTest::StartSimulators(std::vector<std::string> elzabArgs, std::vector<std::string> posnetArgs,
+                                   bool elzabOnTerminal) {
   ::mkdir((dir_ / "jobs").c_str(), 0777);
   elzab_ = std::make_unique<ElzabSimProcess>(std::move(elzabArgs), elzabOnTerminal);
   posnet_ = std::make_unique<SimProcess>(std::move(posnetArgs));
@@ -37,6 +37,12 @@ void PrintersTest::Start(std::vector<std::string> elzabArgs, std::vector<std::st
   ASSERT_EQ(::symlink(posnet_->Slave().c_str(), (dir_ / "tty0").c_str()), 0);
   ::setenv("KLOTE_SERIAL_PREFIX", (dir_ / "tty").c_str(), 1);
   ::setenv("KLOTE_ELZAB_LINE", elzab_->Line().c_str(), 1);
+}
+
+void PrintersTest::Start(std::vector<std::string> elzabArgs, std::vector<std::string> posnetArgs,
+                         bool elzabOnTerminal) {
+  StartSimulators(std::move(elzabArgs), std::move(posnetArgs), elzabOnTerminal);
+  if (HasFatalFailure()) return;
   WriteFileText(dir_ / "fisk.cfg",
                 "1,1,\"jobs\\e\",,1\n"
                 "2,1,\"jobs\\p\",,1\n"

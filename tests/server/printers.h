@@ -25,6 +25,10 @@ class PrintersTest : public ::testing::Test {
   // the ELZAB line is a Unix socket, or a pseudo-terminal with elzabOnTerminal.
   void Start(std::vector<std::string> elzabArgs = {}, std::vector<std::string> posnetArgs = {},
              bool elzabOnTerminal = false);
+  // Starts only the simulators and points the server's ports at them (through the
+  // environment), for a server started by the test itself.
+  void StartSimulators(std::vector<std::string> elzabArgs = {}, std::vector<std::string> posnetArgs = {},
+                       bool elzabOnTerminal = false);
   void TearDown() override;
 
   // Publishes a job in the row's file at once (written aside, then renamed):
@@ -48,5 +52,7 @@ class PrintersTest : public ::testing::Test {
   int results_ = 0;
 };
 
+// The text is a failure stamp " nie wyk.zad. DD-MM-YYYY HH:MM:SS".
+bool IsFailureStamp(const std::string& tail);
 // The result line of a failure ends in the stamp " nie wyk.zad. DD-MM-YYYY HH:MM:SS".
 ::testing::AssertionResult EndsInFailureStamp(const std::string& line, const std::string& text);

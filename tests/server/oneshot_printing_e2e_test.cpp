@@ -1,0 +1,142 @@
+// The real fisksrv in one-shot mode on a pseudo-terminal, printing on the
+// simulated printers: the result box of a printed job and of a refused one,
+// what reached the printer, and the job file gone.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+
+#include "printers.h"
+
+namespace {
+
+using Lines = std::vector<std::string>;
+using Clock = std::chrono::steady_clock;
+
+constexpr int kWaitMs = 15000;
+const Lines kTwoLines = {"2", "1100", "01J", "Jan", " gotówką", "",
+                         "\"Chleb\",1,\"A\",5,szt", "\"Mleko\",2,\"B\",3,l"};
+
+class OneShotPrintingTest : public PrintersTest {
+ protected:
+  void SetUp() override {
+    ::setenv("TERM", "xterm", 1);
+    ::unsetenv("TERM_KLOTE");
+    ::unsetenv("TERM_KLOTE_CP");
+  }
+  // Publishes the job in the row's file, then runs fisksrv XVENTKLOTE with the
+  // printer row until it ends; gives its screen output, and in boxShownMs how long
+  // it lived after the text appeared.
+  std::string RunOneShot(const std::string& printerRow, char row, const std::string& word, const Lines& records,
+                         const std::string& boxText, long& boxShownMs) {
+    Publish(row, word, records);
+    ServerProcess server(dir_, ServerRun{{"XVENTKLOTE", printerRow}, false, /*onPty=*/true});
+    const bool shown = server.WaitForOutput(boxText, kWaitMs);
+    const auto seen = Clock::now();
+    int status = -1;
+    EXPECT_TRUE(server.Wait(kWaitMs, status)) << server.Output();
+    EXPECT_EQ(status, 0);
+    boxShownMs = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - seen).count();
+    EXPECT_TRUE(shown) << server.Output();
+    return server.Output();
+  }
+};
+
+bool Has(const Lines& lines, const std::string& line) {
+  return std::find(lines.begin(), lines.end(), line) != lines.end();
+}
+
+// Row and column ("R;C") of the last cursor move before the text on the screen.
+std::string PlaceOf(const std::string& screen, const std::string& text) {
+  const std::size_t at = screen.find(text);
+  if (at == std::string::npos) return "(not shown)";
+  const std::size_t end = screen.rfind('H', at);
+  const std::size_t start = screen.rfind("\x1b[", end);
+  if (end == std::string::npos || start == std::string::npos) return "(no place)";
+  return screen.substr(start + 2, end - start - 2);
+}
+
+// The stamp on the screen: the box line after the text " nie wyk.zad.".
+bool ShowsFailureStamp(const std::string& screen) {
+  const std::size_t at = screen.find(" nie wyk.zad. ");
+  return at != std::string::npos && IsFailureStamp(screen.substr(at, 33));
+}
+
+TEST_F(OneShotPrintingTest, PosnetReceiptPrintsAndShowsOk) {
+  StartSimulators();
+  long shownMs = 0;
+  const std::string out = RunOneShot("2,1,jobs\\p,,1", 'p', "PARAGON", kTwoLines, "PARAGON O.K.", shownMs);
+  // ISO 8859-2 on xterm: the "ł" is 0xB3.
+  EXPECT_NE(out.find("Trwa wysy\xB3" "anie danych do drukarki fiskalnej..."), std::string::npos) << out;
+  EXPECT_LT(out.find("Trwa wysy"), out.find("PARAGON O.K."));
+  EXPECT_NE(out.find("Zaczekaj - komunikat zniknie sam..."), std::string::npos);
+  // Inside its box: a timed box is 39 columns wide from column 21, rows 12 to 15.
+  EXPECT_EQ(PlaceOf(out, "PARAGON O.K."), "13;22");
+  EXPECT_GE(shownMs, 400);  // the box stays half a second
+  EXPECT_FALSE(JobExists('p'));
+  EXPECT_EQ(PosnetJournal(), (Lines{
+                                 "DRAWER SZUFLADA",
+                                 "RECEIPT 2",
+                                 "HEAD " + std::string(40, ' '),
+                                 "LINE 1|Chleb" + std::string(35, ' ') + "|1|A|5/5/",
+                                 "LINE 2|Mleko" + std::string(35, ' ') + "|2|B|3/6/",
+                                 "CASHIER 01J",
+                                 "FOOT #x",  // no document number
+                                 "FOOT ** zachowaj paragon do ew. reklamacji **",
+                                 "TOTAL 11/ PAID 11/",
+                             }));
+  EXPECT_EQ(out.find("nie wyk.zad."), std::string::npos);
+  EXPECT_EQ(out.find("KONIEC PRACY"), std::string::npos);  // ends silently
+}
+
+TEST_F(OneShotPrintingTest, PosnetRefusalIsCancelledAndShownWithItsStampForFiveSeconds) {
+  // #x 1, #e 2, $h 3, $l 4, $l 5 refused, cancel 6.
+  StartSimulators({}, {"--fail", "5:error=21"});
+  long shownMs = 0;
+  const std::string out =
+      RunOneShot("2,1,jobs\\p,,1", 'p', "PARAGON", kTwoLines, "Blad drukarki fiskalnej nr 21:", shownMs);
+  // The box's lines, one for each "@" of the text.
+  for (const char* line : {"PARAGON", "sekwencja odebrana przez drukarke przy wylaczonym trybie transakcji\"."})
+    EXPECT_NE(out.find(line), std::string::npos) << line << "\n" << out;
+  EXPECT_TRUE(ShowsFailureStamp(out)) << out;
+  // The stamp is the box's last line, under the three of the text.
+  EXPECT_EQ(PlaceOf(out, " nie wyk.zad. "), "14;6");
+  EXPECT_EQ(out.find(" O.K."), std::string::npos);
+  EXPECT_GE(shownMs, 4800);
+  EXPECT_FALSE(JobExists('p'));
+  const Lines journal = PosnetJournal();
+  EXPECT_TRUE(Has(journal, "CANCELLED"));
+  EXPECT_FALSE(Has(journal, "TOTAL 11/ PAID 11/"));
+  const Lines trace = PosnetTrace();
+  EXPECT_EQ(std::count_if(trace.begin(), trace.end(), [](const std::string& l) { return l.rfind("CANCEL", 0) == 0; }),
+            1);
+}
+
+TEST_F(OneShotPrintingTest, ElzabReceiptAndElzabRefusal) {
+  // Commands of the first receipt: open 1, lines 2 and 3, end of items 4, texts 5
+  // and 6, close 7. Of the second: open 8, line 9, line 10 refused, cancel 11.
+  StartSimulators({"--fail", "10:nak=0,0x02"});
+  long shownMs = 0;
+  std::string out = RunOneShot("1,1,jobs\\e,,1", 'e', "PARAGON", kTwoLines, "PARAGON O.K.", shownMs);
+  EXPECT_FALSE(JobExists('e'));
+  EXPECT_EQ(ElzabJournal(), (Lines{
+                                "RECEIPT 1100",
+                                "LINE 1|ChlebA                      |1/0|szt |500|1|500",
+                                "LINE 2|MlekoB                      |2/0|l   |300|2|600",
+                                "END ITEMS",
+                                "TEXT 2| gotówką ",
+                                "TEXT 5| Jan.",
+                                "CLOSE 1100",
+                            }));
+
+  out = RunOneShot("1,1,jobs\\e,,1", 'e', "PARAGON", kTwoLines, "Blad drukarki ELZAB.", shownMs);
+  EXPECT_NE(out.find("(brak papieru w drukarce - swieci sie LED paper out)"), std::string::npos) << out;
+  EXPECT_TRUE(ShowsFailureStamp(out)) << out;
+  EXPECT_GE(shownMs, 4800);
+  EXPECT_FALSE(JobExists('e'));
+  EXPECT_TRUE(Has(ElzabTrace(), "CMD 10 LINE -> NAK"));
+  EXPECT_TRUE(Has(ElzabTrace(), "CMD 11 CANCEL -> ACK"));
+  EXPECT_EQ(ElzabJournal().back().rfind("CANCELLED", 0), 0u) << ElzabJournal().back();
+}
+
+}  // namespace
