@@ -11,6 +11,7 @@
 #include <cstring>
 #include <thread>
 
+#include "elzab_model_fixture.h"
 #include "fiscal/elzab_line.h"
 #include "fiscal/portio.h"
 #include "fiscal/uart_model.h"
@@ -21,23 +22,10 @@ using Access = Uart16550Model::Access;
 constexpr Access Out(uint8_t reg, uint8_t v) { return {true, reg, v}; }
 constexpr Access In(uint8_t reg, uint8_t v) { return {false, reg, v}; }
 
-class ElzabOnModel : public ::testing::Test {
+class ElzabOnModel : public ElzabModelTest {
  protected:
-  void SetUp() override {
-    int sv[2];
-    ASSERT_EQ(socketpair(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK, 0, sv), 0);
-    printer_ = sv[1];
-    model_ = std::make_unique<Uart16550Model>(std::make_unique<FdByteLink>(sv[0]));
-    SetElzabPortIo(model_.get());
-    ElzabLine() = {};
-    ElzabLine().responseDelay = 1;
-    ElzabLine().sendTimeout = 20;
-  }
-  void TearDown() override {
-    SetElzabPortIo(nullptr);
-    ElzabLine() = {};
-    close(printer_);
-  }
+  void SetUp() override { AttachModel(1); }
+  void TearDown() override { DetachModel(); }
   void PrinterSends(std::string_view bytes) {
     ASSERT_EQ(write(printer_, bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
   }
@@ -47,8 +35,6 @@ class ElzabOnModel : public ::testing::Test {
     return n > 0 ? std::string(buf, n) : std::string();
   }
 
-  int printer_ = -1;
-  std::unique_ptr<Uart16550Model> model_;
 };
 
 TEST_F(ElzabOnModel, OpenProgramsTheControllerInOrderOnce) {

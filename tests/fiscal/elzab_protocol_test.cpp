@@ -13,6 +13,7 @@
 #include "base/codepage.h"
 #include "base/mazovia.h"
 #include "fiscal/elzab.h"
+#include "elzab_model_fixture.h"
 #include "fiscal/elzab_line.h"
 #include "fiscal/jobs_amounts.h"
 #include "fiscal/portio.h"
@@ -160,24 +161,15 @@ TEST(JobAmounts, QuantityDecimalsAndLineValuesOfBothFamilies) {
 
 // The register model, its serial side a socket pair whose other end is the
 // simulator's printer running in a thread.
-class ElzabResponseTest : public ::testing::Test {
+class ElzabResponseTest : public ElzabModelTest {
  protected:
   void SetUp() override {
-    int sv[2];
-    ASSERT_EQ(socketpair(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK, 0, sv), 0);
-    printer_ = sv[1];
-    model_ = std::make_unique<Uart16550Model>(std::make_unique<FdByteLink>(sv[0]));
-    SetElzabPortIo(model_.get());
-    ElzabLine() = {};
-    ElzabLine().responseDelay = 50;  // room for the printer thread on a busy machine
-    ElzabLine().sendTimeout = 20;
+    AttachModel(50);  // room for the printer thread on a busy machine
     ElzabOpen(1);
   }
   void TearDown() override {
     StopPrinter();
-    SetElzabPortIo(nullptr);
-    ElzabLine() = {};
-    close(printer_);
+    DetachModel();
   }
   // The printer answers from now on as the simulator does, with these faults.
   void StartPrinter(std::vector<ElzabFaultRule> faults) {
@@ -209,8 +201,6 @@ class ElzabResponseTest : public ::testing::Test {
     return {command, false, ElzabFaultKind::kNak, first, second};
   }
 
-  int printer_ = -1;
-  std::unique_ptr<Uart16550Model> model_;
   std::unique_ptr<ElzabPrinterSim> sim_;
   std::thread thread_;
   std::atomic<bool> stop_{false};
