@@ -36,7 +36,7 @@ bool InWindow(int col, int row) {
 void PutCells(int col, int row, const unsigned char* bytes, int count) {
   std::memcpy(&g_screen.chars[row - 1][col], bytes, static_cast<std::size_t>(count));
   std::memset(&g_screen.attrs[row - 1][col - 1], g_screen.attr, static_cast<std::size_t>(count));
-  EmitRun(row, col, bytes, count, g_screen.attr);
+  EmitRun(row, col, &g_screen.chars[row - 1][col], count, g_screen.attr);
 }
 
 int ClampLow(int v, int max) { return (v < 1 || v > max) ? 1 : v; }

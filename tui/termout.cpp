@@ -186,6 +186,13 @@ void EmitCursor(int row, int col) {
   g_out.col = col;
 }
 
+// The Esc key-cap is three cells whose last one alone reads as 'C'; as a
+// whole, without the special font, it reads "Esc".
+unsigned char PlainEscCapEnd(const unsigned char* chars, int i, int col, unsigned char mapped) {
+  if (g_term.specialFont || chars[i] != 0x96 || col + i < 3) return mapped;
+  return chars[i - 1] == 0xD2 && chars[i - 2] == 0xD1 ? 'c' : mapped;
+}
+
 void EmitRun(int row, int col, const unsigned char* chars, int count, unsigned char attr) {
   if (count <= 0) return;
   Reserve(static_cast<std::size_t>(count) * 2 + 32);
@@ -194,7 +201,7 @@ void EmitRun(int row, int col, const unsigned char* chars, int count, unsigned c
   const unsigned char* map = g_out.charMap;
   if (g_out.utf8) {
     for (int i = 0; i < count; ++i) {
-      unsigned char b = map[chars[i]];
+      unsigned char b = PlainEscCapEnd(chars, i, col, map[chars[i]]);
       if (b < 0x80) {
         Put(static_cast<char>(b));
       } else {
@@ -204,7 +211,7 @@ void EmitRun(int row, int col, const unsigned char* chars, int count, unsigned c
       }
     }
   } else {
-    for (int i = 0; i < count; ++i) Put(static_cast<char>(map[chars[i]]));
+    for (int i = 0; i < count; ++i) Put(static_cast<char>(PlainEscCapEnd(chars, i, col, map[chars[i]])));
   }
   // After the last column the terminal's cursor waits at the edge in a way
   // that differs by terminal, so its place is stated again before the next write.

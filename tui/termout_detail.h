@@ -30,6 +30,7 @@ extern TermSettings g_term;
 void RebuildMaps();
 // Sends count cells of one row, all in one logical attribute, starting at a
 // screen position; moves the cursor and sets the colour only when needed.
+// chars points into the screen shadow's row, so that a cell may look at its left neighbours.
 void EmitRun(int row, int col, const unsigned char* chars, int count, unsigned char attr);
 // Puts the terminal's cursor at a screen position (sent at the next flush).
 void EmitCursor(int row, int col);

@@ -97,7 +97,8 @@ TEST_F(OutputTest, KeyCapsArePlainOnXtermWithPoor) {
     std::string shown;
   } cases[] = {
       {"ƒEnter⌐"_mz, "[Enter]"},
-      {"╤╥û"_mz, "EsC"},
+      {"╤╥û"_mz, "Esc"},
+      {"û"_mz, "C"},
       {"╫à - pomoc"_mz, "F1 - pomoc"},
       {"╫ô"_mz, "F9"},
       {"╫╨ö"_mz, "F10"},

@@ -50,7 +50,7 @@ class TuiDemoTest : public ::testing::Test {
 TEST_F(TuiDemoTest, ListFormAndEnd) {
   ASSERT_TRUE(WaitFor("Pokaz list i formularzy:")) << Pane();
   EXPECT_TRUE(WaitFor("6 Koniec")) << Pane();
-  EXPECT_TRUE(WaitFor("EsC - rezygnacja z wybierania")) << Pane();
+  EXPECT_TRUE(WaitFor("Esc - rezygnacja z wybierania")) << Pane();
 
   // The list of 25: End opens the further box; Enter takes the last choice.
   Keys("1");
