@@ -25,6 +25,7 @@ int16_t CloseCursor(PGTable& t) {
     t.savedName.Clear();
   }
   t.cursorOpen = false;
+  t.ownWrites.clear();
   return code == 0 ? kPGOk : kPGSqlFailed;
 }
 
@@ -38,6 +39,7 @@ int16_t Declare(PGTable& t, const std::string& query) {
   t.posStale = true;
   t.rebuildCursor = false;
   t.cursorAt = 0;
+  t.ownWrites.clear();  // the new snapshot holds them
   PGCacheClear(t);
   return kPGOk;
 }
@@ -105,6 +107,15 @@ std::string PGOrderText(const PGTable& t, bool descending) {
 void PGLoadCurrent(PGTable& t, const PGResult& res, int r) {
   const int n = std::min(res.Cols(), static_cast<int>(t.curValues.size()));
   for (int c = 0; c < n; ++c) t.curValues[c].assign(res.Value(r, c));
+  PGApplyOwnWrite(t, t.curValues);
+}
+
+void PGApplyOwnWrite(const PGTable& t, std::vector<std::string>& values) {
+  if (t.ownWrites.empty() || values.empty()) return;
+  const auto written = t.ownWrites.find(values[0]);
+  if (written == t.ownWrites.end()) return;
+  const std::size_t n = std::min(values.size(), written->second.size());
+  for (std::size_t c = 1; c < n; ++c) values[c].assign(written->second[c]);
 }
 
 void PGCacheClear(PGTable& t) {

@@ -183,7 +183,10 @@ int16_t PGGetDate(int16_t rec, int fld, int32_t& days) {
   int count = 0;
   for (char c : f->value)
     if (c >= '0' && c <= '9' && count < 8) digits[count++] = c - '0';
-  if (count == 0) return kPGOk;
+  if (count == 0) {  // NULL written by another program: the blank date
+    days = kBlankDateSerial;
+    return kPGOk;
+  }
   const int year = digits[0] * 1000 + digits[1] * 100 + digits[2] * 10 + digits[3];
   const int month = digits[4] * 10 + digits[5], day = digits[6] * 10 + digits[7];
   days = EncodeDaySerial(year, month, day);

@@ -31,6 +31,12 @@ void StoreRow(PGCachedRow& slot, int32_t recNo, const PGResult& res, int r) {
   for (int c = 0; c < n; ++c) slot.values[c].assign(res.Value(r, c));
 }
 
+// Stores result row r in a cache slot, as this process last wrote it.
+void StoreFetchedRow(const PGTable& t, PGCachedRow& slot, int32_t recNo, const PGResult& res, int r) {
+  StoreRow(slot, recNo, res, r);
+  PGApplyOwnWrite(t, slot.values);
+}
+
 // Copies the current record into the cache by the insertion rule: fill up
 // to 60, then overwrite in turn, wrapping from the last slot to the first.
 void CacheInsert(PGTable& t, int32_t recNo) {
@@ -80,7 +86,7 @@ int16_t NextBatch(PGTable& t) {
   t.cursorAt = t.curRec + rows;
   if (rows == 0) return kPGEndOfTable;
   PGLoadCurrent(t, res, 0);
-  for (int r = 1; r < rows; ++r) StoreRow(t.rowCache[r - 1], t.curRec + 1 + r, res, r);
+  for (int r = 1; r < rows; ++r) StoreFetchedRow(t, t.rowCache[r - 1], t.curRec + 1 + r, res, r);
   t.cacheCount = t.cachePos = rows - 1;
   t.cacheOn = true;
   ++t.curRec;

@@ -58,10 +58,28 @@ bool ReadSize(std::string_view text, bool strict, int& size) {
   return true;
 }
 
+// A shortened name keeps this much of its readable head, then "_" and the
+// hash of the whole name in hexadecimal.
+constexpr std::size_t kSqlNameHead = kPGMaxSqlName - 11;
+
+// FNV-1a over the whole mapped name: names that share their head still part.
+uint64_t NameHash(std::string_view text) {
+  uint64_t hash = 14695981039346656037ull;
+  for (char c : text) hash = (hash ^ static_cast<unsigned char>(c)) * 1099511628211ull;
+  return hash;
+}
+
+std::string ShortenedSqlName(const std::string& full) {
+  std::string out = full.substr(0, kSqlNameHead) + "_";
+  const uint64_t hash = NameHash(full);
+  for (int shift = 36; shift >= 0; shift -= 4) out += kHexDigits[(hash >> shift) & 15];
+  return out;
+}
+
 }  // namespace
 
 ShortText PGSqlName(const ShortText& name) {
-  ShortText out;
+  std::string out;
   for (int i = 1; i <= name.Length(); ++i) {
     unsigned char c = name.At(i);
     if (c >= 'a' && c <= 'z') c = static_cast<unsigned char>(c - 'a' + 'A');
@@ -73,8 +91,11 @@ ShortText PGSqlName(const ShortText& name) {
       out += kHexDigits[c & 15];
     }
   }
-  if (!IsUpperLetter(out.At(1))) out.Insert("N", 1);
-  return out;
+  if (out.empty() || !IsUpperLetter(static_cast<unsigned char>(out[0]))) out.insert(0, "N");
+  // The server cuts identifiers at 63 bytes, and index names add to the
+  // table's name: a long name is made short and still unique.
+  if (out.size() > kPGMaxSqlName) out = ShortenedSqlName(out);
+  return ShortText(out);
 }
 
 std::string PGEscapeStr(std::string_view text) {

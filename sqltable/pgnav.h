@@ -100,7 +100,11 @@ std::string PGOrderText(const PGTable& t, bool descending);
 // The select of the row id and all fields: "SELECT * FROM ", since the row
 // id is every table's and view's first column.
 std::string PGSelectAll(const PGTable& t);
-// Loads result row r as the current record (slot 0 the row id).
+// Loads result row r as the current record (slot 0 the row id); a row this
+// process updated since the snapshot comes as it was written.
 void PGLoadCurrent(PGTable& t, const PGResult& res, int r);
+// Replaces row values (slot 0 the row id) by this process's own later write
+// of that row, when there is one.
+void PGApplyOwnWrite(const PGTable& t, std::vector<std::string>& values);
 // Empties the row cache.
 void PGCacheClear(PGTable& t);

@@ -18,6 +18,11 @@ std::string CurrentLiteral(const PGTable& t, int f) { return PGValueLiteral(t.fi
 
 std::string Column(const PGTable& t, int f) { return t.fields[f].name.Str(); }
 
+// Field f compared with the current record's value.
+std::string CurrentCondition(const PGTable& t, int f, std::string_view op) {
+  return PGCondition(t.fields[f].name.View(), t.fields[f].kind, t.curValues[f], op);
+}
+
 bool Count(const std::string& sql, int32_t& n) {
   PGResult res;
   if (PGRunSelect(sql, res) != 0 || res.Rows() < 1) return false;
@@ -48,17 +53,16 @@ int32_t CountPosition(const PGTable& t) {
   const std::string eq1 = Column(t, k1) + "=" + CurrentLiteral(t, k1);
   // A filter that fixes the first column leaves nothing before it to count.
   if (t.whereClause.find(eq1) == std::string::npos &&
-      !Count("SELECT COUNT(*)" + from + Column(t, k1) + " < " + CurrentLiteral(t, k1), base))
+      !Count("SELECT COUNT(*)" + from + CurrentCondition(t, k1, " < "), base))
     return 0;
-  std::string same = Column(t, k1) + " = " + CurrentLiteral(t, k1);
+  std::string same = CurrentCondition(t, k1, " = ");
   // An alpha or date second column is not counted by "<": SQL's order of
   // those need not match the counted order, so its rows are scanned.
   if (cols.size() >= 2 && t.fields[cols[1]].kind == PGKind::Number) {
     int32_t second = 0;
-    const std::string k2 = Column(t, cols[1]), v2 = CurrentLiteral(t, cols[1]);
-    if (!Count("SELECT COUNT(*)" + from + same + " AND " + k2 + " < " + v2, second)) return 0;
+    if (!Count("SELECT COUNT(*)" + from + same + " AND " + CurrentCondition(t, cols[1], " < "), second)) return 0;
     base += second;
-    same += " AND " + k2 + " = " + v2;
+    same += " AND " + CurrentCondition(t, cols[1], " = ");
   }
   const int32_t place = PlaceAmong("SELECT OID" + from + same + PGOrderText(t, false), oid);
   return place == 0 ? 0 : base + place;
@@ -72,36 +76,54 @@ bool NeedsOwnLock(const PGTable& t) {
 
 }  // namespace
 
+namespace {
+
+// What one attempt at re-aligning found.
+enum class Alignment { Placed, Gone, Elsewhere };
+
+// Counts the current row's place (after a refresh of the snapshot when asked)
+// and fetches that place from the cursor.
+Alignment AlignOnCurrent(int16_t tbl, PGTable& t, bool refresh) {
+  const bool locked = refresh && NeedsOwnLock(t);
+  if (locked) {
+    (void)PGTransBegin();
+    if (PGRunStatement("LOCK TABLE " + t.baseName.Str() + " IN SHARE MODE") != 0) {
+      (void)PGTransCommit();
+      return Alignment::Gone;
+    }
+  }
+  const bool failed = refresh && PGOdswK(tbl);
+  const int32_t position = failed ? 0 : CountPosition(t);
+  if (locked) (void)PGTransCommit();
+  if (position <= 0) return Alignment::Gone;
+  PGResult res;
+  if (PGExecCur(res, "FETCH ABSOLUTE " + PGNum(position) + " IN " + t.cursorName.Str(), true) != 0 ||
+      res.Rows() < 1) {
+    t.cursorAt = -1;
+    return Alignment::Elsewhere;
+  }
+  t.cursorAt = position;
+  if (res.Value(0, 0) != t.curValues[0]) return Alignment::Elsewhere;
+  PGLoadCurrent(t, res, 0);
+  t.viewStale = t.posStale = false;
+  t.curRec = position;
+  return Alignment::Placed;
+}
+
+}  // namespace
+
 bool PGPozK0(int16_t tbl) {
   PGTable* t = PGTableAt(tbl);
   if (!t || !t->cursorOpen) return true;
   PGLastOp += " PGPozK0";
   const bool refresh = t->rebuildCursor || PGTblChanged(tbl);
-  const bool locked = refresh && NeedsOwnLock(*t);
-  if (locked) {
-    (void)PGTransBegin();
-    if (PGRunStatement("LOCK TABLE " + t->baseName.Str() + " IN SHARE MODE") != 0) {
-      (void)PGTransCommit();
-      return true;
-    }
-  }
-  const bool failed = refresh && PGOdswK(tbl);
-  const int32_t position = failed ? 0 : CountPosition(*t);
-  if (locked) (void)PGTransCommit();
-  if (position <= 0) return true;
-  PGResult res;
-  if (PGExecCur(res, "FETCH ABSOLUTE " + PGNum(position) + " IN " + t->cursorName.Str(), true) != 0 ||
-      res.Rows() < 1) {
-    t->cursorAt = -1;
-    return true;
-  }
-  t->cursorAt = position;
-  // The row at that place must be ours: otherwise it was deleted meanwhile.
-  if (res.Value(0, 0) != t->curValues[0]) return true;
-  PGLoadCurrent(*t, res, 0);
-  t->viewStale = t->posStale = false;
-  t->curRec = position;
-  return false;
+  const Alignment found = AlignOnCurrent(tbl, *t, refresh);
+  if (found == Alignment::Placed) return false;
+  // The row is in the table, but the snapshot has other rows at its place:
+  // someone wrote before it and has not published yet. A fresh snapshot
+  // decides whether it is really gone.
+  if (found == Alignment::Elsewhere && !refresh) return AlignOnCurrent(tbl, *t, true) != Alignment::Placed;
+  return true;
 }
 
 bool PGPoz0(int16_t tbl) {
@@ -115,9 +137,7 @@ bool PGPoz0(int16_t tbl) {
   if (cols.empty()) {
     if (!Count("SELECT COUNT(*)" + from + "OID <= " + PGValueLiteral(PGKind::Number, oid), position)) return true;
   } else {
-    position = PlaceAmong("SELECT OID" + from + Column(*t, cols[0]) + " <= " + CurrentLiteral(*t, cols[0]) +
-                              PGOrderText(*t, false),
-                          oid);
+    position = PlaceAmong("SELECT OID" + from + CurrentCondition(*t, cols[0], " <= ") + PGOrderText(*t, false), oid);
     if (position == 0) return true;
   }
   t->nocPos = position;

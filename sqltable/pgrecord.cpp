@@ -226,9 +226,23 @@ int16_t PGRecLen(int16_t tbl, int32_t& size) {
 }
 
 std::string PGValueLiteral(PGKind kind, std::string_view value) {
-  if (kind == PGKind::Number) {
+  if (kind == PGKind::Number || kind == PGKind::Date) {
     if (value.empty()) return "NULL";
-    if (IsPlainNumber(value)) return std::string(value);
+    if (kind == PGKind::Number && IsPlainNumber(value)) return std::string(value);
   }
   return "'" + PGEscapeStr(value) + "'";
+}
+
+std::string PGCondition(std::string_view column, PGKind kind, std::string_view value, std::string_view op) {
+  std::string out(column);
+  const std::string literal = PGValueLiteral(kind, value);
+  if (literal != "NULL") return out.append(op).append(literal);
+  std::string_view bare = op;
+  while (!bare.empty() && bare.front() == ' ') bare.remove_prefix(1);
+  while (!bare.empty() && bare.back() == ' ') bare.remove_suffix(1);
+  // The ascending order puts NULL rows last: all others are before them.
+  if (bare == "=") return out + " IS NULL";
+  if (bare == "<") return out + " IS NOT NULL";
+  if (bare == "<=") return "TRUE";
+  return "FALSE";
 }

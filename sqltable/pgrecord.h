@@ -112,9 +112,14 @@ PGRecordBuffer* PGRecordAt(int rec);
 [[nodiscard]] int16_t PGRecCheckField(int16_t rec, int fld, PGRecordBuffer*& buf);
 // The blank value text of a kind.
 std::string_view PGBlankValue(PGKind kind);
-// A value as an SQL literal of its kind: text, date and blob escaped in single
-// quotes even when empty; a number bare, "NULL" when empty, and quoted when it
-// is not plain number text, so that no value can change a statement.
+// A value as an SQL literal of its kind: text and blob escaped in single
+// quotes even when empty; a number bare, and quoted when it is not plain
+// number text, so that no value can change a statement; an empty number or
+// date is "NULL" (a NULL that another program wrote reads back as empty).
 std::string PGValueLiteral(PGKind kind, std::string_view value);
+// column op value, for op "=", "<", "<=" or ">" (spaces around it kept). An
+// empty number or date stands for NULL, which sorts after every value, so the
+// comparison becomes the matching IS NULL / IS NOT NULL test.
+std::string PGCondition(std::string_view column, PGKind kind, std::string_view value, std::string_view op);
 // Number of open record buffers.
 int PGRecordBufferCount();

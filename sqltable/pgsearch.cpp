@@ -27,15 +27,14 @@ std::string Head(const Search& s) {
   return out;
 }
 
-std::string SearchLiteral(const Search& s, int f) { return PGValueLiteral(s.t->fields[f].kind, s.buf->fields[f].value); }
-
 // f1=v1 AND ... for the first count compared fields, then the last one with op.
 std::string Compare(const Search& s, int count, const char* lastOp) {
   std::string out;
   for (int i = 0; i < count; ++i) {
     if (i > 0) out += " AND ";
     const int f = s.fields[static_cast<std::size_t>(i)];
-    out += s.t->fields[f].name.Str() + (i + 1 == count ? lastOp : "=") + SearchLiteral(s, f);
+    out += PGCondition(s.t->fields[f].name.View(), s.t->fields[f].kind, s.buf->fields[f].value,
+                       i + 1 == count ? lastOp : "=");
   }
   return out;
 }
@@ -88,13 +87,17 @@ int16_t NextAfterCurrent(const Search& s, const std::string& equal) {
     return found ? kPGOk : kPGRecordNotFound;
   }
   // The current record's values are taken before any row replaces them.
-  std::vector<std::pair<std::string, std::string>> current;
-  for (int c : cols) current.emplace_back(t.fields[c].name.Str(), PGValueLiteral(t.fields[c].kind, t.curValues[c]));
+  std::vector<std::pair<std::string, std::string>> current;  // column "=" value, column ">" value
+  for (int c : cols) {
+    const PGField& f = t.fields[c];
+    current.emplace_back(PGCondition(f.name.View(), f.kind, t.curValues[c], "="),
+                         PGCondition(f.name.View(), f.kind, t.curValues[c], ">"));
+  }
   for (int i = static_cast<int>(cols.size()); i >= 1 && !found; --i) {
     std::string sql = equal;
     for (int j = 0; j < i; ++j) {
-      const auto& [name, value] = current[static_cast<std::size_t>(j)];
-      sql += " AND " + name + (j + 1 == i ? ">" : "=") + value;
+      const auto& [same, after] = current[static_cast<std::size_t>(j)];
+      sql += " AND " + (j + 1 == i ? after : same);
     }
     if (int16_t code = TryPlace(s, sql + asc, found)) return code;
   }

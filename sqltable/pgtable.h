@@ -14,6 +14,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "base/shorttext.h"
@@ -27,6 +28,9 @@ inline constexpr int kPGMaxFields = 255;
 inline constexpr int kPGFirstComposite = 256;
 inline constexpr int kPGLastComposite = 1255;
 inline constexpr int kPGRowCacheSize = 60;
+// Longest SQL table name: with "_", a 25-byte field name and "_U" an index
+// name still fits the server's 63-byte identifiers.
+inline constexpr std::size_t kPGMaxSqlName = 35;
 
 // How a value is written in SQL; the numbers are those of record buffers.
 enum class PGKind : uint8_t { Number = 0, Text = 1, Blob = 2, Date = 3 };
@@ -94,6 +98,10 @@ struct PGTable {
   // The rows that the next FETCH FORWARD returns follow row cursorAt; -1 when
   // the server cursor's place is not known.
   int32_t cursorAt = 0;
+  // Rows this process updated in place since the snapshot was taken, by row
+  // id: a fetch from the older snapshot shows them as written, never as they
+  // were. Emptied with every new snapshot.
+  std::unordered_map<std::string, std::vector<std::string>> ownWrites;
 
   // Write state.
   bool changedByUs = false;  // a change counter bump is owed
@@ -140,7 +148,9 @@ PGTableHooks& PGHooks();
 
 // --- Names and types ---
 // SQL identifier of a path or field name: upper case, '\' to '_', letters,
-// digits and '_' kept, other bytes as two hex digits, "N" before a non-letter start.
+// digits and '_' kept, other bytes as two hex digits, "N" before a non-letter
+// start. A result longer than kPGMaxSqlName keeps its head and ends in "_" and
+// ten hex digits of a hash of the whole, so distinct names stay distinct.
 ShortText PGSqlName(const ShortText& name);
 // Text escaped for use between single quotes: byte 0 to a blank, 1..31 as a
 // backslash and three octal digits, and \ before % ' \ _.

@@ -19,12 +19,45 @@ int16_t CheckPair(int16_t tbl, int16_t rec, PGTable*& t, PGRecordBuffer*& buf) {
   return buf->nFields == t->nFields ? kPGOk : kPGLayoutDiffers;
 }
 
+// Rows of in-place updates remembered for the older snapshot; beyond this
+// the next move takes a fresh snapshot instead.
+constexpr std::size_t kMaxOwnWrites = 1000;
+
 // After a write this process owes a counter bump and must re-read the table.
 void MarkChanged(PGTable& t) {
   t.viewStale = true;
   t.changedByUs = true;
   t.rebuildCursor = true;
   t.controlStale = true;
+}
+
+// A write that moved rows in the order: cached rows and their numbers are
+// void, and the current row floats until the next move places it.
+void MarkMoved(PGTable& t) {
+  PGCacheClear(t);
+  t.posStale = true;
+}
+
+// An update in place: every copy of the row this process holds, in the row
+// cache and for fetches from the older snapshot, takes the written values.
+void RememberUpdatedRow(PGTable& t) {
+  const std::string& oid = t.curValues[0];
+  if (t.cacheOn)
+    for (int i = 0; i < t.cacheCount; ++i)
+      if (t.rowCache[i].values[0] == oid) t.rowCache[i].values = t.curValues;
+  if (t.ownWrites.size() >= kMaxOwnWrites && !t.ownWrites.contains(oid)) {
+    MarkMoved(t);  // the next move declares a fresh snapshot, which empties the list
+    return;
+  }
+  t.ownWrites[oid] = t.curValues;
+}
+
+// Someone else deleted the row that a write aimed at: the table must be read
+// again before anything of it is shown.
+int16_t RowGone(PGTable& t) {
+  t.viewStale = t.rebuildCursor = true;
+  MarkMoved(t);
+  return kPGRecordGone;
 }
 
 void CopyToCurrent(PGTable& t, const PGRecordBuffer& buf) {
@@ -56,7 +89,7 @@ std::string CurrentRowCondition(const PGTable& t) {
   std::string where = " WHERE ";
   for (int f = 1; f <= t.nKeyFields; ++f) {
     if (f > 1) where += " AND ";
-    where += t.fields[f].name.Str() + "=" + PGValueLiteral(t.fields[f].kind, t.curValues[f]);
+    where += PGCondition(t.fields[f].name.View(), t.fields[f].kind, t.curValues[f], "=");
   }
   return where;
 }
@@ -97,7 +130,7 @@ std::string UpdateStatement(const PGTable& t, const PGRecordBuffer& buf) {
     if (f > 1) sql += ',';
     sql += t.fields[f].name.Str() + "=" + PGValueLiteral(t.fields[f].kind, buf.fields[f].value);
   }
-  return sql + CurrentRowCondition(t);
+  return sql + CurrentRowCondition(t) + " RETURNING oid";
 }
 
 // A table not yet placed is placed on its first row.
@@ -110,7 +143,7 @@ std::string RowLockCondition(const PGTable& t, const PGRecordBuffer& buf, bool s
   std::string where;
   for (int f = single ? fldOrCount : 1; f <= fldOrCount; ++f) {
     if (!where.empty()) where += " AND ";
-    where += t.fields[f].name.Str() + "=" + PGValueLiteral(t.fields[f].kind, buf.fields[f].value);
+    where += PGCondition(t.fields[f].name.View(), t.fields[f].kind, buf.fields[f].value, "=");
   }
   return where;
 }
@@ -127,7 +160,7 @@ int16_t PGRecAppend(int16_t tbl, int16_t rec) {
   t->curValues[0].assign(res.Value(0, 0));
   CopyToCurrent(*t, *buf);
   t->positioned = true;
-  t->posStale = true;
+  MarkMoved(*t);
   MarkChanged(*t);
   ++t->rowCount;
   return kPGOk;
@@ -146,9 +179,13 @@ int16_t PGRecUpdate(int16_t tbl, int16_t rec) {
   if (changed == 0) return kPGOk;  // nothing is sent and the table is not marked changed
   PGLastOp = "PGRecUpdate";
   PGResult res;
-  if (PGExec(res, UpdateStatement(*t, *buf), false) != 0) return kPGSqlFailed;
+  if (PGExec(res, UpdateStatement(*t, *buf), true) != 0) return kPGSqlFailed;
+  if (res.Rows() == 0) return RowGone(*t);
   CopyToCurrent(*t, *buf);
-  if (orderMayChange) t->posStale = true;
+  if (orderMayChange)
+    MarkMoved(*t);
+  else
+    RememberUpdatedRow(*t);
   t->positioned = true;
   MarkChanged(*t);
   return kPGOk;
@@ -161,9 +198,11 @@ int16_t PGRecDelete(int16_t tbl) {
   PGLastOp = "PGRecDelete";
   PGResult res;
   // The real table, even while a snapshot stands in for reading.
-  if (PGExec(res, "DELETE FROM " + t->baseName.Str() + CurrentRowCondition(*t), false) != 0) return kPGSqlFailed;
+  if (PGExec(res, "DELETE FROM " + t->baseName.Str() + CurrentRowCondition(*t) + " RETURNING oid", true) != 0)
+    return kPGSqlFailed;
+  if (res.Rows() == 0) return RowGone(*t);
   t->positioned = false;
-  t->posStale = true;
+  MarkMoved(*t);
   t->curRec = std::max(0, t->curRec - 1);
   t->rowCount = std::max(0, t->rowCount - 1);
   MarkChanged(*t);

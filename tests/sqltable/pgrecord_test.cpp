@@ -158,9 +158,9 @@ TEST_F(RecordTest, DatesTravelAsDaySerials) {
   ASSERT_EQ(PGPutBlank(rec_, kDate), 0);
   ASSERT_EQ(PGGetDate(rec_, kDate, days), 0);
   EXPECT_EQ(days, kBlankDateSerial);
-  PGRecordAt(rec_)->fields[kDate].value = "";
+  PGRecordAt(rec_)->fields[kDate].value = "";  // a NULL that another program wrote
   ASSERT_EQ(PGGetDate(rec_, kDate, days), 0);
-  EXPECT_EQ(days, 0);
+  EXPECT_EQ(days, kBlankDateSerial);
   PGRecordAt(rec_)->fields[kDate].value = "31.12/1999";  // digits only count: 3112 1999 is no day
   ASSERT_EQ(PGGetDate(rec_, kDate, days), 0);
   EXPECT_EQ(days, 0);
