@@ -52,6 +52,7 @@ int ParseDescriptors(std::span<const unsigned char> b, int first, int size, int 
     if (at >= limit) return kDbfNotDbase;  // no end mark inside the header
     if (at >= static_cast<int>(b.size())) return kDbfUnexpectedEnd;
     if (b[at] == kDescriptorEnd) break;
+    if (at + size > limit) return kDbfNotDbase;  // a descriptor reaching past the header
     if (at + size > static_cast<int>(b.size())) return kDbfUnexpectedEnd;
     DbfField field;
     field.name = FieldName(&b[at]);
@@ -76,6 +77,7 @@ int ParseDbase3(std::span<const unsigned char> b, Layout& out) {
   out.headerSize = Word(b, 8);
   out.recordSize = Word(b, 10);
   if (out.headerSize < 32 + 1 || out.recordSize < 2) return kDbfNotDbase;
+  if (out.headerSize > static_cast<int>(b.size())) return kDbfUnexpectedEnd;
   if (b[kLanguageByte] == kLanguageLatin2) out.codePage = DbfCodePage::kLatin2;
   if (b[kLanguageByte] == kLanguageCp1250) out.codePage = DbfCodePage::kCp1250;
   // Descriptors end with 0x0D; the header may be longer (some writers pad it), never shorter.
@@ -89,6 +91,7 @@ int ParseDbase2(std::span<const unsigned char> b, Layout& out) {
   out.recordSize = Word(b, 6);
   out.headerSize = kDbase2HeaderSize;
   if (out.recordSize < 2) return kDbfNotDbase;
+  if (b.size() < kDbase2HeaderSize) return kDbfUnexpectedEnd;
   return ParseDescriptors(b, kDbase2FirstDescriptor, kDbase2DescriptorSize, kDbase2HeaderSize, 11, 12, 15, out);
 }
 
