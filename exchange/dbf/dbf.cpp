@@ -63,17 +63,6 @@ void AdoptLayout(DbfFile& t, const Layout& layout) {
   io.failure = 0;
 }
 
-Layout LayoutOf(const DbfFile& t) {
-  Layout l;
-  l.version = t.version;
-  l.recordCount = t.recordCount;
-  l.headerSize = t.headerSize;
-  l.recordSize = t.recordSize;
-  l.fields = t.fields;
-  l.codePage = t.codePage;
-  return l;
-}
-
 int64_t RecordPosition(const DbfFile& t, int64_t n) { return t.headerSize + (n - 1) * t.recordSize; }
 
 // A write failed: what is pending is dropped, and the table remembers it so
@@ -123,7 +112,7 @@ int FinishHeader(DbfFile& t) {
   TodayParts(year, month, day);
   unsigned char bytes[8] = {};
   int length = 0;
-  const int at = dbf_detail::CountAndDateBytes(LayoutOf(t), year, month, day, bytes, length);
+  const int at = dbf_detail::CountAndDateBytes(t.version, t.recordCount, year, month, day, bytes, length);
   if (int r = WriteAt(t, at, bytes, length); r != 0) return r;
   const unsigned char end = dbf_detail::kEndOfFile;
   return WriteAt(t, RecordPosition(t, t.recordCount + 1), &end, 1);

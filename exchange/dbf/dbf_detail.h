@@ -39,8 +39,8 @@ int LayoutFields(std::span<const DbfFieldSpec> specs, Layout& out);
 std::vector<unsigned char> BuildHeader(const Layout& layout, int year, int month, int day);
 // The header bytes that change with the records: the count and the date, for
 // dBASE 3 (bytes 1..7) or dBASE 2 (bytes 1..5); returns the offset and fills out.
-int CountAndDateBytes(const Layout& layout, int year, int month, int day, std::span<unsigned char, 8> out,
-                      int& length);
+int CountAndDateBytes(int version, int64_t recordCount, int year, int month, int day,
+                      std::span<unsigned char, 8> out, int& length);
 // True for the six field types the layer knows.
 bool KnownFieldType(char type);
 

@@ -134,7 +134,7 @@ std::vector<unsigned char> BuildHeader(const Layout& layout, int year, int month
   h[0] = static_cast<unsigned char>(layout.version);
   unsigned char countAndDate[8] = {};
   int length = 0;
-  const int at = CountAndDateBytes(layout, year, month, day, countAndDate, length);
+  const int at = CountAndDateBytes(layout.version, layout.recordCount, year, month, day, countAndDate, length);
   std::memcpy(&h[at], countAndDate, length);
   PutWord(&h[8], layout.headerSize);
   PutWord(&h[10], layout.recordSize);
@@ -152,10 +152,10 @@ std::vector<unsigned char> BuildHeader(const Layout& layout, int year, int month
   return h;
 }
 
-int CountAndDateBytes(const Layout& layout, int year, int month, int day, std::span<unsigned char, 8> out,
-                      int& length) {
-  const auto count = static_cast<uint32_t>(layout.recordCount);
-  if (layout.version == 2) {
+int CountAndDateBytes(int version, int64_t recordCount, int year, int month, int day,
+                      std::span<unsigned char, 8> out, int& length) {
+  const auto count = static_cast<uint32_t>(recordCount);
+  if (version == 2) {
     PutWord(&out[0], static_cast<int>(count > 0xFFFF ? 0xFFFF : count));
     out[2] = static_cast<unsigned char>(month);
     out[3] = static_cast<unsigned char>(day);
