@@ -243,7 +243,7 @@ int DbfClose(DbfFile& t) {
   if (!t.readOnly && t.tableChanged) {
     if (io.failure == 0) DbfFlushPending(t);
     // A file removed while we wrote it is reported, not quietly completed.
-    if (!io.created && !FileExists(io.path)) WriteFailed(t, ENOENT);
+    if (!io.created && ::access(io.path.Str().c_str(), F_OK) != 0) WriteFailed(t, ENOENT);
     status = io.failure;
     // An opened file keeps the count of its whole records; a created one that failed goes.
     if (!(io.created && status != 0))
