@@ -5,6 +5,7 @@
 #pragma once
 
 #include <cstddef>
+#include <string_view>
 
 #include "base/shorttext.h"
 
@@ -71,9 +72,9 @@ struct Utf8Source {
 };
 
 // Decodes UTF-8 (without the terminating zero) into Mazovia bytes.
-template <std::size_t N>
-consteval ShortText ToMazovia(const Utf8Source<N>& src) {
-  ShortText out;
+// Calls put(byte) for each Mazovia byte of the UTF-8 source text.
+template <std::size_t N, typename Put>
+consteval void ForEachMazoviaByte(const Utf8Source<N>& src, Put put) {
   std::size_t i = 0;
   const std::size_t n = N - 1;
   while (i < n) {
@@ -92,11 +93,36 @@ consteval ShortText ToMazovia(const Utf8Source<N>& src) {
       cp = (cp << 6) | (c & 0x3F);
     }
     i += 1 + extra;
-    if (out.Length() >= 255) throw "system text longer than 255 bytes";
-    out.Append(static_cast<char>(ByteForCodePoint(cp)));
+    put(static_cast<char>(ByteForCodePoint(cp)));
   }
+}
+
+template <std::size_t N>
+consteval ShortText ToMazovia(const Utf8Source<N>& src) {
+  ShortText out;
+  ForEachMazoviaByte(src, [&out](char c) {
+    if (out.Length() >= 255) throw "system text longer than 255 bytes";
+    out.Append(c);
+  });
   return out;
 }
+
+// The Mazovia bytes of a text of any length (at most N - 1 bytes).
+template <std::size_t N>
+struct LongMazovia {
+  char bytes[N] = {};
+  std::size_t length = 0;
+};
+
+template <std::size_t N>
+consteval LongMazovia<N> ToLongMazovia(const Utf8Source<N>& src) {
+  LongMazovia<N> out;
+  ForEachMazoviaByte(src, [&out](char c) { out.bytes[out.length++] = c; });
+  return out;
+}
+
+template <Utf8Source S>
+inline constexpr auto kLongMazovia = ToLongMazovia(S);
 
 }  // namespace mazovia_detail
 
@@ -104,4 +130,11 @@ consteval ShortText ToMazovia(const Utf8Source<N>& src) {
 template <mazovia_detail::Utf8Source S>
 consteval ShortText operator""_mz() {
   return mazovia_detail::ToMazovia(S);
+}
+
+// A system text longer than a ShortText holds (a description written to a
+// file, say), in Mazovia bytes made at compile time and kept in static storage.
+template <mazovia_detail::Utf8Source S>
+consteval std::string_view operator""_mzl() {
+  return std::string_view(mazovia_detail::kLongMazovia<S>.bytes, mazovia_detail::kLongMazovia<S>.length);
 }
