@@ -144,7 +144,7 @@ Outcome RenameRow(const UserRecord& user) {
   Checked(t.code());
   if (NameTaken(t, user)) return Outcome::kRefused;
   if (Checked(t.SeekNumber(user.number), kPGRecordNotFound) != 0) return Outcome::kGone;
-  Checked(PGRecGet(t.tbl(), t.rec()));
+  Checked(t.Load());
   Checked(PGPutAlpha(t.rec(), userfld::kImie, user.firstName));
   Checked(PGPutAlpha(t.rec(), userfld::kNazwisko, user.surname));
   Checked(PGRecUpdate(t.tbl(), t.rec()));

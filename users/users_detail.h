@@ -27,6 +27,8 @@ class UsersTable {
   [[nodiscard]] int16_t SeekNumber(int32_t number);
   // Places it on the row of the name (first name and surname): 0, 89 or a failure.
   [[nodiscard]] int16_t SeekName(const ShortText& firstName, const ShortText& surname);
+  // The current row into the buffer, ready to be written back.
+  [[nodiscard]] int16_t Load();
   // The current row into user.
   [[nodiscard]] int16_t Read(UserRecord& user);
   // user into the buffer, every field.

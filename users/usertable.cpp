@@ -102,6 +102,18 @@ int16_t UsersTable::SeekName(const ShortText& firstName, const ShortText& surnam
   return PGSrchKey(tbl_, rec_, 2, 0);
 }
 
+int16_t UsersTable::Load() {
+  if (int16_t code = PGRecGet(tbl_, rec_)) return code;
+  // A row written by other means may hold no date; the server refuses the empty text back.
+  for (int fld : {userfld::kDataDopisania, userfld::kDataHasla, userfld::kDataWejscia, userfld::kDataWyjscia}) {
+    bool blank = false;
+    if (int16_t code = PGFldBlank(rec_, fld, blank)) return code;
+    if (blank)
+      if (int16_t code = PGPutBlank(rec_, fld)) return code;
+  }
+  return kPGOk;
+}
+
 int16_t UsersTable::Read(UserRecord& u) {
   if (int16_t code = PGRecGet(tbl_, rec_)) return code;
   ShortText rights;
@@ -225,7 +237,7 @@ int16_t UserStore(const UserRecord& user, bool& found) {
   const int16_t code = t.SeekNumber(user.number);
   if (code == kPGRecordNotFound) return kPGOk;
   if (code) return code;
-  if (int16_t c = PGRecGet(t.tbl(), t.rec())) return c;
+  if (int16_t c = t.Load()) return c;
   if (int16_t c = t.Fill(user)) return c;
   if (int16_t c = PGRecUpdate(t.tbl(), t.rec())) return c;
   found = true;
