@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 
 #include "sqltable/pgwrite.h"
+#include "tui/keyboard.h"
 
 namespace {
 
@@ -36,6 +37,12 @@ std::vector<KeyPair> Type(const std::string& text, std::vector<KeyPair> after) {
   return keys;
 }
 
+std::vector<KeyPair> Retype(int count, const std::string& text) {
+  std::vector<KeyPair> keys(static_cast<std::size_t>(count), keys::kBackspace);
+  for (KeyPair k : Type(text, {keys::kEnter})) keys.push_back(k);
+  return keys;
+}
+
 void UsersTest::SetUp() {
   CatalogueTest::SetUp();
   tui_test::InitTerminal("linux");  // special font: the bytes on the screen stay as drawn
@@ -57,6 +64,8 @@ void UsersTest::Play(std::vector<Step> steps) {
   gNext = 0;
   SetKeyIdleHook(NextStep);
 }
+
+void UsersTest::ForgetScreens() { gScreens.clear(); }
 
 bool UsersTest::Shown(const ShortText& text) {
   std::vector<std::string> lines(1);

@@ -13,12 +13,15 @@
 #include "users/users.h"
 
 struct Step {
+  Step(std::vector<KeyPair> k, std::function<void()> b = {}) : keys(std::move(k)), before(std::move(b)) {}
   std::vector<KeyPair> keys;
-  std::function<void()> before;
+  std::function<void()> before;  // runs before the keys go in
 };
 
 // Keys of typed text followed by further keys.
 std::vector<KeyPair> Type(const std::string& text, std::vector<KeyPair> after = {});
+// Keys that rub out count characters of a field, type text and press Enter.
+std::vector<KeyPair> Retype(int count, const std::string& text);
 
 class UsersTest : public CatalogueTest {
  protected:
@@ -26,6 +29,8 @@ class UsersTest : public CatalogueTest {
   void TearDown() override;
   // Feeds the steps whenever a key is wanted; after the last the input ends (Esc).
   static void Play(std::vector<Step> steps);
+  // Forgets the screens seen so far.
+  static void ForgetScreens();
   // True when some screen seen so far showed every line of the text ("@" between lines).
   static bool Shown(const ShortText& text);
   // How many screens showed the text's first line.
