@@ -3,6 +3,9 @@
 #include <sys/stat.h>
 
 #include "base/paths.h"
+#include "base/text.h"
+#include "exchange/dbf/dbf.h"
+#include "tui/keyboard.h"
 #include "users_fixture.h"
 
 namespace {
@@ -84,6 +87,40 @@ TEST_F(UsersTest, CurrentUserState) {
   ClearCurrentUser();
   EXPECT_FALSE(UserLoggedIn() || CurrentUserRight(UserRight::kBelowZero) || CurrentUserIsManager());
   EXPECT_EQ(CurrentUserNumber(), kNoUser);
+}
+
+}  // namespace
+
+namespace {
+
+// The copy read back with the DBF reader: "NUMER:IMIE:NAZWISKO:UPR_MAX:UPRAWN:STATUS" per record.
+std::string CopyRows() {
+  DbfFile dbf;
+  if (DbfOpen(dbf, "dane\\uzytkown\\uzytkown.dbf") != 0) return "unreadable";
+  std::string rows;
+  for (int64_t n = 1; n <= dbf.recordCount; ++n) {
+    if (DbfReadRecord(dbf, n) != 0) return "bad record";
+    for (int f = 1; f <= 6; ++f) rows += TrimLeftAll(DbfGetField(dbf, f), ' ').Str() + (f < 6 ? ":" : "\n");
+  }
+  (void)DbfClose(dbf);
+  return rows;
+}
+
+TEST_F(UsersTest, CopyOfTheListReadsBackWithoutPasswords) {
+  AddRow(1, "Jan", "Nowak");
+  ASSERT_TRUE(Psql("UPDATE dane_uzytkown_uzytkown SET haslo = '7878', uprawnienia = 'TNNNNNNNNNNNT' WHERE numer = 1"));
+  ASSERT_TRUE(UsersWriteDbfCopy());
+  EXPECT_EQ(CopyRows(), "0:Kierownik:Systemu:1:TTTTTTTTTTTTT:N\n1:Jan:Nowak:0:TNNNNNNNNNNNT:N\n");
+  EXPECT_EQ(ReadFile("dane/uzytkown/uzytkown.dbf").find("xx"), std::string::npos);
+  // A copy that cannot be written is said; the table keeps its rows.
+  ASSERT_TRUE(Psql("DELETE FROM dane_uzytkown_uzytkown WHERE numer = 1"));
+  ASSERT_EQ(std::remove("dane/uzytkown/uzytkown.dbf"), 0);
+  ASSERT_EQ(mkdir("dane/uzytkown/uzytkown.dbf", 0755), 0);  // a directory in the copy's place
+  Play({{{keys::kEnter}}});
+  EXPECT_FALSE(UsersWriteDbfCopy());
+  EXPECT_TRUE(Shown("Nie można otworzyć pliku kopii listy użytkowników !"_mz));
+  EXPECT_TRUE(DirExists("dane/uzytkown/uzytkown.dbf"));
+  EXPECT_EQ(Scalar("SELECT count(*) FROM dane_uzytkown_uzytkown"), "1");
 }
 
 }  // namespace
