@@ -3,7 +3,6 @@
 #include <utility>
 #include <vector>
 
-#include "base/filevar.h"
 #include "base/mazovia.h"
 #include "base/text.h"
 #include "tui/keyboard.h"
@@ -157,12 +156,6 @@ uint32_t PickMulti(uint8_t colour, int16_t initial, int16_t endMode, uint8_t col
 
 uint32_t PickMultiFile(uint8_t colour, int16_t initial, int16_t endMode, uint8_t column, uint8_t row,
                        const ShortText& title, const ShortText& fileName, KeyPair& outKey, uint32_t& marks) {
-  std::vector<ShortText> rows;
-  FileVar file;
-  AssignFile(file, fileName);
-  if (file.Reset(kFileModeReadOnly) == 0)
-    for (ShortText line; static_cast<int>(rows.size()) < kPickMultiMaxRows && file.ReadLine(line);)
-      rows.push_back(line);
-  if (rows.empty()) rows.emplace_back();
-  return RunMulti(colour, initial, endMode, column, row, title, std::move(rows), outKey, marks);
+  return RunMulti(colour, initial, endMode, column, row, title, tui_detail::ReadChoiceLines(fileName, kPickMultiMaxRows),
+                  outKey, marks);
 }
