@@ -1,5 +1,6 @@
 // The box of the selection lists: a message box of code 2 with blank lines
 // where the rows go, and the window narrowed to those rows.
+#include "base/filevar.h"
 #include "base/text.h"
 #include "tui/msgbox.h"
 #include "tui/picklist.h"
@@ -44,6 +45,16 @@ std::vector<ShortText> SplitChoices(const ShortText& options, int limit) {
     choices.push_back(options.Copy(start, i - start));
     start = i + 1;
   }
+  return choices;
+}
+
+std::vector<ShortText> ReadChoiceLines(const ShortText& fileName, int limit) {
+  std::vector<ShortText> choices;
+  FileVar file;
+  AssignFile(file, fileName);
+  if (file.Reset(kFileModeReadOnly) == 0)
+    for (ShortText line; static_cast<int>(choices.size()) < limit && file.ReadLine(line);) choices.push_back(line);
+  if (choices.empty()) choices.emplace_back();
   return choices;
 }
 

@@ -3,7 +3,6 @@
 #include "tui/picklist.h"
 
 #include "base/codepage.h"
-#include "base/filevar.h"
 #include "base/mazovia.h"
 #include "base/text.h"
 #include "tui/keyboard.h"
@@ -172,12 +171,6 @@ int16_t PickList(uint8_t colour, int16_t initial, int16_t endMode, uint8_t colum
 
 int16_t PickListFile(uint8_t colour, int16_t initial, int16_t endMode, uint8_t column, uint8_t row,
                      const ShortText& title, const ShortText& fileName, unsigned char& outCh, unsigned char& outScan) {
-  std::vector<ShortText> choices;
-  FileVar file;
-  AssignFile(file, fileName);
-  if (file.Reset(kFileModeReadOnly) == 0)
-    for (ShortText line; static_cast<int>(choices.size()) < kPickMaxChoices && file.ReadLine(line);)
-      choices.push_back(line);
-  if (choices.empty()) choices.emplace_back();
-  return PickChoices(colour, initial, endMode, column, row, title, choices, outCh, outScan);
+  return PickChoices(colour, initial, endMode, column, row, title,
+                     tui_detail::ReadChoiceLines(fileName, kPickMaxChoices), outCh, outScan);
 }

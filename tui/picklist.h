@@ -45,3 +45,7 @@ int16_t PickListFile(uint8_t colour, int16_t initial, int16_t endMode, uint8_t c
 // (marks then unchanged); outKey receives the key that ended it.
 uint32_t PickMulti(uint8_t colour, int16_t initial, int16_t endMode, uint8_t column, uint8_t row,
                    const ShortText& title, const ShortText& options, KeyPair& outKey, uint32_t& marks);
+// PickMulti with each line of a text file as a row (at most kPickMultiMaxRows),
+// for rows that do not fit in one text; a file that cannot be read gives one empty row.
+uint32_t PickMultiFile(uint8_t colour, int16_t initial, int16_t endMode, uint8_t column, uint8_t row,
+                       const ShortText& title, const ShortText& fileName, KeyPair& outKey, uint32_t& marks);

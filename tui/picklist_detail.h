@@ -28,6 +28,9 @@ struct ListBoxSpec {
   uint8_t column = 0, row = 0;
 };
 
+// The lines of a text file as choices, at most limit; a file that cannot be
+// read, or an empty one, gives one empty choice.
+std::vector<ShortText> ReadChoiceLines(const ShortText& fileName, int limit);
 // Number of lines of a text with "@" breaks.
 int LineCount(const ShortText& text);
 // How many rows fit in one box under a title of titleLines lines with hintLines

@@ -1,5 +1,6 @@
 // PickMulti: marks on up to 21 rows, whose fields may stand in aligned
 // columns under a header built from the title.
+#include <utility>
 #include <vector>
 
 #include "base/mazovia.h"
@@ -62,8 +63,8 @@ struct Multi {
 
 // The row texts under a title: when the title's last line has column
 // separators, it is the header and is aligned with the rows.
-ShortText PrepareRows(Multi& m, const ShortText& title, const ShortText& options) {
-  m.rows = tui_detail::SplitChoices(options, kPickMultiMaxRows);
+ShortText PrepareRows(Multi& m, const ShortText& title, std::vector<ShortText> rows) {
+  m.rows = std::move(rows);
   ShortText head = BeforeFirst(title, kHelpMark);
   if (title.Pos(kHelpMark) > 0) m.help = title.Copy(title.Pos(kHelpMark) + 1, 255);
   if (head.Pos(kSeparator.View()) == 0) {
@@ -115,14 +116,12 @@ bool Change(Multi& m, KeyPair k, unsigned char code) {
   return true;
 }
 
-}  // namespace
-
-uint32_t PickMulti(uint8_t colour, int16_t initial, int16_t endMode, uint8_t column, uint8_t row,
-                   const ShortText& title, const ShortText& options, KeyPair& outKey, uint32_t& marks) {
+uint32_t RunMulti(uint8_t colour, int16_t initial, int16_t endMode, uint8_t column, uint8_t row,
+                  const ShortText& title, std::vector<ShortText> rows, KeyPair& outKey, uint32_t& marks) {
   Multi m;
   m.endMode = endMode;
   tui_detail::ListBoxSpec layout;
-  layout.title = PrepareRows(m, title, options);
+  layout.title = PrepareRows(m, title, std::move(rows));
   for (int i = 0; i < static_cast<int>(m.rows.size()); ++i) m.marked[i] = (marks >> i) & 1u;
   m.bar = initial >= 1 && initial <= static_cast<int>(m.rows.size()) ? initial - 1 : 0;
   layout.hints = "╫╨ö - zatwierdzenie"_mz;
@@ -145,4 +144,18 @@ uint32_t PickMulti(uint8_t colour, int16_t initial, int16_t endMode, uint8_t col
     else if (code == 27 && endMode != 0) return 0;
     else Beep(1000);
   }
+}
+
+}  // namespace
+
+uint32_t PickMulti(uint8_t colour, int16_t initial, int16_t endMode, uint8_t column, uint8_t row,
+                   const ShortText& title, const ShortText& options, KeyPair& outKey, uint32_t& marks) {
+  return RunMulti(colour, initial, endMode, column, row, title, tui_detail::SplitChoices(options, kPickMultiMaxRows),
+                  outKey, marks);
+}
+
+uint32_t PickMultiFile(uint8_t colour, int16_t initial, int16_t endMode, uint8_t column, uint8_t row,
+                       const ShortText& title, const ShortText& fileName, KeyPair& outKey, uint32_t& marks) {
+  return RunMulti(colour, initial, endMode, column, row, title, tui_detail::ReadChoiceLines(fileName, kPickMultiMaxRows),
+                  outKey, marks);
 }
