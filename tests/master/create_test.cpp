@@ -150,6 +150,14 @@ TEST_F(MasterTablesTest, ProgressBoxShowsEachStepInItsBrackets) {
   }
 }
 
+// A table that cannot be replaced ends the program with the failure box naming it.
+TEST_F(MasterTablesTest, FailingStepEndsTheProgramNamingTheTable) {
+  ASSERT_TRUE(Psql("CREATE VIEW dane_5_stany_mg AS SELECT 1 AS x"));
+  AnswerBoxesOnStderr();
+  EXPECT_EXIT(CreateWarehouseTables(false, 5), ::testing::ExitedWithCode(0),
+              "Ostatnia otwierana tablica: `DANE_5_STANY_MG[^\n]*\n[^\n]*\\(stany magazynowe - magazyn nr 5\\)");
+}
+
 const char kKatTow[] =
     "nazwa A31,nazwa_ A30,cena_z_n X,cena_z_b X,vat A5,sww A10,czy_od_pl_vat A13,nr_wewn I,indeks_znakowy_isbn A20,"
     "indeks_numeryczny Y,dostawca I,miejsce_w_magazynie A9,k1_pochodzenie_autor A15,k2_wydawca A15,k3_grupa_tow A15,"
