@@ -7,6 +7,13 @@
 #pragma once
 
 #include <cstdint>
+#include <string_view>
+
+// The SQL name of a column from its identifier in a list: the identifier
+// itself, except that a C++ keyword is written with a trailing underscore.
+constexpr const char* ColumnSqlName(const char* ident) {
+  return std::string_view(ident) == "operator_" ? "operator" : ident;
+}
 
 // Headers of goods documents of one warehouse: dane\<nr>\naglowki.
 #define KLOTE_COLUMNS_NAGLOWKI(X)                                                                        \

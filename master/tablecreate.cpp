@@ -215,7 +215,6 @@ void CreateWarehouseTables(bool checkOnly, int32_t warehouse) {
 }
 
 void CreateFirmTables(int isbnLength) {
-  MakeFolder("dane\\pola_ind"_mz);
   const ShortText catalogue("dane\\kat_tow_");
   CheckStep(CreateItemCatalogue(catalogue, isbnLength), catalogue);
   for (const FirmTable& table : kFirmTables) {

@@ -1,18 +1,10 @@
 // The definitions of the application's tables, built from the column lists
 // of master/columns.h with the keys and indexes of each table beside them.
-#include <string_view>
-
 #include "master/tables.h"
 
 namespace {
 
-// The column list's identifier is the SQL name, except where the name is a
-// C++ keyword: such an identifier carries a trailing underscore.
-constexpr const char* SqlColumnName(const char* ident) {
-  return std::string_view(ident) == "operator_" ? "operator" : ident;
-}
-
-#define KLOTE_COLUMN_DEF(name, type) ColumnDef{SqlColumnName(#name), type},
+#define KLOTE_COLUMN_DEF(name, type) ColumnDef{ColumnSqlName(#name), type},
 #define KLOTE_COLUMN_ARRAY(Struct, LIST) constexpr ColumnDef k##Struct##s[] = {LIST(KLOTE_COLUMN_DEF)};
 KLOTE_COLUMN_LISTS(KLOTE_COLUMN_ARRAY)
 #undef KLOTE_COLUMN_ARRAY

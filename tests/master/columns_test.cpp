@@ -18,8 +18,7 @@ void ExpectAgree(const std::vector<NamedColumn>& numbers, int count, const Table
   ASSERT_EQ(static_cast<int>(def.columns.size()), count) << table;
   ASSERT_EQ(numbers.size(), def.columns.size()) << table;
   for (const NamedColumn& c : numbers) {
-    std::string name = c.name == "operator_" ? "operator" : c.name;
-    EXPECT_EQ(def.columns[static_cast<std::size_t>(c.number - 1)].name, name) << table << " column " << c.number;
+    EXPECT_EQ(def.columns[static_cast<std::size_t>(c.number - 1)].name, std::string(ColumnSqlName(c.name.c_str()))) << table << " column " << c.number;
   }
 }
 
