@@ -4,24 +4,19 @@
 // sends. Run: build/bench/bench_tables (needs the PostgreSQL 15 server
 // programs, as the database tests do).
 #include <benchmark/benchmark.h>
-#include <unistd.h>
-
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <string>
 
+#include "bench/bench_db.h"
 #include "master/tables.h"
-#include "pgcluster.h"
 #include "sqltable/pgtable.h"
-#include "tui/screen.h"
 #include "tui/term.h"
 
 namespace {
 
-std::string gScreen;  // the progress box goes here, not to the console
+std::string gScreen;
 int32_t gNextWarehouse = 1000;
 
 void CountStatements(benchmark::State& state, uint64_t statements) {
@@ -66,47 +61,32 @@ void TimeFirstWarehouse() {
   gScreen.clear();
 }
 
-bool SetUp(const std::string& dir, std::string& error) {
-  PgCluster cluster;
-  if (!PgClusterStart(dir + "/state", cluster, error)) return false;
-  const std::string home = dir + "/home";
-  std::filesystem::create_directories(home + "/orbel-sql");
-  std::ofstream(home + "/orbel-sql/conn_parm.cfg")
-      << cluster.socketDir << "\n\n" << cluster.port << "\n" << cluster.user << "\n\npostgres\n";
-  setenv("HOME", home.c_str(), 1);
+// The progress box goes into a string, not to the console.
+void QuietTerminal() {
   setenv("TERM", "xterm", 1);
   TermSetWarningWait(0);
   TermInputFromFd(-1);
   TermOutputToBuffer(&gScreen);
   TermInit();
-  if (chdir(home.c_str()) != 0 || PGSetDefaults() != 0 || PGinitializett() != 0) {
-    error = "connection: " + PGLastOp.Str();
-    return false;
-  }
-  return true;
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
   benchmark::Initialize(&argc, argv);
-  char pattern[] = "/tmp/bench_tables.XXXXXX";
-  const char* dir = mkdtemp(pattern);
-  std::string error = dir ? "" : "no temporary directory";
-  const bool ready = dir && SetUp(dir, error);
-  if (ready) {
-    TimeFirstWarehouse();
-    benchmark::RunSpecifiedBenchmarks();
-  } else {
-    std::fprintf(stderr, "bench_tables: %s\n", error.c_str());
+  QuietTerminal();
+  bool ready = false;
+  {
+    BenchDatabase db("bench_tables");
+    ready = db.Ready();
+    if (ready) {
+      TimeFirstWarehouse();
+      benchmark::RunSpecifiedBenchmarks();
+    } else {
+      std::fprintf(stderr, "bench_tables: %s\n", db.Error().c_str());
+    }
   }
-  PGShutdownTables(1);
-  PGDisconnect();
   TermOutputToBuffer(nullptr);
-  if (dir) {
-    PgClusterStop(std::string(dir) + "/state");
-    std::filesystem::remove_all(dir);
-  }
   benchmark::Shutdown();
   return ready ? 0 : 1;
 }
