@@ -84,12 +84,10 @@ TEST_F(MasterTablesTest, WarehouseTablesHaveTheirColumnsAndKeys) {
   ExpectColumns("dane_7_speckont", kSpecyfik);
   ExpectColumns("dane_7_stany_mg", kStanyMg);
   ExpectColumns("dane_7_ksiega__", kKsiega);
-  EXPECT_EQ(KeyFields("DANE_7_NAGLOWKI"), "1,2,3");
-  EXPECT_EQ(KeyFields("DANE_7_SPECYFIK"), "1,2,3,4");
-  EXPECT_EQ(KeyFields("DANE_7_SPECKONT"), "1,2,3,4");
-  EXPECT_EQ(KeyFields("DANE_7_STANY_MG"), "1");
-  EXPECT_EQ(KeyFields("DANE_7_KASA____"), "1,2,3");
-  EXPECT_EQ(KeyFields("DANE_7_KSIEGASA"), "");
+  const std::pair<const char*, const char*> keys[] = {
+      {"NAGLOWKI", "1,2,3"}, {"SPECYFIK", "1,2,3,4"}, {"SPECKONT", "1,2,3,4"},
+      {"STANY_MG", "1"},     {"KASA____", "1,2,3"},   {"KSIEGA__", "1,2,3"}, {"KSIEGASA", ""}};
+  for (const auto& [table, fields] : keys) EXPECT_EQ(KeyFields("DANE_7_" + std::string(table)), fields) << table;
   const std::string headerIndexes =
       "data_dok(data_dok) data_dok_u(data_dok, typ_dok, nr_dok, znak_dok) "
       "dok_zrodl(typ_dok_zrodl, nr_dok_zrodl, znak_dok_zrodl) nr_kontrahenta(nr_kontrahenta) oidindeks!(oid) "
