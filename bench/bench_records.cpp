@@ -5,19 +5,15 @@
 // count. Run: build/bench/bench_records (needs the PostgreSQL 15 server
 // programs, as the database tests do).
 #include <benchmark/benchmark.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <functional>
 #include <string>
 #include <string_view>
 
-#include "pgcluster.h"
+#include "bench/bench_db.h"
 #include "sqltable/pglib.h"
 #include "sqltable/pgnav.h"
 
@@ -195,19 +191,8 @@ void PrintSummary() {
   }
 }
 
-// A private cluster, a connection through the layer, the table and its cursor.
-bool SetUp(const std::string& dir, std::string& error) {
-  PgCluster cluster;
-  if (!PgClusterStart(dir + "/state", cluster, error)) return false;
-  const std::string home = dir + "/home";
-  std::filesystem::create_directories(home + "/orbel-sql");
-  std::ofstream(home + "/orbel-sql/conn_parm.cfg")
-      << cluster.socketDir << "\n\n" << cluster.port << "\n" << cluster.user << "\n\npostgres\n";
-  setenv("HOME", home.c_str(), 1);
-  if (chdir(home.c_str()) != 0 || PGSetDefaults() != 0 || PGinitializett() != 0) {
-    error = "connection: " + PGLastOp.Str();
-    return false;
-  }
+// The table and its cursor in the connected database.
+bool SetUp(std::string& error) {
   if (!MakeTable() || PGTblOpen("dane\\bench", gTbl, 0) != 0 || PGRecBufOpen(gTbl, gRec) != 0 ||
       PGRecFirst(gTbl) != 0) {
     error = "table: " + PGLastOp.Str();
@@ -220,21 +205,17 @@ bool SetUp(const std::string& dir, std::string& error) {
 
 int main(int argc, char** argv) {
   benchmark::Initialize(&argc, argv);
-  char pattern[] = "/tmp/bench_records.XXXXXX";
-  const char* dir = mkdtemp(pattern);
-  std::string error = dir ? "" : "no temporary directory";
-  const bool ready = dir && SetUp(dir, error);
-  if (ready) {
-    benchmark::RunSpecifiedBenchmarks();
-    PrintSummary();
-  } else {
-    std::fprintf(stderr, "bench_records: %s\n", error.c_str());
-  }
-  PGShutdownTables(1);
-  PGDisconnect();
-  if (dir) {
-    PgClusterStop(std::string(dir) + "/state");
-    std::filesystem::remove_all(dir);
+  bool ready = false;
+  {
+    BenchDatabase db("bench_records");
+    std::string error = db.Error();
+    ready = db.Ready() && SetUp(error);
+    if (ready) {
+      benchmark::RunSpecifiedBenchmarks();
+      PrintSummary();
+    } else {
+      std::fprintf(stderr, "bench_records: %s\n", error.c_str());
+    }
   }
   benchmark::Shutdown();
   return ready ? 0 : 1;
