@@ -55,8 +55,6 @@ constexpr StartStep kStartSteps[] = {
 
 }  // namespace
 
-std::span<const StartStep> StartSteps() { return kStartSteps; }
-
 bool RunStart(AppState& state) {
   for (const StartStep& step : kStartSteps)
     if (!step.run(state)) return false;

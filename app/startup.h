@@ -5,8 +5,6 @@
 // arrives fills its own step in startup.cpp and nothing else.
 #pragma once
 
-#include <span>
-
 #include "app/appstate.h"
 
 struct StartStep {
@@ -14,8 +12,6 @@ struct StartStep {
   bool (*run)(AppState& state);  // false ends the start: the program then ends
 };
 
-// The steps in their order.
-std::span<const StartStep> StartSteps();
 // Runs the steps in order until one returns false or all have run; true when all ran.
 bool RunStart(AppState& state);
 // The end of the program: tables and connection closed, screen cleared, terminal given back.
