@@ -46,6 +46,7 @@ struct List {
   int bar = 0;    // index of the row under the bar
   int page = -1;  // box on the screen
   ListBox box;
+  const PickListHooks* hooks = nullptr;
 };
 
 List BuildList(const std::vector<ShortText>& choices, const ShortText& title, int16_t endMode) {
@@ -97,8 +98,9 @@ void Show(List& l, tui_detail::ScreenKeeper& keeper) {
   tui_detail::WriteListRow(l.box, l.bar - first + 1, l.rows[l.bar], kBarAttr);
 }
 
-bool EndsList(const List& l, unsigned char code) {
+bool EndsList(const List& l, KeyPair key, unsigned char code) {
   if (code == 13) return true;
+  if (l.hooks && l.hooks->endsList && l.hooks->endsList(key)) return true;
   if (code == 27) return l.endMode == 1 || l.endMode == 2;
   return l.endMode == 2 && (code == 245 || code == 247);
 }
@@ -127,6 +129,7 @@ int16_t RunList(List& l, int16_t initial, unsigned char& outCh, unsigned char& o
   l.bar = initial >= 1 && initial <= RowCount(l) ? initial - 1 : 0;
   for (;;) {
     Show(l, keeper);
+    if (l.hooks && l.hooks->barAt) l.hooks->barAt(static_cast<int16_t>(l.bar + 1));
     KeyPair k = ReadKeyUpper();
     unsigned char code = KeyCodeOf(k);
     outCh = k.ch;
@@ -141,15 +144,16 @@ int16_t RunList(List& l, int16_t initial, unsigned char& outCh, unsigned char& o
       MessageBox(l.help, 0);
       continue;
     }
-    if (EndsList(l, code)) return code == 27 ? 0 : static_cast<int16_t>(l.bar + 1);
+    if (EndsList(l, k, code)) return code == 27 ? 0 : static_cast<int16_t>(l.bar + 1);
     Beep(1000);
   }
 }
 
 int16_t PickChoices(uint8_t colour, int16_t initial, int16_t endMode, uint8_t column, uint8_t row,
                     const ShortText& title, const std::vector<ShortText>& choices, unsigned char& outCh,
-                    unsigned char& outScan) {
+                    unsigned char& outScan, const PickListHooks* hooks = nullptr) {
   List l = BuildList(choices, title, endMode);
+  l.hooks = hooks;
   l.attr = PickListAttr(colour);
   l.column = column;
   l.row = row;
@@ -167,6 +171,13 @@ int16_t PickList(uint8_t colour, int16_t initial, int16_t endMode, uint8_t colum
                  const ShortText& title, const ShortText& options, unsigned char& outCh, unsigned char& outScan) {
   return PickChoices(colour, initial, endMode, column, row, title, tui_detail::SplitChoices(options, kPickMaxChoices),
                      outCh, outScan);
+}
+
+int16_t PickListHooked(uint8_t colour, int16_t initial, int16_t endMode, uint8_t column, uint8_t row,
+                       const ShortText& title, const std::vector<ShortText>& choices, const PickListHooks& hooks,
+                       unsigned char& outCh, unsigned char& outScan) {
+  if (choices.empty()) return PickList(colour, initial, endMode, column, row, title, ShortText(), outCh, outScan);
+  return PickChoices(colour, initial, endMode, column, row, title, choices, outCh, outScan, &hooks);
 }
 
 int16_t PickListFile(uint8_t colour, int16_t initial, int16_t endMode, uint8_t column, uint8_t row,

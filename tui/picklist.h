@@ -5,6 +5,8 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
+#include <vector>
 
 #include "base/shorttext.h"
 #include "tui/keydecode.h"
@@ -29,6 +31,19 @@ unsigned char PickListAttr(uint8_t scheme);
 // key that ended the list.
 int16_t PickList(uint8_t colour, int16_t initial, int16_t endMode, uint8_t column, uint8_t row,
                  const ShortText& title, const ShortText& options, unsigned char& outCh, unsigned char& outScan);
+
+// What a menu bar adds to a list: keys that end it as Left and Right do
+// (returning the choice under the bar), and a function told the choice under
+// the bar whenever the list waits for a key.
+struct PickListHooks {
+  std::function<bool(KeyPair)> endsList;
+  std::function<void(int16_t)> barAt;
+};
+// PickList with the hooks, over choices given one by one (a menu's entries
+// together pass the 255 bytes of an option string); empty hooks make it PickList.
+int16_t PickListHooked(uint8_t colour, int16_t initial, int16_t endMode, uint8_t column, uint8_t row,
+                       const ShortText& title, const std::vector<ShortText>& choices, const PickListHooks& hooks,
+                       unsigned char& outCh, unsigned char& outScan);
 
 // PickList with each line of a text file as a choice (at most kPickMaxChoices);
 // a file that cannot be read gives one empty choice.

@@ -1,0 +1,174 @@
+// The real klote in tmux against the test run's cluster: the menu bar after
+// the start, every heading by its function key and by Left and Right, the
+// lists and the explanation line checked against the texts, one entry that
+// is not built yet, and Esc that ends the program. Also the end after a
+// failed connection.
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "dbfixture.h"
+
+namespace {
+
+// What tmux shows (UTF-8; key-caps in their plain form on xterm).
+const std::string kBar = "   F2 Dokumenty   F3 Towary   F4 Kasa   F5 Analizy   F6 Inne       Esc Wyjście";
+
+struct Heading {
+  std::string key;
+  std::vector<std::string> entries;
+  std::string firstExplanation;
+};
+
+const std::vector<Heading> kHeadings = {
+    {"F2",
+     {"Wprowadzanie nowych", "Wprowadzanie nowych i zmiany istniejących", "Wybór aktualnego magazynu"},
+     "Dodawanie nowych dokumentów rozchodu i przychodu towarów, np. faktur, zakupów."},
+    {"F3",
+     {"Katalog towarów", "Operacje na plikach roboczych", "Wybór aktualnego magazynu",
+      "Sprawdzanie obecności towarów"},
+     "Specjalne operacje na katalogu towarów, dopisywanie kartotek, zmiany."},
+    {"F4",
+     {"Wprowadzanie i zmiany dokumentów płatności i kasowych", "Wybór aktualnego magazynu"},
+     "Wprowadzanie płatności typu KP, KW, przelewy, odsetki i inne."},
+    {"F5",
+     {"Analizy towarowe i ich podsumowania", "Analizy dokumentów towarowych i ich podsumowania",
+      "Analizy dokumentów kasowych i ich podsumowania", "Analizy księgowe i ich podsumowania",
+      "Analizy towarowe - rozszerzone i ich podsumowania", "Zestawienia stanów i towary bez obrotu",
+      "Zestawienia specjalne", "Raporty sprzedaży z drukarki fiskalnej"},
+     "Obroty i stany towarów w wybranym okresie, z podsumowaniami."},
+    {"F6",
+     {"Katalog użytkowników", "Katalogi odbiorców, dostawców i magazynów", "Inne katalogi",
+      "Przygotowanie danych dla systemu \"FK\"", "Konfiguracja programu", "Konfigurowanie drukarki głównej",
+      "Konfigurowanie drukarki fiskalnej", "Konfigurowanie drukarki paragonowej/etykiet",
+      "Kasowanie zbędnych dokumentów", "Automatyczne rozliczanie depozytów dla odbiorców"},
+     "Dopisywanie użytkowników programu, ich haseł i uprawnień."},
+};
+
+class KloteE2eTest : public DbTest {
+ protected:
+  void SetUp() override {
+    DbTest::SetUp();
+    if (std::system("command -v tmux >/dev/null 2>&1") != 0) GTEST_SKIP() << "tmux is not installed";
+    socket_ = "klote" + std::to_string(::getpid());
+  }
+  void TearDown() override {
+    if (!socket_.empty()) Tmux("kill-server");
+  }
+  void Start(const std::string& home) {
+    const std::string program = KLOTE_BINARY_DIR "/app/main/klote";
+    const char* options = std::getenv("PGOPTIONS");
+    const std::string command = "cd " + home + " && HOME=" + home + " PGOPTIONS='" + (options ? options : "") +
+                                "' TERM=xterm TERM_KLOTE_CP=UTF " + program + "; echo KLOTE-END; sleep 20";
+    ASSERT_EQ(Tmux("-f /dev/null new-session -d -s k -x 80 -y 25 \"" + command + "\" \\; set-option -g status off"),
+              0);
+  }
+  int Tmux(const std::string& args) { return std::system(("tmux -L " + socket_ + " " + args + " 2>/dev/null").c_str()); }
+  std::vector<std::string> Rows() {
+    std::string text;
+    FILE* p = ::popen(("tmux -L " + socket_ + " capture-pane -p -t k 2>/dev/null").c_str(), "r");
+    if (p) {
+      char buf[4096];
+      for (std::size_t n; (n = std::fread(buf, 1, sizeof buf, p)) > 0;) text.append(buf, n);
+      ::pclose(p);
+    }
+    std::vector<std::string> rows;
+    for (std::size_t at = 0, nl; at < text.size(); at = nl + 1) {
+      nl = text.find('\n', at);
+      if (nl == std::string::npos) nl = text.size();
+      std::string row = text.substr(at, nl - at);
+      row.erase(row.find_last_not_of(' ') + 1);
+      rows.push_back(row);
+    }
+    rows.resize(25);
+    return rows;
+  }
+  static std::string Joined(const std::vector<std::string>& rows) {
+    std::string all;
+    for (const std::string& r : rows) all += r + "\n";
+    return all;
+  }
+  // Waits up to five seconds for the check to hold on the pane.
+  template <typename Check>
+  bool WaitFor(Check check) {
+    for (int i = 0; i < 500; ++i) {
+      if (check(Rows())) return true;
+      std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    return false;
+  }
+  bool WaitForText(const std::string& text) {
+    return WaitFor([&](const std::vector<std::string>& rows) { return Joined(rows).find(text) != std::string::npos; });
+  }
+  // The bar, the heading's list (each entry after its key-cap digit) and the explanation of its first entry.
+  bool ShowsHeading(const Heading& h) {
+    return WaitFor([&](const std::vector<std::string>& rows) {
+      const std::string all = Joined(rows);
+      if (rows[0] != kBar || rows[24] != h.firstExplanation) return false;
+      for (std::size_t i = 0; i < h.entries.size(); ++i)
+        if (all.find(" " + std::to_string((i + 1) % 10) + " " + h.entries[i]) == std::string::npos) return false;
+      return true;
+    });
+  }
+  void Keys(const std::string& keys) { Tmux("send-keys -t k " + keys); }
+  std::string socket_;
+};
+
+TEST_F(KloteE2eTest, StartWalkEveryHeadingOpenAnEntryAndLeave) {
+  Start(Db().home);
+  ASSERT_TRUE(ShowsHeading(kHeadings[0])) << Joined(Rows());
+  for (const Heading& h : kHeadings) {
+    Keys(h.key);
+    EXPECT_TRUE(ShowsHeading(h)) << h.key << "\n" << Joined(Rows());
+  }
+  // Right from the last heading wraps to the first; Left goes back.
+  Keys("Right");
+  EXPECT_TRUE(ShowsHeading(kHeadings[0])) << Joined(Rows());
+  Keys("Left");
+  EXPECT_TRUE(ShowsHeading(kHeadings[4])) << Joined(Rows());
+  for (int i = 3; i >= 0; --i) {
+    Keys("Left");
+    EXPECT_TRUE(ShowsHeading(kHeadings[static_cast<std::size_t>(i)])) << Joined(Rows());
+  }
+  // The bar on the second entry shows its explanation.
+  Keys("Down");
+  EXPECT_TRUE(WaitFor([](const std::vector<std::string>& rows) {
+    return rows[24] == "Dodawanie i zmiany dokumentów rozchodu i przychodu towarów, np. faktur, zakupów.";
+  })) << Joined(Rows());
+
+  // An entry whose module is not built yet says so, and Enter gives the list back.
+  Keys("F3 1");
+  ASSERT_TRUE(WaitForText("Ta opcja nie jest jeszcze dostępna.")) << Joined(Rows());
+  Keys("Enter");
+  EXPECT_TRUE(ShowsHeading(kHeadings[1])) << Joined(Rows());
+  // A document entry without a current warehouse.
+  Keys("F2 1");
+  ASSERT_TRUE(WaitForText("Nie wybrano magazynu aktualnego !")) << Joined(Rows());
+  Keys("Enter");
+  EXPECT_TRUE(ShowsHeading(kHeadings[0])) << Joined(Rows());
+
+  Keys("Escape");
+  EXPECT_TRUE(WaitForText("KLOTE-END")) << Joined(Rows());
+  // The connection step gave the new database its catalogue.
+  std::string out;
+  EXPECT_TRUE(Psql("SELECT count(*) FROM tables_list", &out)) << out;
+}
+
+TEST_F(KloteE2eTest, FailedConnectionShowsTheLayersMessageAndEnds) {
+  const std::string home = Db().home + "/nowhere";
+  std::filesystem::create_directories(home);
+  Start(home);
+  ASSERT_TRUE(WaitForText("Błąd DBMS nr 1000. Program przerywa pracę w trybie awaryjnym.")) << Joined(Rows());
+  EXPECT_EQ(Joined(Rows()).find("Dokumenty"), std::string::npos);
+  Keys("n");
+  EXPECT_TRUE(WaitForText("KLOTE-END")) << Joined(Rows());
+}
+
+}  // namespace
