@@ -4,6 +4,7 @@
 #include <iterator>
 
 #include "tui/msgbox.h"
+#include "users/users.h"
 
 namespace {
 
@@ -15,6 +16,8 @@ void DocumentEntry(AppState& state) {
   if (!WarehouseReady(state)) return;
   NotYetAvailable(state);
 }
+
+void ManageUsers(AppState&) { (void)UserList(UserListMode::kManage); }
 
 struct Operation {
   MenuOp op;
@@ -38,7 +41,7 @@ constexpr Operation kOperations[] = {
     {MenuOp::kStockLists, NotYetAvailable},
     {MenuOp::kSpecialLists, NotYetAvailable},
     {MenuOp::kFiscalReports, NotYetAvailable},
-    {MenuOp::kUsers, NotYetAvailable},
+    {MenuOp::kUsers, ManageUsers},
     {MenuOp::kContractors, NotYetAvailable},
     {MenuOp::kOtherCatalogues, NotYetAvailable},
     {MenuOp::kAccountingExport, NotYetAvailable},

@@ -2,34 +2,67 @@
 #include "app/startup.h"
 
 #include "app/menu.h"
+#include "config/fieldlists.h"
+#include "config/konfigur.h"
+#include "master/tables.h"
 #include "sqltable/dbapp.h"
 #include "sqltable/pgtable.h"
 #include "tui/screen.h"
 #include "tui/term.h"
+#include "users/session.h"
+#include "users/users.h"
 
 namespace {
+
+// The command line as main has it: the first argument names the data directory.
+struct CommandLine {
+  int argc = 0;
+  const char* const* argv = nullptr;
+};
+CommandLine gCommandLine;
 
 bool StartTerminal(AppState&) {
   TermInit();
   return true;
 }
 
-// Placeholder until the configuration file is read here (ConfigRead); it
-// will also set state.menu from the installation's bar setting.
-bool ReadConfiguration(AppState&) { return true; }
+// The settings, the captions of the user fields and their check; a repeated
+// caption has been shown and ends the program. No setting chooses the book
+// bar, so the warehouse bar of state.menu stands.
+bool ReadConfiguration(AppState&) {
+  (void)ConfigRead(gCommandLine.argc, gCommandLine.argv);
+  ConfigReadLists();
+  if (!ConfigCheckFieldNames()) return false;
+  SessionSetOverrideRule(ConfigInt(kConfigLineLoginOverride));
+  return true;
+}
 
-// The one connection of the process. A new database gets its catalogue; any
-// failure is the layer's message and the end of the program.
+// The firm's tables are made only when none of them is there: making them
+// empties them, so a firm that has some is never touched.
+bool FirmTablesMissing() {
+  for (const char* path : {"dane\\kat_tow_", "dane\\naglowki", "dane\\magazyny", "dane\\odbiorcy"}) {
+    bool exists = false;
+    CheckDBError(PGTblExist(ShortText(path), exists));
+    if (exists) return false;
+  }
+  return true;
+}
+
+// The one connection of the process. A new database gets its catalogue, the
+// users' list with the System Manager and the firm's tables; any failure is
+// the layer's message and the end of the program.
 bool ConnectDatabase(AppState&) {
   CheckDBError(PGSetDefaults());
   int16_t code = PGInit();
   if (code == kPGNoCatalogue) code = PGinitializett();
   CheckDBError(code);
+  CheckDBError(UsersTableEnsure());
+  if (FirmTablesMissing()) CreateFirmTables();
   return true;
 }
 
-// Placeholder until the users' login list and password prompt come here.
-bool LogIn(AppState&) { return true; }
+// The users' list in login mode and the session; Esc ends the program.
+bool LogIn(AppState&) { return SessionLogin(); }
 
 // Placeholder until the printer configuration is read here.
 bool ReadPrinterConfiguration(AppState&) { return true; }
@@ -55,13 +88,15 @@ constexpr StartStep kStartSteps[] = {
 
 }  // namespace
 
-bool RunStart(AppState& state) {
+bool RunStart(AppState& state, int argc, const char* const argv[]) {
+  gCommandLine = CommandLine{argc, argv};
   for (const StartStep& step : kStartSteps)
     if (!step.run(state)) return false;
   return true;
 }
 
 void EndProgram() {
+  if (PGConnected) SessionEnd();
   PGShutdownTables(2);
   if (PGConnected) PGDisconnect();
   Window(1, 1, kScreenCols, kScreenRows);

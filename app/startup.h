@@ -12,7 +12,9 @@ struct StartStep {
   bool (*run)(AppState& state);  // false ends the start: the program then ends
 };
 
-// Runs the steps in order until one returns false or all have run; true when all ran.
-bool RunStart(AppState& state);
-// The end of the program: tables and connection closed, screen cleared, terminal given back.
+// Runs the steps in order until one returns false or all have run; true when
+// all ran. argc and argv are main's: the first argument names the data directory.
+bool RunStart(AppState& state, int argc, const char* const argv[]);
+// The end of the program: the user's session ended, tables and connection
+// closed, screen cleared, terminal given back.
 void EndProgram();

@@ -1,7 +1,9 @@
 // Time from starting klote to its menu bar: the real program on a
-// pseudo-terminal against a private cluster, until the explanation of the
-// first entry (the last thing drawn before the bar waits for a key) has
-// reached the terminal; then Esc ends it outside the measured time.
+// pseudo-terminal against a private cluster, through the login list (Enter
+// as soon as it shows admits the System Manager, whose password is empty),
+// until the explanation of the first entry (the last thing drawn before the
+// bar waits for a key) has reached the terminal; then Esc ends it outside
+// the measured time. The first start also makes the firm's tables.
 // Target: under 300 ms on a local cluster. Without tools/demo-firm the
 // database holds only the catalogue.
 #include <benchmark/benchmark.h>
@@ -22,6 +24,7 @@
 namespace {
 
 std::string gHome;
+constexpr const char* kLoginList = "Wybierz, jako kt";
 constexpr const char* kLastDrawn = "Dodawanie nowych";
 
 // Reads the terminal until the text has come or 5 s have passed.
@@ -60,7 +63,8 @@ void BM_StartToMenuBar(benchmark::State& state) {
       ::execl(KLOTE_BINARY_DIR "/app/main/klote", "klote", nullptr);
       _exit(127);
     }
-    if (pid < 0 || !ReadUntil(fd, kLastDrawn)) {
+    const bool shown = pid > 0 && ReadUntil(fd, kLoginList) && ::write(fd, "\r", 1) == 1 && ReadUntil(fd, kLastDrawn);
+    if (!shown) {
       state.SkipWithError("klote did not show its menu bar");
       if (pid > 0) ::kill(pid, SIGKILL);
       break;

@@ -42,6 +42,7 @@ const ConfigLineDef* ConfigLineInfo(int line);
 
 // Lines that other modules name. The 18 document names stand on consecutive
 // lines, one per goods document kind 1..18.
+inline constexpr int kConfigLineLoginOverride = 71;  // who may pass a session's stale mark
 inline constexpr int kConfigLinePaymentDefaults = 138;
 inline constexpr int kConfigLineNipMask = 140;
 inline constexpr int kConfigLineFirstDocumentName = 217;

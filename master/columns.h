@@ -102,14 +102,8 @@ constexpr const char* ColumnSqlName(const char* ident) {
 // Dictionaries dane\pola_ind\<name> and the exchange-rate list dane\przelicr.
 #define KLOTE_COLUMNS_SLOWNIK(X) X(indeks, "A15") X(opis, "A255") X(czy_byl_obrot, "A1")
 
-// Users: dane\uzytkown\uzytkown. Field 2 is the surname, 4 the maximum-rights
-// mark, 5 the thirteen rights as T or N, 8 the number, 9 the status (">"
-// while working), 14 and 15 the system user and computer of the session.
-#define KLOTE_COLUMNS_UZYTKOWN(X)                                                                       \
-  X(imie, "A20") X(nazwisko, "A30") X(haslo, "A10") X(uprawnienia_max, "S") X(prawa, "A13")             \
-  X(data_utworzenia, "D") X(nr_magazynu, "I") X(nr_uzytkownika, "I") X(status, "A1") X(data_wejscia, "D") \
-  X(czas_wejscia, "A5") X(data_wyjscia, "D") X(czas_wyjscia, "A5") X(uzytkownik_systemu, "A30")         \
-  X(komputer, "A30")
+// The users' list dane\uzytkown\uzytkown is the users' module's own: its
+// field numbers are userfld:: in users/users.h.
 
 // Every list with the name of its struct of column numbers.
 #define KLOTE_COLUMN_LISTS(L)                                                                       \
@@ -119,8 +113,7 @@ constexpr const char* ColumnSqlName(const char* ident) {
   L(NaglowkiFirmyCol, KLOTE_COLUMNS_NAGLOWKI_FIRMY) L(KatTowCol, KLOTE_COLUMNS_KAT_TOW)             \
   L(KontrahentCol, KLOTE_COLUMNS_KONTRAHENT) L(KontMagCol, KLOTE_COLUMNS_KONT_MAG)                  \
   L(DokPlatCol, KLOTE_COLUMNS_DOK_PLAT) L(DokPlazCol, KLOTE_COLUMNS_DOK_PLAZ)                       \
-  L(DodNrDokCol, KLOTE_COLUMNS_DODNRDOK) L(SlownikCol, KLOTE_COLUMNS_SLOWNIK)                       \
-  L(UzytkownCol, KLOTE_COLUMNS_UZYTKOWN)
+  L(DodNrDokCol, KLOTE_COLUMNS_DODNRDOK) L(SlownikCol, KLOTE_COLUMNS_SLOWNIK)
 
 // Column numbers: XxxCol::name is the field number of that column, counted
 // from 1; XxxCol::kCount is the number of columns.

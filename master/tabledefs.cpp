@@ -31,7 +31,6 @@ constexpr IndexDef kKatTowIndexes[] = {{KatTowCol::nr_wewn, kUnique},
                                        {KatTowCol::dostawca, kPlain}};
 constexpr IndexDef kKontrahentIndexes[] = {{KontrahentCol::numer, kUnique}, {KontrahentCol::nr_rej, kPlain}};
 constexpr IndexDef kKontMagIndexes[] = {{KontMagCol::nr_mag, kPlain}};
-constexpr IndexDef kUzytkownIndexes[] = {{UzytkownCol::nr_uzytkownika, kUnique}};
 // The series of additional numbers in order of number.
 constexpr CompositeDef kTdNrDod[] = {{"td_nr_dod", {DodNrDokCol::nr_magazynu, DodNrDokCol::typ_dok, DodNrDokCol::nr_dod}, 3}};
 
@@ -54,4 +53,3 @@ const TableDef kDokPlatDef{kDokPlatCols, 1, {}, {}};
 const TableDef kDokPlazDef{kDokPlazCols, 2, {}, {}};
 const TableDef kDodNrDokDef{kDodNrDokCols, 4, {}, kTdNrDod};
 const TableDef kSlownikDef{kSlownikCols, 1, {}, {}};
-const TableDef kUzytkownDef{kUzytkownCols, 2, kUzytkownIndexes, {}};

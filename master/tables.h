@@ -47,8 +47,6 @@ extern const TableDef kNaglowkiDef, kSpecyfikDef, kStanyMgDef, kKasaDef, kKsiega
 // and magazyny, kKontMagDef odb_mag_ and dost_mag, kSlownikDef every dictionary and przelicr.
 extern const TableDef kNaglowkiFirmyDef, kKatTowDef, kKontrahentDef, kKontMagDef, kDokPlatDef, kDokPlazDef,
     kDodNrDokDef, kSlownikDef;
-// The users' list dane\uzytkown\uzytkown; created by the users' module, not here.
-extern const TableDef kUzytkownDef;
 
 // Width of the character index of kat_tow_ (column 9) when nothing else is configured.
 inline constexpr int kDefaultIsbnLength = 13;

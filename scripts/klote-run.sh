@@ -8,9 +8,11 @@
 # (scripts/demo.sh builds them).
 #
 #   scripts/klote-run.sh           klote in this terminal
-#   scripts/klote-run.sh --check   without a person: klote in tmux to the menu
-#                                  bar and out with Esc; fails when the bar
-#                                  does not show or the program does not end
+#   scripts/klote-run.sh --check   without a person: klote in tmux, logged in
+#                                  as the System Manager, to the menu bar and
+#                                  out with Esc; fails when the login list or
+#                                  the bar does not show or the program does
+#                                  not end
 #
 # KLOTE_BUILD (default build/) and KLOTE_RUN (default run/) move the build
 # and the run directory.
@@ -84,6 +86,10 @@ wait_for() {  # wait_for <text>: up to 10 s
   screen >&2
   exit 1
 }
+# The login list: the System Manager, whose empty password admits him without a prompt.
+wait_for "Wybierz, jako który użytkownik będziesz pracować:"
+wait_for "Kierownik            | Systemu"
+tmux_ send-keys -t klote Enter
 wait_for "F2 Dokumenty   F3 Towary   F4 Kasa   F5 Analizy   F6 Inne       Esc Wyjście"
 echo "== klote shows the menu bar:"
 screen | sed '/^ *$/d'

@@ -69,6 +69,8 @@ class BoxKeeper {
   unsigned char attr_;
 };
 
+// The current row of the users table into the buffer, ready to be written back.
+[[nodiscard]] int16_t LoadRow(int16_t tbl, int16_t rec);
 // Ends with CheckDBError unless the code is 0 or one of the two accepted ones.
 int16_t Checked(int16_t code, int16_t acceptedA = 0, int16_t acceptedB = 0);
 // The day serial of today.

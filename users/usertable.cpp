@@ -102,17 +102,7 @@ int16_t UsersTable::SeekName(const ShortText& firstName, const ShortText& surnam
   return PGSrchKey(tbl_, rec_, 2, 0);
 }
 
-int16_t UsersTable::Load() {
-  if (int16_t code = PGRecGet(tbl_, rec_)) return code;
-  // A row written by other means may hold no date; the server refuses the empty text back.
-  for (int fld : {userfld::kDataDopisania, userfld::kDataHasla, userfld::kDataWejscia, userfld::kDataWyjscia}) {
-    bool blank = false;
-    if (int16_t code = PGFldBlank(rec_, fld, blank)) return code;
-    if (blank)
-      if (int16_t code = PGPutBlank(rec_, fld)) return code;
-  }
-  return kPGOk;
-}
+int16_t UsersTable::Load() { return LoadRow(tbl_, rec_); }
 
 int16_t UsersTable::Read(UserRecord& u) {
   if (int16_t code = PGRecGet(tbl_, rec_)) return code;
@@ -165,6 +155,18 @@ BoxKeeper::~BoxKeeper() {
   WindowPacked(min_, max_);
   GotoXY(x_, y_);
   TextAttr(attr_);
+}
+
+int16_t LoadRow(int16_t tbl, int16_t rec) {
+  if (int16_t code = PGRecGet(tbl, rec)) return code;
+  // A row written by other means may hold no date; the server refuses the empty text back.
+  for (int fld : {userfld::kDataDopisania, userfld::kDataHasla, userfld::kDataWejscia, userfld::kDataWyjscia}) {
+    bool blank = false;
+    if (int16_t code = PGFldBlank(rec, fld, blank)) return code;
+    if (blank)
+      if (int16_t code = PGPutBlank(rec, fld)) return code;
+  }
+  return kPGOk;
 }
 
 int16_t Checked(int16_t code, int16_t acceptedA, int16_t acceptedB) {

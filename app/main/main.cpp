@@ -2,9 +2,9 @@
 // serves every menu entry in this one process.
 #include "app/startup.h"
 
-int main() {
+int main(int argc, char* argv[]) {
   AppState state;
-  (void)RunStart(state);
+  (void)RunStart(state, argc, argv);
   EndProgram();
   return 0;
 }

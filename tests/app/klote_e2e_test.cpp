@@ -1,8 +1,8 @@
-// The real klote in tmux against the test run's cluster: the menu bar after
-// the start, every heading by its function key and by Left and Right, the
+// The real klote in tmux against the test run's cluster: the login list and
+// the System Manager's entry, the menu bar after the start, every heading by its function key and by Left and Right, the
 // lists and the explanation line checked against the texts, one entry that
-// is not built yet, and Esc that ends the program. Also the end after a
-// failed connection.
+// is not built yet, the users' list, and Esc that ends the program and the
+// session. Also the end after a failed connection.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -118,12 +118,22 @@ class KloteE2eTest : public DbTest {
     });
   }
   void Keys(const std::string& keys) { Tmux("send-keys -t k " + keys); }
+  // The login list holds the System Manager only; his empty password admits him at once.
+  void LogInAsManager() {
+    ASSERT_TRUE(WaitForText("Wybierz, jako który użytkownik będziesz pracować:")) << Joined(Rows());
+    ASSERT_TRUE(WaitForText("Kierownik            | Systemu                        |          0")) << Joined(Rows());
+    Keys("Enter");
+  }
   std::string socket_;
 };
 
 TEST_F(KloteE2eTest, StartWalkEveryHeadingOpenAnEntryAndLeave) {
   Start(Db().home);
+  LogInAsManager();
   ASSERT_TRUE(ShowsHeading(kHeadings[0])) << Joined(Rows());
+  std::string mark;
+  EXPECT_TRUE(Psql("SELECT status FROM dane_uzytkown_uzytkown WHERE numer = 0", &mark));
+  EXPECT_EQ(mark, ">\n");
   for (const Heading& h : kHeadings) {
     Keys(h.key);
     EXPECT_TRUE(ShowsHeading(h)) << h.key << "\n" << Joined(Rows());
@@ -154,11 +164,20 @@ TEST_F(KloteE2eTest, StartWalkEveryHeadingOpenAnEntryAndLeave) {
   Keys("Enter");
   EXPECT_TRUE(ShowsHeading(kHeadings[0])) << Joined(Rows());
 
+  // The users' catalogue is the list in its managing form.
+  Keys("F6 1");
+  ASSERT_TRUE(WaitForText("Lista użytkowników:")) << Joined(Rows());
+  Keys("Escape");
+  EXPECT_TRUE(ShowsHeading(kHeadings[4])) << Joined(Rows());
+
   Keys("Escape");
   EXPECT_TRUE(WaitForText("KLOTE-END")) << Joined(Rows());
-  // The connection step gave the new database its catalogue.
+  // The connection step gave the new database its catalogue and the firm's tables; the end cleared the mark.
   std::string out;
   EXPECT_TRUE(Psql("SELECT count(*) FROM tables_list", &out)) << out;
+  EXPECT_TRUE(Psql("SELECT count(*) FROM dane_kat_tow_", &out)) << out;
+  EXPECT_TRUE(Psql("SELECT status FROM dane_uzytkown_uzytkown WHERE numer = 0", &mark));
+  EXPECT_EQ(mark, "N\n");
 }
 
 TEST_F(KloteE2eTest, FailedConnectionShowsTheLayersMessageAndEnds) {

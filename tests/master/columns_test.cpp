@@ -44,7 +44,6 @@ TEST(ColumnNumbers, AgreeWithTheColumnLists) {
   EXPECT_AGREE(DokPlazCol, KLOTE_COLUMNS_DOK_PLAZ, kDokPlazDef);
   EXPECT_AGREE(DodNrDokCol, KLOTE_COLUMNS_DODNRDOK, kDodNrDokDef);
   EXPECT_AGREE(SlownikCol, KLOTE_COLUMNS_SLOWNIK, kSlownikDef);
-  EXPECT_AGREE(UzytkownCol, KLOTE_COLUMNS_UZYTKOWN, kUzytkownDef);
 }
 
 // The numbers that other modules write into their code.
@@ -58,9 +57,7 @@ TEST(ColumnNumbers, FixedPositions) {
       {KatTowCol::indeks_znakowy_isbn, 9}, {KatTowCol::ilosc, 20},         {KatTowCol::il_zamowiona, 24},
       {KontrahentCol::kCount, 25},     {KontrahentCol::numer, 3},         {KontrahentCol::czy_podmiot_gosp, 7},
       {KontrahentCol::nr_rej, 11},     {KontrahentCol::rabat, 19},        {DokPlatCol::kCount, 11},
-      {DodNrDokCol::kCount, 8},        {UzytkownCol::nazwisko, 2},        {UzytkownCol::uprawnienia_max, 4},
-      {UzytkownCol::nr_uzytkownika, 8}, {UzytkownCol::status, 9},         {UzytkownCol::uzytkownik_systemu, 14},
-      {UzytkownCol::komputer, 15},
+      {DodNrDokCol::kCount, 8},
   };
   for (std::size_t i = 0; i < cases.size(); ++i) EXPECT_EQ(cases[i].first, cases[i].second) << "case " << i;
 }
