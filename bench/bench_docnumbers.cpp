@@ -14,11 +14,9 @@
 #include "documents/numbering.h"
 #include "master/tables.h"
 #include "sqltable/pgtable.h"
-#include "tui/term.h"
 
 namespace {
 
-std::string gScreen;
 const ShortText kTable = WarehouseTablePath(1, "naglowki");
 constexpr int kRows = 1000000;
 
@@ -62,21 +60,13 @@ void BM_NextDocNumber(benchmark::State& state) {
 BENCHMARK(BM_NextDocNumber)->Args({2, 2024, 0})->Args({2, 2016, 0})->Args({2, 2024, 1})->Args({17, 2020, 0})
     ->Unit(benchmark::kMicrosecond);
 
-void QuietTerminal() {
-  setenv("TERM", "xterm", 1);
-  TermSetWarningWait(0);
-  TermInputFromFd(-1);
-  TermOutputToBuffer(&gScreen);
-  TermInit();
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
   benchmark::Initialize(&argc, argv);
-  QuietTerminal();
   bool ready = false;
   {
+    // No screen: nothing here shows a box.
     BenchDatabase db("bench_docnumbers");
     ready = db.Ready() && Fill();
     if (ready) {
@@ -90,7 +80,6 @@ int main(int argc, char** argv) {
       std::fprintf(stderr, "bench_docnumbers: %s %s\n", db.Error().c_str(), PGLastOp.Str().c_str());
     }
   }
-  TermOutputToBuffer(nullptr);
   benchmark::Shutdown();
   return ready ? 0 : 1;
 }
