@@ -3,6 +3,7 @@
 
 #include <iterator>
 
+#include "master/items.h"
 #include "tui/msgbox.h"
 
 namespace {
@@ -16,6 +17,12 @@ void DocumentEntry(AppState& state) {
   NotYetAvailable(state);
 }
 
+// The catalogue shows the current warehouse's stock beside the items.
+void GoodsCatalogue(AppState& state) {
+  if (!WarehouseReady(state)) return;
+  ItemCatalogue(state.warehouse);
+}
+
 struct Operation {
   MenuOp op;
   OperationFn run;
@@ -26,7 +33,7 @@ constexpr Operation kOperations[] = {
     {MenuOp::kNewDocuments, DocumentEntry},
     {MenuOp::kDocuments, DocumentEntry},
     {MenuOp::kChooseWarehouse, NotYetAvailable},
-    {MenuOp::kGoodsCatalogue, NotYetAvailable},
+    {MenuOp::kGoodsCatalogue, GoodsCatalogue},
     {MenuOp::kWorkFiles, NotYetAvailable},
     {MenuOp::kGoodsCheck, NotYetAvailable},
     {MenuOp::kCashDocuments, DocumentEntry},

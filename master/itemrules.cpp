@@ -21,7 +21,7 @@ bool NoVat(Real rate) { return rate == 0 || rate == -100; }
 }  // namespace
 
 Real VatRateOf(const ShortText& vat) {
-  const ShortText text = TrimBoth(vat, ' ');
+  const ShortText text = TrimLeftAll(TrimRightAll(vat, ' '), ' ');
   if (text.Empty() || NumericCheck(text, false) != 0) return 0;
   return TextToRealLoose(text);
 }
@@ -56,7 +56,7 @@ ShortText CheckItemData(const ItemData& item, const ItemRules& rules) {
   if (item.digitIndex < 0 || item.digitIndex > kDigitIndexMax)
     return "Indeks numeryczny musi zawierać się w przedziale [0,999999999999999]."_mz;
   if (item.supplier == 0) return "Dla towaru musi być wybrany dostawca z numerem różnym od zera."_mz;
-  if (TrimBoth(item.unit, ' ').Empty()) return "Towar musi mieć jakąś jednostkę miary, prawda ?"_mz;
+  if (TrimRightAll(item.unit, ' ').Empty()) return "Towar musi mieć jakąś jednostkę miary, prawda ?"_mz;
   for (Real v : {item.buyNet, item.buyGross, item.saleNet, item.saleGross, item.packQuantity, item.ordered})
     if (!AmountInRange(v)) return items_detail::BadAmountText();
   return ShortText();

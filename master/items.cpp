@@ -259,6 +259,9 @@ int16_t ItemAdd(ItemData& item, const ItemRules& rules, int32_t warehouse, const
   if (warehouse > 0) {
     StockRow row = stock;
     row.number = item.number;
+    row.ordered = 0;
+    row.saleNet = item.saleNet;
+    row.saleGross = item.saleGross;
     TableWithBuffer stany(WarehouseTablePath(warehouse, "stany_mg"));
     if (const int16_t code = First({stany.Code(), PutStock(stany.Rec(), row), PGRecAppend(stany.Tbl(), stany.Rec())}))
       return code;

@@ -83,8 +83,9 @@ bool AmountInRange(Real value);
 // --- The catalogue ---
 // Adds an item: checks the data, refuses a row equal on both names, vat, sww
 // and czy_od_pl_vat, gives it the next internal number (and a digit index
-// when it has none) under the catalogue's lock, and writes it with its stock
-// row in the warehouse (when warehouse > 0). item.number receives the number.
+// when it has 0) under the catalogue's lock, and writes it with its stock
+// row in the warehouse (when warehouse > 0): the quantity, link and mark of
+// stock, nothing ordered, the item's sale prices. item.number receives the number.
 [[nodiscard]] int16_t ItemAdd(ItemData& item, const ItemRules& rules, int32_t warehouse, const StockRow& stock,
                               ShortText& refusal);
 // The row of an internal number; found false when there is none.
