@@ -128,19 +128,12 @@ BENCHMARK(BM_BarePgDn)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_ListFindByName)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_BareFindByName)->Unit(benchmark::kMillisecond);
 
-void QuietTerminal() {
-  setenv("TERM", "xterm", 1);
-  TermSetWarningWait(0);
-  TermInputFromFd(-1);
-  TermOutputToBuffer(&gScreen);
-  TermInit();
-}
 
 }  // namespace
 
 int main(int argc, char** argv) {
   benchmark::Initialize(&argc, argv);
-  QuietTerminal();
+  BenchQuietTerminal(&gScreen);
   bool ready = false;
   {
     BenchDatabase db("bench_items");

@@ -79,6 +79,16 @@ void ItemFromResult(const PGResult& res, int r, int c, ItemData& item, int64_t& 
   item.discountLock = static_cast<int16_t>(integer(KatTowCol::blok_rab));
 }
 
+TableWithBuffer::TableWithBuffer(const ShortText& path) {
+  code_ = OpenTable(path, tbl_, 0);
+  if (code_ == 0) code_ = PGRecBufOpen(tbl_, rec_);
+}
+
+TableWithBuffer::~TableWithBuffer() {
+  if (rec_ != 0) (void)PGRecBufClose(rec_);
+  if (tbl_ != 0) (void)PGTblClose(tbl_);
+}
+
 }  // namespace items_detail
 
 using items_detail::SqlText;
@@ -86,29 +96,6 @@ using items_detail::SqlText;
 namespace {
 
 const std::string kKatTowSql = "DANE_KAT_TOW_";
-
-// An open table with one record buffer, both released on every road.
-class TableWithBuffer {
- public:
-  explicit TableWithBuffer(const ShortText& path) {
-    code_ = OpenTable(path, tbl_, 0);
-    if (code_ == 0) code_ = PGRecBufOpen(tbl_, rec_);
-  }
-  ~TableWithBuffer() {
-    if (rec_ != 0) (void)PGRecBufClose(rec_);
-    if (tbl_ != 0) (void)PGTblClose(tbl_);
-  }
-  TableWithBuffer(const TableWithBuffer&) = delete;
-  TableWithBuffer& operator=(const TableWithBuffer&) = delete;
-  int16_t Code() const { return code_; }
-  int16_t Tbl() const { return tbl_; }
-  int16_t Rec() const { return rec_; }
-
- private:
-  int16_t code_ = 0;
-  int16_t tbl_ = 0;
-  int16_t rec_ = 0;
-};
 
 // The exclusive lock of a table for one change, rolled back unless committed.
 class TableLock {
@@ -252,7 +239,7 @@ int16_t ItemAdd(ItemData& item, const ItemRules& rules, int32_t warehouse, const
   }
   item.number = static_cast<int32_t>(last + 1);
   {
-    TableWithBuffer kat(kKatTowTable);
+    items_detail::TableWithBuffer kat(kKatTowTable);
     if (const int16_t code = First({kat.Code(), PutItem(kat.Rec(), item), PGRecAppend(kat.Tbl(), kat.Rec())}))
       return code;
   }
@@ -262,7 +249,7 @@ int16_t ItemAdd(ItemData& item, const ItemRules& rules, int32_t warehouse, const
     row.ordered = 0;
     row.saleNet = item.saleNet;
     row.saleGross = item.saleGross;
-    TableWithBuffer stany(WarehouseTablePath(warehouse, "stany_mg"));
+    items_detail::TableWithBuffer stany(WarehouseTablePath(warehouse, "stany_mg"));
     if (const int16_t code = First({stany.Code(), PutStock(stany.Rec(), row), PGRecAppend(stany.Tbl(), stany.Rec())}))
       return code;
   }
@@ -311,7 +298,7 @@ int16_t ItemStorePrices(const ItemData& item, bool& found, ShortText& refusal) {
     refusal = "Nie można dokonać korekty w głównym katalogu towarów.@Zapewne istnieje pozycja o takich cechach, jakie aktualnie@nadano zmienianej. Zmiany nie zostaną wprowadzone."_mz;
     return 0;
   }
-  TableWithBuffer kat(kKatTowTable);
+  items_detail::TableWithBuffer kat(kKatTowTable);
   if (kat.Code() != 0) return kat.Code();
   if (const int16_t code = PGPutLong(kat.Rec(), KatTowCol::nr_wewn, item.number)) return code;
   const int16_t search = PGSrchFld(kat.Tbl(), kat.Rec(), KatTowCol::nr_wewn, 0);

@@ -29,4 +29,21 @@ std::string NumberText(Real value);
 // The SQL name of a warehouse's table.
 std::string WarehouseSql(int32_t warehouse, const char* table);
 
+// An open table with one record buffer, both released on every road.
+class TableWithBuffer {
+ public:
+  explicit TableWithBuffer(const ShortText& path);
+  ~TableWithBuffer();
+  TableWithBuffer(const TableWithBuffer&) = delete;
+  TableWithBuffer& operator=(const TableWithBuffer&) = delete;
+  int16_t Code() const { return code_; }
+  int16_t Tbl() const { return tbl_; }
+  int16_t Rec() const { return rec_; }
+
+ private:
+  int16_t code_ = 0;
+  int16_t tbl_ = 0;
+  int16_t rec_ = 0;
+};
+
 }  // namespace items_detail

@@ -24,19 +24,14 @@ namespace {
 // A warehouse's stany_mg open with a buffer placed on the item's row when it has one.
 class StockCursor {
  public:
-  StockCursor(int32_t warehouse, int32_t number) {
-    code_ = OpenTable(WarehouseTablePath(warehouse, "stany_mg"), tbl_, 0);
-    if (code_ == 0) code_ = PGRecBufOpen(tbl_, rec_);
+  StockCursor(int32_t warehouse, int32_t number)
+      : table_(WarehouseTablePath(warehouse, "stany_mg")), code_(table_.Code()), tbl_(table_.Tbl()), rec_(table_.Rec()) {
     if (code_ == 0) code_ = PGPutLong(rec_, StanyMgCol::nr_wewn, number);
     if (code_ != 0) return;
     const int16_t search = PGSrchKey(tbl_, rec_, 1, 0);
     found_ = search == 0;
     if (search == 0) code_ = PGRecGet(tbl_, rec_);
     else if (search != kPGRecordNotFound) code_ = search;
-  }
-  ~StockCursor() {
-    if (rec_ != 0) (void)PGRecBufClose(rec_);
-    if (tbl_ != 0) (void)PGTblClose(tbl_);
   }
   StockCursor(const StockCursor&) = delete;
   StockCursor& operator=(const StockCursor&) = delete;
@@ -70,6 +65,7 @@ class StockCursor {
       if (c != 0) return c;
     return 0;
   }
+  items_detail::TableWithBuffer table_;
   int16_t code_ = 0;
   int16_t tbl_ = 0;
   int16_t rec_ = 0;
