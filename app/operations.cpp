@@ -3,6 +3,7 @@
 
 #include <iterator>
 
+#include "master/items.h"
 #include "tui/msgbox.h"
 #include "users/users.h"
 
@@ -19,6 +20,12 @@ void DocumentEntry(AppState& state) {
 
 void ManageUsers(AppState&) { (void)UserList(UserListMode::kManage); }
 
+// The catalogue shows the current warehouse's stock beside the items.
+void GoodsCatalogue(AppState& state) {
+  if (!WarehouseReady(state)) return;
+  ItemCatalogue(state.warehouse);
+}
+
 struct Operation {
   MenuOp op;
   OperationFn run;
@@ -29,7 +36,7 @@ constexpr Operation kOperations[] = {
     {MenuOp::kNewDocuments, DocumentEntry},
     {MenuOp::kDocuments, DocumentEntry},
     {MenuOp::kChooseWarehouse, NotYetAvailable},
-    {MenuOp::kGoodsCatalogue, NotYetAvailable},
+    {MenuOp::kGoodsCatalogue, GoodsCatalogue},
     {MenuOp::kWorkFiles, NotYetAvailable},
     {MenuOp::kGoodsCheck, NotYetAvailable},
     {MenuOp::kCashDocuments, DocumentEntry},

@@ -61,20 +61,12 @@ void TimeFirstWarehouse() {
   gScreen.clear();
 }
 
-// The progress box goes into a string, not to the console.
-void QuietTerminal() {
-  setenv("TERM", "xterm", 1);
-  TermSetWarningWait(0);
-  TermInputFromFd(-1);
-  TermOutputToBuffer(&gScreen);
-  TermInit();
-}
 
 }  // namespace
 
 int main(int argc, char** argv) {
   benchmark::Initialize(&argc, argv);
-  QuietTerminal();
+  BenchQuietTerminal(&gScreen);
   bool ready = false;
   {
     BenchDatabase db("bench_tables");

@@ -1,0 +1,269 @@
+// "Katalog towarów": the joined list of the catalogue and the current
+// warehouse's stock, read a screenful at a time in name order, with the
+// searches and the change of an item's sale price.
+#include <string>
+#include <vector>
+
+#include "base/mazovia.h"
+#include "base/numbers.h"
+#include "base/numbers_format.h"
+#include "base/text.h"
+#include "master/items.h"
+#include "master/items_detail.h"
+#include "sqltable/dbapp.h"
+#include "tui/askvalue.h"
+#include "tui/editfield.h"
+#include "tui/keyboard.h"
+#include "tui/msgbox.h"
+#include "tui/picklist.h"
+#include "tui/screen.h"
+#include "tui/term.h"
+
+namespace {
+
+constexpr int kRows = 20;
+constexpr int kFirstRow = 3;
+constexpr unsigned char kListAttr = 0x1F, kBarAttr = 0x30, kTitleAttr = 0x4F;
+constexpr unsigned char kEnter = 13, kEsc = 27, kF2 = 230, kF3 = 231, kF4 = 232, kHome = 241, kUp = 242,
+                        kPgUp = 243, kEnd = 249, kDown = 250, kPgDn = 251;
+
+const ShortText kHeader = " nazwa                       indeks cyfrowy  indeks znak.        ilość  cena sp.br."_mz;
+const ShortText kKeys = " F2-nazwa  F3-fragment nazwy  F4-indeks cyfrowy  Enter-cena  Esc-wyjście"_mz;
+const ShortText kNameSearch = "Wprowadź początek szukanej nazwy: ------------------------------- "_mz;
+const ShortText kFragmentSearch = "Wprowadź ciąg znaków z nazwy: --------------------------------------------- "_mz;
+const ShortText kIndexSearch = "Wprowadź szukany indeks cyfrowy:                 "_mz;
+
+// Screen, window, attribute and cursor as they were, given back at the end.
+class ScreenKeeper {
+ public:
+  ScreenKeeper() : window_(CurrentWindow()), x_(WhereX()), y_(WhereY()), attr_(CurrentAttr()) { ScreenSave(copy_); }
+  ~ScreenKeeper() {
+    ScreenRestore(copy_);
+    Window(window_.left, window_.top, window_.right, window_.bottom);
+    GotoXY(x_, y_);
+    TextAttr(attr_);
+    TermFlush();
+  }
+  ScreenKeeper(const ScreenKeeper&) = delete;
+  ScreenKeeper& operator=(const ScreenKeeper&) = delete;
+
+ private:
+  ScreenCopyPtr copy_;
+  WindowRect window_;
+  int x_, y_;
+  unsigned char attr_;
+};
+
+void Checked(int16_t code) {
+  if (code != 0) CheckDBError(code);
+}
+
+ShortText RowText(const ItemListRow& row) {
+  const ShortText name = (TrimRight(row.item.name, ' ') + " "_mz + row.item.name2).Copy(1, 27);
+  return " " + PadRight(name, " ", 27) + " " + IntText(row.item.digitIndex, 15) + " " +
+         PadRight(row.item.code.Copy(1, 13), " ", 13) + " " + FormatFixed(10, 3, row.quantity) + " " +
+         FormatFixed(10, 2, row.saleGross);
+}
+
+// A box with one line whose field is the run of '-' (or of trailing blanks)
+// in the text; the edited value, false for Esc.
+bool AskInLine(const ShortText& text, int mode, ShortText& value) {
+  const ScreenKeeper keeper;
+  const std::string_view view = text.View();
+  std::size_t start = view.find('-');
+  if (start == std::string_view::npos) start = view.find_last_not_of(' ') + 2;
+  const std::size_t end = view.find_last_not_of(view[start] == '-' ? ' ' : '\0');
+  const int width = static_cast<int>((view[start] == '-' ? view.find_last_of('-') + 1 : end + 1) - start);
+  (void)MessageBox(text, 2);
+  GotoXY(2 + static_cast<int>(start), 2);
+  unsigned char key = 0;
+  value.Clear();
+  return EditField(mode, 1, view[start] == '-' ? '-' : ' ', width, value, key) != kEsc;
+}
+
+class CatalogueScreen {
+ public:
+  explicit CatalogueScreen(int32_t warehouse) : warehouse_(warehouse) {}
+
+  void Run() {
+    const ScreenKeeper keeper;
+    Window(1, 1, 80, 25);
+    LoadFrom(ItemListKey{}, true);
+    for (;;) {
+      Draw();
+      const unsigned char code = KeyCodeOf(ReadKeyUpper());
+      if (code == kEsc) return;
+      if (!Act(code)) Beep(1000);
+    }
+  }
+
+ private:
+  bool Act(unsigned char code) {
+    switch (code) {
+      case kDown: return Step(true);
+      case kUp: return Step(false);
+      case kPgDn: return Page(true);
+      case kPgUp: return Page(false);
+      case kHome: LoadFrom(ItemListKey{}, true); return true;
+      case kEnd: LoadFrom(ItemListKey{}, false); bar_ = static_cast<int>(rows_.size()) - 1; return true;
+      case kF2: return SearchName();
+      case kF3: return SearchFragment();
+      case kF4: return SearchIndex();
+      case kEnter: return EditPrice();
+      default: return false;
+    }
+  }
+
+  void Draw() {
+    TextAttr(kTitleAttr);
+    WriteAt(1, 1, PadRight(" Katalog towarów - magazyn nr "_mz + ShortText(std::to_string(warehouse_)), " ", 80));
+    TextAttr(kListAttr);
+    WriteAt(1, 2, PadRight(kHeader, " ", 80));
+    for (int i = 0; i < kRows; ++i) {
+      const bool filled = i < static_cast<int>(rows_.size());
+      TextAttr(filled && i == bar_ ? kBarAttr : kListAttr);
+      WriteAt(1, kFirstRow + i, PadRight(filled ? RowText(rows_[i]) : ShortText(), " ", 80));
+    }
+    TextAttr(kListAttr);
+    WriteAt(1, 24, PadRight(kKeys, " ", 80));
+    GotoXY(1, kFirstRow + bar_);
+    TermFlush();
+  }
+
+  // A screenful from the key on (forward) or up to it (backward).
+  void LoadFrom(const ItemListKey& key, bool forward) {
+    std::vector<ItemListRow> rows;
+    Checked(ItemListRead(kind_, warehouse_, key, forward, kRows, rows));
+    rows_ = std::move(rows);
+    bar_ = 0;
+  }
+
+  bool Step(bool down) {
+    if (rows_.empty()) return false;
+    const int last = static_cast<int>(rows_.size()) - 1;
+    if (down ? bar_ < last : bar_ > 0) {
+      bar_ += down ? 1 : -1;
+      return true;
+    }
+    std::vector<ItemListRow> more;
+    Checked(ItemListRead(kind_, warehouse_, ItemListKeyOf(down ? rows_.back() : rows_.front()), down, 1, more));
+    if (more.empty()) return false;
+    if (down) {
+      rows_.erase(rows_.begin());
+      rows_.push_back(more.front());
+    } else {
+      rows_.pop_back();
+      rows_.insert(rows_.begin(), more.front());
+    }
+    return true;
+  }
+
+  bool Page(bool down) {
+    if (rows_.empty()) return false;
+    std::vector<ItemListRow> more;
+    Checked(ItemListRead(kind_, warehouse_, ItemListKeyOf(down ? rows_.back() : rows_.front()), down, kRows, more));
+    if (more.empty()) {
+      bar_ = down ? static_cast<int>(rows_.size()) - 1 : 0;
+      return true;
+    }
+    if (static_cast<int>(more.size()) < kRows) {  // the end of the list: show its last (first) screenful
+      LoadFrom(ItemListKey{}, !down);
+      bar_ = down ? static_cast<int>(rows_.size()) - 1 : 0;
+      return true;
+    }
+    rows_ = std::move(more);
+    bar_ = down ? 0 : kRows - 1;
+    return true;
+  }
+
+  // Shows the list from the found row.
+  bool ShowFrom(const ItemData& item, int64_t rowId) {
+    ItemListKey key;
+    key.set = key.inclusive = true;
+    key.name = item.name;
+    key.name2 = item.name2;
+    key.rowId = rowId;
+    LoadFrom(key, true);
+    return !rows_.empty();
+  }
+
+  bool SearchName() {
+    ShortText prefix;
+    if (!AskInLine(kNameSearch, 1, prefix) || prefix.Empty()) return true;
+    ItemData item;
+    bool found = false;
+    Checked(ItemFindByName(prefix, item, found));
+    return found && ShowFromNumber(item.number);
+  }
+
+  bool SearchFragment() {
+    ShortText fragment;
+    if (!AskInLine(kFragmentSearch, 1, fragment) || fragment.Empty()) return true;
+    std::vector<ItemListRow> rows;
+    ItemListKey from = rows_.empty() ? ItemListKey{} : ItemListKeyOf(rows_[bar_]);
+    Checked(ItemListFind(kind_, warehouse_, from, fragment, rows));
+    if (rows.empty()) return false;
+    return ShowFrom(rows.front().item, rows.front().rowId);
+  }
+
+  bool SearchIndex() {
+    ShortText digits;
+    if (!AskInLine(kIndexSearch, 3, digits) || digits.Empty()) return true;
+    ItemData item;
+    bool found = false;
+    Checked(ItemFindByDigitIndex(static_cast<int64_t>(TextToRealLoose(digits)), item, found));
+    return found && ShowFromNumber(item.number);
+  }
+
+  bool ShowFromNumber(int32_t number) {
+    std::vector<ItemListRow> rows;
+    Checked(ItemListRowOf(kind_, warehouse_, number, rows));
+    return !rows.empty() && ShowFrom(rows.front().item, rows.front().rowId);
+  }
+
+  bool EditPrice();
+
+  int32_t warehouse_;
+  ItemListKind kind_;
+  std::vector<ItemListRow> rows_;
+  int bar_ = 0;
+};
+
+bool CatalogueScreen::EditPrice() {
+  if (rows_.empty()) return false;
+  const ItemListRow shown = rows_[bar_];
+  ItemData item;
+  bool found = false;
+  Checked(ItemFindByNumber(shown.item.number, item, found));
+  if (!found) {
+    (void)MessageBox(TrimRight(shown.item.name, ' ') + "\"@został usunięty z katalogu przez innego użytkownika."_mz, 0);
+    LoadFrom(ItemListKeyOf(shown), true);
+    return true;
+  }
+  ShortText price = TrimBoth(FormatFixed(12, 2, shown.saleGross), ' ');
+  if (!AskValue("Korekta danych oznaczonej ciemnym pasem kartoteki towarowej:"_mz, price, 12, 4, ShortText(), ShortText()))
+    return true;
+  const Real gross = TextToRealLoose(price);
+  unsigned char ch = 0, scan = 0;
+  const int scope = PickList(2, 2, 1, 0, 0, "Jak zmienić dane (jeśli nie wiesz, wybierz zaznaczoną opcję)"_mz,
+                             "w magazynie aktualnym@w katalogu towarów i magazynie aktualnym@w katalogu towarów i wszystkich magazynach"_mz,
+                             ch, scan);
+  if (scope == 0) return true;
+  if (scope == 3 && !MessageBox("Zmiany muszą być wprowadzone we wszystkich magazynach@i katalogu głównym.@Wykonać korektę ?"_mz, 1))
+    return true;
+  ShortText refusal;
+  Checked(ItemChangeSalePrice(item.number, gross, static_cast<ItemPriceScope>(scope), warehouse_, found, refusal));
+  if (!refusal.Empty()) (void)MessageBox(refusal, 0);
+  else if (!found)
+    (void)MessageBox(TrimRight(shown.item.name, ' ') + "\"@został usunięty z katalogu przez innego użytkownika."_mz, 0);
+  const int bar = bar_;
+  LoadFrom(rows_.front().rowId != 0 ? [&] { ItemListKey k = ItemListKeyOf(rows_.front()); k.inclusive = true; return k; }()
+                                    : ItemListKey{},
+           true);
+  bar_ = bar < static_cast<int>(rows_.size()) ? bar : 0;
+  return true;
+}
+
+}  // namespace
+
+void ItemCatalogue(int32_t warehouse) { CatalogueScreen(warehouse).Run(); }

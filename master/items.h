@@ -1,0 +1,173 @@
+// The item catalogue and the stock of the warehouses. Every item has one row
+// in dane\kat_tow_ under its internal number nr_wewn (1..2,147,483,647, never
+// reused, never changed); each warehouse keeps its quantities and sale
+// prices in its own dane\<folder>\stany_mg, tied to the catalogue only by
+// that number. A catalogue row without a stock row stands for zero stock.
+// An item is active while column ilosc of the catalogue is 0.0, hidden
+// while it is NULL.
+//
+// Functions here have no screens: the demo firm, the catalogue's screens and
+// the document save call them. Table codes go back to the caller (who passes
+// them to CheckDBError); a refusal of the data is a system message in
+// `refusal`, with nothing written.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "base/real.h"
+#include "base/shorttext.h"
+
+inline constexpr const char* kKatTowTable = "dane\\kat_tow_";
+inline constexpr int32_t kItemNumberMax = 2147483647;
+inline constexpr int64_t kDigitIndexMax = 999999999999999LL;
+// The grouped stock view sums at most this many warehouses; the rest are left out.
+inline constexpr int kStockViewMaxWarehouses = 320;
+
+// One row of the catalogue (the 24 columns and the discount lock).
+struct ItemData {
+  ShortText name, name2;          // nazwa, nazwa_
+  Real buyNet = 0, buyGross = 0;  // cena_z_n, cena_z_b
+  ShortText vat;                  // VAT group, "23", "8", "zwol." ...
+  ShortText sww;
+  ShortText vatPayer;             // czy_od_pl_vat
+  int32_t number = 0;             // nr_wewn, given by ItemAdd
+  ShortText code;                 // indeks_znakowy_isbn
+  int64_t digitIndex = 0;         // indeks_numeryczny
+  int32_t supplier = 0;           // dostawca
+  ShortText place;                // miejsce_w_magazynie
+  ShortText keys[5];              // k1..k5
+  Real saleNet = 0, saleGross = 0;  // cena_s_n, cena_s_b
+  bool active = true;             // ilosc: 0.0 active, NULL hidden
+  ShortText unit;                 // jednostka
+  Real packQuantity = 0;          // ilosc_w_opak
+  ShortText supplierText;         // dostawca_opis
+  Real ordered = 0;               // il_zamowiona
+  int16_t discountLock = 0;       // blok_rab
+};
+
+// One row of a warehouse's stany_mg.
+struct StockRow {
+  int32_t number = 0;    // nr_wewn
+  Real quantity = 0;     // ilosc
+  Real ordered = 0;      // ilosc_zamowiona_odb
+  Real saleNet = 0;      // csn
+  Real saleGross = 0;    // csb
+  int32_t link = 0;      // nr_zwiaz
+  ShortText mark;        // oznacz
+};
+
+// What the configuration says about new items.
+struct ItemRules {
+  int minCodeLength = 0;          // 0: no minimum for the character index
+  bool digitIndexAfterHighest = false;  // a missing digit index: highest + 1, else the first free one
+};
+
+// --- Pure rules ---
+// The number of a VAT group text ("23" -> 23, "zwol." -> 0): a text that is no number gives 0.
+Real VatRateOf(const ShortText& vat);
+// Gross from net and net from gross through the rate of the group; a rate of 0 or -100 means no VAT.
+Real GrossFromNet(Real net, const ShortText& vat);
+Real NetFromGross(Real gross, const ShortText& vat);
+// price rounded to a step: RoundHalfAway(price / step) * step; a step of 0 leaves the price.
+Real RoundToStep(Real price, Real step);
+// A sale price from a purchase price: by a margin (part of the sale price)
+// or by a mark-up (part of the purchase price), percent given.
+Real SaleFromPurchase(Real purchase, Real percent, bool margin);
+// The refusal of a new item's data, checked in the order of the form; empty when fine.
+ShortText CheckItemData(const ItemData& item, const ItemRules& rules);
+// Quantities and prices beyond the column (28 digits, 7 decimals) or not finite.
+bool AmountInRange(Real value);
+
+// --- The catalogue ---
+// Adds an item: checks the data, refuses a row equal on both names, vat, sww
+// and czy_od_pl_vat, gives it the next internal number (and a digit index
+// when it has 0) under the catalogue's lock, and writes it with its stock
+// row in the warehouse (when warehouse > 0): the quantity, link and mark of
+// stock, nothing ordered, the item's sale prices. item.number receives the number.
+[[nodiscard]] int16_t ItemAdd(ItemData& item, const ItemRules& rules, int32_t warehouse, const StockRow& stock,
+                              ShortText& refusal);
+// The row of an internal number; found false when there is none.
+[[nodiscard]] int16_t ItemFindByNumber(int32_t number, ItemData& item, bool& found);
+// The first row (in internal-number order) with that character index.
+[[nodiscard]] int16_t ItemFindByCode(const ShortText& code, ItemData& item, bool& found);
+// The first row with that digit index.
+[[nodiscard]] int16_t ItemFindByDigitIndex(int64_t digitIndex, ItemData& item, bool& found);
+// The first row by name order whose name starts with prefix.
+[[nodiscard]] int16_t ItemFindByName(const ShortText& prefix, ItemData& item, bool& found);
+// Writes the item's prices over its catalogue row; found false (nothing written) when it is gone.
+[[nodiscard]] int16_t ItemStorePrices(const ItemData& item, bool& found, ShortText& refusal);
+// Activates or hides an item by the columns 8 and 20 named in tables_list.
+[[nodiscard]] int16_t SetItemActive(int32_t number, bool active);
+// Sets the discount lock.
+[[nodiscard]] int16_t SetItemDiscountLock(int32_t number, int16_t value);
+
+// --- Stock ---
+// The stock row of an item in a warehouse; found false when there is none.
+[[nodiscard]] int16_t StockRead(int32_t warehouse, int32_t number, StockRow& row, bool& found);
+// Writes the row (adds it when missing).
+[[nodiscard]] int16_t StockSet(int32_t warehouse, const StockRow& row, ShortText& refusal);
+// Adds delta to the quantity (a missing row starts at 0 with the catalogue's
+// sale prices). The caller holds the locks of the document save.
+[[nodiscard]] int16_t StockChange(int32_t warehouse, int32_t number, Real delta, ShortText& refusal);
+// Sets the warehouse's sale prices of the item.
+[[nodiscard]] int16_t StockStorePrices(int32_t warehouse, int32_t number, Real net, Real gross);
+
+// Where a changed sale price goes: the numbers of the scope question.
+enum class ItemPriceScope : uint8_t { kWarehouse = 1, kCatalogueAndWarehouse = 2, kEverywhere = 3 };
+// Sets an item's gross sale price (net through its VAT group) in the scope:
+// the current warehouse's stock row (added with quantity 0 when missing),
+// and the catalogue, and every warehouse of dane\magazyny marked Z. found
+// false when the item is gone; a refusal leaves everything as it was.
+[[nodiscard]] int16_t ItemChangeSalePrice(int32_t number, Real gross, ItemPriceScope scope, int32_t warehouse,
+                                          bool& found, ShortText& refusal);
+
+// (Re)creates the session's TMP_VIEW_STANYX over the warehouses of
+// dane\magazyny marked Z (at most 320); warehouses receives how many it spans
+// (0: no view, no such warehouse).
+[[nodiscard]] int16_t BuildStockView(int& warehouses);
+
+// --- The joined list ---
+enum class ItemListStock : uint8_t { kAll, kNonZero, kWithTurnover };
+struct ItemListKind {
+  ItemListStock stock = ItemListStock::kAll;
+  bool activeOnly = false;
+  bool grouped = false;  // stock over all warehouses (TMP_VIEW_STANYX), else the current one
+};
+// One row of the list: the catalogue row and its stock.
+struct ItemListRow {
+  int64_t rowId = 0;
+  ItemData item;
+  Real quantity = 0;
+  Real saleNet = 0, saleGross = 0;
+};
+// The position of a row in the list's order, for reading on from it.
+struct ItemListKey {
+  bool set = false;        // false: from the start (or the end)
+  bool inclusive = false;  // the row of the key itself is read too
+  ShortText name, name2;
+  int64_t rowId = 0;
+};
+// The select of up to limit rows of the list after (forward) or before the
+// key, in name order; the joined form of the kind.
+std::string ItemListQuery(const ItemListKind& kind, int32_t warehouse, const ItemListKey& from, bool forward,
+                          int limit);
+// The same with a further SQL condition on the catalogue row K (and stock S).
+std::string ItemListQueryWhere(const ItemListKind& kind, int32_t warehouse, const ItemListKey& from, bool forward,
+                               int limit, const std::string& condition);
+// Runs it; rows in list order (also when read backwards).
+[[nodiscard]] int16_t ItemListRead(const ItemListKind& kind, int32_t warehouse, const ItemListKey& from,
+                                   bool forward, int limit, std::vector<ItemListRow>& rows);
+// The first row after the key whose name (both parts) holds the fragment.
+[[nodiscard]] int16_t ItemListFind(const ItemListKind& kind, int32_t warehouse, const ItemListKey& from,
+                                   const ShortText& fragment, std::vector<ItemListRow>& rows);
+// The list's row of an internal number (none when the kind leaves it out).
+[[nodiscard]] int16_t ItemListRowOf(const ItemListKind& kind, int32_t warehouse, int32_t number,
+                                    std::vector<ItemListRow>& rows);
+// The key of a row.
+ItemListKey ItemListKeyOf(const ItemListRow& row);
+
+// --- Screens ---
+// The "Katalog towarów" function over the current warehouse.
+void ItemCatalogue(int32_t warehouse);

@@ -1,0 +1,413 @@
+// The item catalogue and the stock lists on the real server: the rules of
+// new items, prices, stock changes against sums the test keeps itself, the
+// grouped view, the list's pages, and the screen driven by keys.
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cmath>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "base/mazovia.h"
+#include "master/items.h"
+#include "master/tables.h"
+#include "sqltable/pglib.h"
+#include "sqltable/sqltest.h"
+#include "tui/keyboard.h"
+
+namespace {
+
+constexpr int32_t kWarehouse = 1;
+
+ItemData Item(const char* name, const char* vat = "23", Real buyNet = 10, Real saleNet = 15) {
+  ItemData item;
+  item.name = ShortText(name);
+  item.vat = ShortText(vat);
+  item.unit = "szt";
+  item.supplier = 7;
+  item.buyNet = buyNet;
+  item.buyGross = GrossFromNet(buyNet, item.vat);
+  item.saleNet = saleNet;
+  item.saleGross = GrossFromNet(saleNet, item.vat);
+  return item;
+}
+
+// Keys and actions played into the key buffer whenever the program waits.
+std::vector<std::function<void()>> gSteps;
+std::size_t gNext = 0;
+std::vector<std::string> gScreens;
+
+void NextStep() {
+  std::string screen;
+  for (int row = 1; row <= kScreenRows; ++row) screen += RowText(row).Str() + "\n";
+  gScreens.push_back(screen);
+  if (gNext >= gSteps.size()) {
+    (void)PushKey(27, 1);  // the script is over: Esc until the screen ends
+    return;
+  }
+  gSteps[gNext++]();
+}
+
+std::function<void()> Keys(const std::string& text, std::vector<KeyPair> after = {}) {
+  return [text, after] {
+    for (unsigned char c : text) (void)PushKey(KeyOfByte(c).ch, KeyOfByte(c).scan);
+    for (KeyPair k : after) (void)PushKey(k.ch, k.scan);
+  };
+}
+
+class ItemsTest : public CatalogueTest {
+ protected:
+  void SetUp() override {
+    CatalogueTest::SetUp();
+    CreateFirmTables();
+    for (int32_t w : {1, 2, 3}) AddWarehouse(w);
+    gScreens.clear();
+    gNext = 0;
+  }
+  void TearDown() override {
+    SetKeyIdleHook(nullptr);
+    KeyboardReset();
+    CatalogueTest::TearDown();
+  }
+  static void AddWarehouse(int32_t number) {
+    CreateWarehouseTables(false, number);
+    ASSERT_TRUE(Psql("INSERT INTO dane_magazyny (nazwa,nazwa_inne,numer,czy_podmiot_gosp) VALUES ('M" + std::to_string(number) +
+                     "',''," + std::to_string(number) + ",'Z')"));
+  }
+  // Adds an item with stock in the current warehouse; its number.
+  static int32_t Add(ItemData item, Real quantity = 0) {
+    StockRow stock;
+    stock.quantity = quantity;
+    ShortText refusal;
+    EXPECT_EQ(ItemAdd(item, ItemRules{}, kWarehouse, stock, refusal), 0) << PGLastOp.Str();
+    EXPECT_TRUE(refusal.Empty()) << refusal.Str();
+    return item.number;
+  }
+  // One value read through the program's own connection (the session's view is visible only there).
+  static std::string Own(const std::string& sql) {
+    PGResult res;
+    EXPECT_EQ(PGRunQueryWithTup(sql, res), 0);
+    return res.Rows() > 0 ? std::string(res.Value(0, 0)) : std::string("-");
+  }
+  static Real Quantity(int32_t warehouse, int32_t number) {
+    StockRow row;
+    bool found = false;
+    EXPECT_EQ(StockRead(warehouse, number, row, found), 0);
+    return found ? row.quantity : -999;
+  }
+  static void Play(std::vector<std::function<void()>> steps) {
+    gSteps = std::move(steps);
+    gNext = 0;
+    SetKeyIdleHook(NextStep);
+  }
+  static bool Shown(const ShortText& line) {
+    for (const std::string& s : gScreens)
+      if (s.find(line.Str()) != std::string::npos) return true;
+    return false;
+  }
+};
+
+TEST(ItemRulesTest, DataOfANewItemIsCheckedInTheOrderOfTheForm) {
+  struct Case {
+    const char* what;
+    std::function<void(ItemData&, ItemRules&)> change;
+    ShortText refusal;
+  };
+  const ShortText range = "Indeks numeryczny musi zawierać się w przedziale [0,999999999999999]."_mz;
+  const Case cases[] = {
+      {"fine", [](ItemData&, ItemRules&) {}, ""},
+      {"highest digit index", [](ItemData& i, ItemRules&) { i.digitIndex = 999999999999999LL; }, ""},
+      {"digit index past it", [](ItemData& i, ItemRules&) { i.digitIndex = 1000000000000000LL; }, range},
+      {"negative digit index", [](ItemData& i, ItemRules&) { i.digitIndex = -1; }, range},
+      {"short code", [](ItemData& i, ItemRules& r) { i.code = "1234"; r.minCodeLength = 5; },
+       "Niepoprawny indeks.@Minimalna długość indeksu to 5"_mz},
+      {"code long enough", [](ItemData& i, ItemRules& r) { i.code = "12345"; r.minCodeLength = 5; }, ""},
+      {"no supplier", [](ItemData& i, ItemRules&) { i.supplier = 0; },
+       "Dla towaru musi być wybrany dostawca z numerem różnym od zera."_mz},
+      {"no unit", [](ItemData& i, ItemRules&) { i.unit = "  "; }, "Towar musi mieć jakąś jednostkę miary, prawda ?"_mz},
+      {"price too big", [](ItemData& i, ItemRules&) { i.saleGross = 1e22L; }, "Przekroczenie zakresu argumentu."_mz},
+      {"price not a number", [](ItemData& i, ItemRules&) { i.buyNet = NAN; }, "Przekroczenie zakresu argumentu."_mz},
+  };
+  for (const Case& c : cases) {
+    ItemData item = Item("A");
+    ItemRules rules;
+    c.change(item, rules);
+    EXPECT_EQ(CheckItemData(item, rules), c.refusal) << c.what;
+  }
+}
+
+TEST(ItemRulesTest, PricesFollowTheVatGroupAndTheRoundingStep) {
+  struct Case {
+    Real value;
+    Real expected;
+    Real computed;
+  };
+  const Case cases[] = {
+      {100, 123, GrossFromNet(100, "23")},       {100, 108, GrossFromNet(100, "8 ")},
+      {100, 100, GrossFromNet(100, "zwol.")},    {100, 100, GrossFromNet(100, "-100")},
+      {123, 100, NetFromGross(123, "23")},       {1.234L, 1.25L, RoundToStep(1.234L, 0.05L)},
+      {1.224L, 1.20L, RoundToStep(1.224L, 0.05L)}, {7.77L, 7.77L, RoundToStep(7.77L, 0)},
+      {80, 100, SaleFromPurchase(80, 20, true)}, {80, 96, SaleFromPurchase(80, 20, false)},
+  };
+  for (const Case& c : cases) EXPECT_NEAR(static_cast<double>(c.computed), static_cast<double>(c.expected), 1e-9) << c.value;
+}
+
+TEST_F(ItemsTest, AddingGivesNumbersAndStockRowsAndRefusesWhatMustNotBeWritten) {
+  ItemData first = Item("MLEKO");
+  first.code = "5900001";
+  first.digitIndex = 0;
+  const int32_t a = Add(first, 5);
+  const int32_t b = Add(Item("CHLEB"));
+  EXPECT_EQ(b, a + 1);
+  EXPECT_EQ(Scalar("SELECT indeks_numeryczny||'/'||ilosc||'/'||dostawca FROM dane_kat_tow_ WHERE nr_wewn=" + std::to_string(a)),
+            "1/0.0000000/7");  // the first free digit index, active
+  EXPECT_EQ(Scalar("SELECT indeks_numeryczny FROM dane_kat_tow_ WHERE nr_wewn=" + std::to_string(b)), "2");
+  EXPECT_EQ(Quantity(kWarehouse, a), 5);
+  EXPECT_EQ(Scalar("SELECT csb FROM dane_1_stany_mg WHERE nr_wewn=" + std::to_string(a)), "18.4500000");
+
+  const std::string before = Scalar("SELECT count(*) FROM dane_kat_tow_") + "/" + Scalar("SELECT count(*) FROM dane_1_stany_mg");
+  struct Bad {
+    ItemData item;
+    Real quantity;
+    ShortText refusal;
+  };
+  ItemData same = Item("MLEKO", "23", 99, 99);  // the features are equal, the prices are not
+  const Bad bad[] = {
+      {same, 0, "Znaleziono identyczną daną - dopisanie nie ma sensu."_mz},
+      {Item("SER"), 1e22L, "Przekroczenie zakresu argumentu."_mz},
+  };
+  for (const Bad& c : bad) {
+    ItemData item = c.item;
+    StockRow stock;
+    stock.quantity = c.quantity;
+    ShortText refusal;
+    EXPECT_EQ(ItemAdd(item, ItemRules{}, kWarehouse, stock, refusal), 0);
+    EXPECT_EQ(refusal, c.refusal);
+  }
+  EXPECT_EQ(Scalar("SELECT count(*) FROM dane_kat_tow_") + "/" + Scalar("SELECT count(*) FROM dane_1_stany_mg"), before);
+
+  ItemRules highest;
+  highest.digitIndexAfterHighest = true;
+  ASSERT_TRUE(Psql("UPDATE dane_kat_tow_ SET indeks_numeryczny=40 WHERE nr_wewn=" + std::to_string(b)));
+  ItemData third = Item("SER");
+  ShortText refusal;
+  ASSERT_EQ(ItemAdd(third, highest, 0, StockRow{}, refusal), 0);
+  EXPECT_EQ(third.digitIndex, 41);
+}
+
+TEST_F(ItemsTest, ItemsAreFoundByNumberCodeDigitIndexAndName) {
+  ItemData milk = Item("");
+  milk.name = "MLEKO ŁACIATE"_mz;
+  milk.code = "5900001";
+  milk.digitIndex = 77;
+  const int32_t number = Add(milk);
+  Add(Item("MAKA"));
+  struct Case {
+    const char* what;
+    std::function<int16_t(ItemData&, bool&)> find;
+    bool found;
+  };
+  const Case cases[] = {
+      {"number", [&](ItemData& i, bool& f) { return ItemFindByNumber(number, i, f); }, true},
+      {"code", [](ItemData& i, bool& f) { return ItemFindByCode("5900001", i, f); }, true},
+      {"digit index", [](ItemData& i, bool& f) { return ItemFindByDigitIndex(77, i, f); }, true},
+      {"name start", [](ItemData& i, bool& f) { return ItemFindByName("MLEKO Ł"_mz, i, f); }, true},
+      {"no such number", [](ItemData& i, bool& f) { return ItemFindByNumber(999, i, f); }, false},
+      {"no such code", [](ItemData& i, bool& f) { return ItemFindByCode("59'; DROP", i, f); }, false},
+      {"no such name", [](ItemData& i, bool& f) { return ItemFindByName("MLEKA", i, f); }, false},
+  };
+  for (const Case& c : cases) {
+    ItemData item;
+    bool found = false;
+    EXPECT_EQ(c.find(item, found), 0) << c.what;
+    EXPECT_EQ(found, c.found) << c.what;
+    if (c.found) {
+      EXPECT_EQ(item.name, "MLEKO ŁACIATE"_mz) << c.what;
+    }
+  }
+}
+
+TEST_F(ItemsTest, StockIsTheOpeningPlusEveryChange) {
+  const int32_t number = Add(Item("CUKIER"), 12.5L);
+  const Real changes[] = {-2.25L, 10, -0.125L, 3};
+  Real expected = 12.5L;
+  ShortText refusal;
+  for (Real d : changes) {
+    ASSERT_EQ(StockChange(kWarehouse, number, d, refusal), 0);
+    expected += d;
+  }
+  EXPECT_EQ(Quantity(kWarehouse, number), expected);
+  // A warehouse without the row starts from nothing, with the catalogue's prices.
+  ASSERT_EQ(StockChange(2, number, -4, refusal), 0);
+  EXPECT_EQ(Quantity(2, number), -4);
+  EXPECT_EQ(Scalar("SELECT csn FROM dane_2_stany_mg WHERE nr_wewn=" + std::to_string(number)), "15.0000000");
+  // Out of range: refused, nothing changed.
+  EXPECT_EQ(StockChange(kWarehouse, number, 1e22L, refusal), 0);
+  EXPECT_EQ(refusal, "Przekroczenie zakresu argumentu."_mz);
+  EXPECT_EQ(Quantity(kWarehouse, number), expected);
+}
+
+TEST_F(ItemsTest, ActivityDiscountLockAndPriceScopes) {
+  const int32_t a = Add(Item("KAWA"), 1);
+  const int32_t b = Add(Item("KAWA", "8"), 1);
+  const std::string n = std::to_string(a);
+  ASSERT_EQ(SetItemActive(a, false), 0);
+  EXPECT_EQ(Scalar("SELECT ilosc IS NULL FROM dane_kat_tow_ WHERE nr_wewn=" + n), "t");
+  ASSERT_EQ(SetItemActive(a, true), 0);
+  EXPECT_EQ(Scalar("SELECT ilosc FROM dane_kat_tow_ WHERE nr_wewn=" + n), "0.0000000");
+  ASSERT_EQ(SetItemDiscountLock(a, 1), 0);
+  EXPECT_EQ(Scalar("SELECT blok_rab FROM dane_kat_tow_ WHERE nr_wewn=" + n), "1");
+
+  ShortText refusal;
+  ASSERT_EQ(StockChange(2, a, 1, refusal), 0);
+  struct Case {
+    ItemPriceScope scope;
+    Real gross;
+    const char* catalogue;  // cena_s_b afterwards
+    const char* here;       // csb of warehouse 1
+    const char* other;      // csb of warehouse 2
+  };
+  const Case cases[] = {
+      {ItemPriceScope::kWarehouse, 24.6L, "18.4500000", "24.6000000", "18.4500000"},
+      {ItemPriceScope::kCatalogueAndWarehouse, 36.9L, "36.9000000", "36.9000000", "18.4500000"},
+      {ItemPriceScope::kEverywhere, 12.3L, "12.3000000", "12.3000000", "12.3000000"},
+  };
+  for (const Case& c : cases) {
+    bool found = false;
+    ASSERT_EQ(ItemChangeSalePrice(a, c.gross, c.scope, kWarehouse, found, refusal), 0);
+    EXPECT_TRUE(found && refusal.Empty());
+    EXPECT_EQ(Scalar("SELECT cena_s_b||'/'||round(cena_s_n,2) FROM dane_kat_tow_ WHERE nr_wewn=" + n),
+              std::string(c.catalogue) + "/" + (c.scope == ItemPriceScope::kWarehouse ? "15.00" : 
+              std::to_string(static_cast<double>(c.gross / 1.23L)).substr(0, 5)));
+    EXPECT_EQ(Scalar("SELECT csb FROM dane_1_stany_mg WHERE nr_wewn=" + n), c.here);
+    EXPECT_EQ(Scalar("SELECT csb FROM dane_2_stany_mg WHERE nr_wewn=" + n), c.other);
+  }
+  // Purchase prices are part of the key: taking those of the other KAWA with its features is refused.
+  ASSERT_TRUE(Psql("UPDATE dane_kat_tow_ SET vat='23', cena_z_n=3, cena_z_b=4 WHERE nr_wewn=" + std::to_string(b)));
+  ItemData item;
+  bool found = false;
+  ASSERT_EQ(ItemFindByNumber(a, item, found), 0);
+  item.buyNet = 3;
+  item.buyGross = 4;
+  ASSERT_EQ(ItemStorePrices(item, found, refusal), 0);
+  EXPECT_EQ(refusal.Str().substr(0, 20), std::string("Nie można dokonać korekty"_mz.View()).substr(0, 20));
+  EXPECT_EQ(Scalar("SELECT cena_z_n FROM dane_kat_tow_ WHERE nr_wewn=" + n), "10.0000000");
+  EXPECT_EQ(ItemChangeSalePrice(a, -1, ItemPriceScope::kWarehouse, kWarehouse, found, refusal), 0);
+  EXPECT_EQ(refusal, "Przekroczenie zakresu argumentu."_mz);
+}
+
+TEST_F(ItemsTest, TheGroupedViewSumsTheFirst320Warehouses) {
+  const int32_t a = Add(Item("A"), 1);
+  const int32_t b = Add(Item("B"), 0);
+  ShortText refusal;
+  for (int32_t w : {2, 3}) ASSERT_EQ(StockChange(w, a, w * 10, refusal), 0);
+  int spanned = 0;
+  ASSERT_EQ(BuildStockView(spanned), 0);
+  EXPECT_EQ(spanned, 3);
+  EXPECT_EQ(Own("SELECT ilosc FROM tmp_view_stanyx WHERE nr_wewn=" + std::to_string(a)), "51.0000000");
+  EXPECT_EQ(Own("SELECT ilosc FROM tmp_view_stanyx WHERE nr_wewn=" + std::to_string(b)), "0.0000000");
+  // Warehouses 4..321 exist only with their stock lists; the 321st is left out.
+  for (int32_t w = 4; w <= 321; ++w) {
+    ASSERT_EQ(CreateTableFrom(WarehouseTablePath(w, "stany_mg"), kStanyMgDef), 0);
+    ASSERT_TRUE(Psql("INSERT INTO dane_magazyny (nazwa,nazwa_inne,numer,czy_podmiot_gosp) VALUES ('M',''," + std::to_string(w) + ",'Z')"));
+  }
+  for (int32_t w : {320, 321}) ASSERT_EQ(StockChange(w, a, 1000 * (w - 319), refusal), 0);
+  ASSERT_EQ(BuildStockView(spanned), 0);
+  EXPECT_EQ(spanned, 320);
+  EXPECT_EQ(Own("SELECT ilosc FROM tmp_view_stanyx WHERE nr_wewn=" + std::to_string(a)), "1051.0000000");
+}
+
+TEST_F(ItemsTest, TheListReadsPagesInNameOrderUnderItsFilters) {
+  std::vector<std::string> names;
+  for (int i = 0; i < 45; ++i) {
+    char name[16];
+    std::snprintf(name, sizeof name, "T%02d", 44 - i);
+    const int32_t n = Add(Item(name), i % 3 == 0 ? 0 : i);
+    if (i % 5 == 0) {
+      ASSERT_EQ(SetItemActive(n, false), 0);
+    }
+  }
+  auto pages = [](const ItemListKind& kind, bool forward) {
+    std::string out;
+    std::vector<ItemListRow> rows;
+    ItemListKey key;
+    for (;;) {
+      EXPECT_EQ(ItemListRead(kind, kWarehouse, key, forward, 20, rows), 0);
+      if (rows.empty()) return out;
+      out += "|";
+      for (const ItemListRow& r : rows) out += r.item.name.Str() + (r.quantity != 0 ? "+" : "") + " ";
+      key = ItemListKeyOf(forward ? rows.back() : rows.front());
+    }
+  };
+  auto expect = [](auto keep) {
+    std::string all;
+    for (int k = 0; k < 45; ++k) {
+      const int i = 44 - k;  // T<k> was added as the i-th
+      if (keep(i)) all += "T" + std::string(k < 10 ? "0" : "") + std::to_string(k) + (i % 3 ? "+" : "") + " ";
+    }
+    return all;
+  };
+  auto flat = [](std::string s) {
+    std::string out;
+    for (char c : s)
+      if (c != '|') out += c;
+    return out;
+  };
+  EXPECT_EQ(flat(pages(ItemListKind{}, true)), expect([](int) { return true; }));
+  EXPECT_EQ(pages(ItemListKind{}, true).substr(0, 1), "|");
+  EXPECT_EQ(flat(pages(ItemListKind{}, false)).size(), flat(pages(ItemListKind{}, true)).size());
+  EXPECT_EQ(flat(pages({ItemListStock::kNonZero, false, false}, true)), expect([](int i) { return i % 3 != 0; }));
+  EXPECT_EQ(flat(pages({ItemListStock::kAll, true, false}, true)), expect([](int i) { return i % 5 != 0; }));
+  int spanned = 0;
+  ASSERT_EQ(BuildStockView(spanned), 0);
+  EXPECT_EQ(flat(pages({ItemListStock::kNonZero, true, true}, true)), expect([](int i) { return i % 3 && i % 5; }));
+}
+
+// Another process, with its own connection, deletes an item.
+void DeleteElsewhere(int32_t number) {
+  const pid_t pid = fork();
+  if (pid == 0) {
+    PGConn = nullptr;
+    PGConnected = false;
+    PGTransDepth = 0;
+    const bool ok = PGSetDefaults() == 0 &&
+                    PGRunQueryNoTup("DELETE FROM dane_kat_tow_ WHERE nr_wewn=" + std::to_string(number)) == 0;
+    _exit(ok ? 0 : 1);
+  }
+  int status = -1;
+  waitpid(pid, &status, 0);
+  ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+}
+
+TEST_F(ItemsTest, TheScreenFindsByNameAndIndexAndChangesAPrice) {
+  for (const char* name : {"BULKA", "CHLEB", "DROZDZE", "MAKA", "MLEKO", "SER"}) Add(Item(name), 2);
+  ItemData milk;
+  bool found = false;
+  ASSERT_EQ(ItemFindByName("MLEKO", milk, found), 0);
+  ASSERT_TRUE(Psql("UPDATE dane_kat_tow_ SET indeks_numeryczny=4242 WHERE nazwa='DROZDZE'"));
+  Play({Keys("", {keys::F(2)}), Keys("MLE", {keys::kEnter}), Keys("", {keys::kEnter}), Keys("", {keys::kBackspace,
+        keys::kBackspace, keys::kBackspace, keys::kBackspace, keys::kBackspace}), Keys("24.60", {keys::kEnter}),
+        Keys("2"), Keys("", {keys::F(4)}), Keys("4242", {keys::kEnter})});
+  ItemCatalogue(kWarehouse);
+  EXPECT_TRUE(Shown(" Katalog towarów - magazyn nr 1"_mz));
+  EXPECT_TRUE(Shown("Wprowadź początek szukanej nazwy: ---"_mz));
+  EXPECT_TRUE(Shown(" MLEKO "));
+  EXPECT_TRUE(Shown("Wprowadź szukany indeks cyfrowy:"_mz));
+  EXPECT_EQ(Scalar("SELECT cena_s_b FROM dane_kat_tow_ WHERE nazwa='MLEKO'"), "24.6000000");
+  EXPECT_EQ(Scalar("SELECT csb FROM dane_1_stany_mg WHERE nr_wewn=" + std::to_string(milk.number)), "24.6000000");
+  // The last screen starts at DROZDZE, found by its digit index.
+  EXPECT_NE(gScreens.back().find(" DROZDZE"), std::string::npos);
+  EXPECT_EQ(gScreens.back().find(" CHLEB"), std::string::npos);
+
+  // An item deleted by another process while the list shows it.
+  gScreens.clear();
+  const int32_t ser = milk.number + 1;
+  Play({Keys("", {keys::kEnd}), [ser] { DeleteElsewhere(ser); (void)PushKey(13, 28); }, Keys("", {keys::kEnter})});
+  ItemCatalogue(kWarehouse);
+  EXPECT_TRUE(Shown("SER\"")) ;
+  EXPECT_TRUE(Shown("został usunięty z katalogu przez innego użytkownika."_mz));
+  EXPECT_EQ(Scalar("SELECT count(*) FROM dane_kat_tow_ WHERE nr_wewn=" + std::to_string(ser)), "0");
+}
+
+}  // namespace
