@@ -42,6 +42,22 @@ int16_t RewriteInTransaction(const std::string& sqlName, const std::function<int
   return code;
 }
 
+ProgressBoxTen::ProgressBoxTen(const ShortText& text, long total) : total_(total) {
+  ScreenSave(screen_);
+  MessageBox(text, 2);
+  bar_ = FindProgressBar(text);
+}
+
+ProgressBoxTen::~ProgressBoxTen() { ScreenRestore(screen_); }
+
+void ProgressBoxTen::Show(long done) {
+  const long cell = total_ > 0 ? done * 10 / total_ : 10;
+  if (cell == shown_) return;
+  shown_ = cell;
+  ShowProgress(bar_, done, total_);
+  TermFlush();
+}
+
 }  // namespace bulk_detail
 
 using namespace bulk_detail;
@@ -147,20 +163,16 @@ int16_t DbWipe() {
   PGLastOp = "DbWipe";
   PGResult res;
   if (int16_t code = PGRunQueryWithTup("SELECT DISTINCT NAZT FROM TABLES_LIST", res)) return code;
-  const ShortText text = "Trwa usuwanie wszystkich tablic bazy...[          ]"_mz;
-  ScreenCopyPtr screen;
-  ScreenSave(screen);
-  MessageBox(text, 2);
-  const ProgressBar bar = FindProgressBar(text);
   int16_t code = 0;
-  for (int r = 0; r < res.Rows() && code == 0; ++r) {
-    const std::string name(res.Value(r, 0));
-    // A table already gone is no reason to keep the rest.
-    if (name.rfind("TMP_", 0) != 0) code = Run("DROP TABLE IF EXISTS " + name);
-    ShowProgress(bar, r + 1, res.Rows());
-    TermFlush();
+  {
+    ProgressBoxTen box("Trwa usuwanie wszystkich tablic bazy...[          ]"_mz, res.Rows());
+    for (int r = 0; r < res.Rows() && code == 0; ++r) {
+      const std::string name(res.Value(r, 0));
+      // A table already gone is no reason to keep the rest.
+      if (name.rfind("TMP_", 0) != 0) code = Run("DROP TABLE IF EXISTS " + name);
+      box.Show(r + 1);
+    }
   }
-  ScreenRestore(screen);
   return code != 0 ? code : Run("TRUNCATE TABLE TABLES_LIST");
 }
 

@@ -50,3 +50,11 @@
 // Replaces target by a copy of source (fields, indexes and every row, in the
 // source's key order) under "Trwa kopiowanie danych...[          ]".
 [[nodiscard]] int16_t TblCopyData(const ShortText& source, const ShortText& target);
+// Writes the table to a dBASE 3 file (Mazovia text, dates YYYYMMDD, a blank
+// date "01000101"; blobs but memos left out) under
+// "Trwa kopiowanie danych do pliku DBF-3...[          ]". The file appears
+// only complete; an older one stays when the copy fails.
+[[nodiscard]] int16_t TblToDbf(const ShortText& table, const ShortText& dbfPath);
+// The same as CSV: fields by ",", text in double quotes (a quote doubled),
+// lines ended CR LF, no heading line.
+[[nodiscard]] int16_t TblToCsv(const ShortText& table, const ShortText& csvPath);

@@ -8,6 +8,8 @@
 
 #include "base/shorttext.h"
 #include "sqltable/pgtable.h"
+#include "tui/msgbox.h"
+#include "tui/screen.h"
 
 namespace bulk_detail {
 
@@ -28,5 +30,22 @@ std::string JoinNames(const std::vector<CatalogueField>& fields, const std::stri
 // Runs steps in one transaction that also bumps the table's change counter;
 // commits on 0, rolls back on anything else. The code of the steps.
 [[nodiscard]] int16_t RewriteInTransaction(const std::string& sqlName, const std::function<int16_t()>& steps);
+
+// A box with a bar of ten cells, shown at once and put away when destroyed;
+// the bar is redrawn only when another cell fills.
+class ProgressBoxTen {
+ public:
+  ProgressBoxTen(const ShortText& text, long total);
+  ~ProgressBoxTen();
+  ProgressBoxTen(const ProgressBoxTen&) = delete;
+  ProgressBoxTen& operator=(const ProgressBoxTen&) = delete;
+  void Show(long done);
+
+ private:
+  ScreenCopyPtr screen_;
+  ProgressBar bar_;
+  long total_ = 0;
+  long shown_ = -1;
+};
 
 }  // namespace bulk_detail

@@ -6,9 +6,6 @@
 #include "base/mazovia.h"
 #include "sqltable/pgnav.h"
 #include "sqltable/pgrecord.h"
-#include "tui/msgbox.h"
-#include "tui/screen.h"
-#include "tui/term.h"
 #include "users/bulk.h"
 #include "users/bulk_detail.h"
 
@@ -36,30 +33,6 @@ class OpenedTable {
  private:
   int16_t tbl_ = 0;
   int16_t rec_ = 0;
-};
-
-// The progress box of ten cells, moved only when a cell fills.
-class ProgressBox {
- public:
-  ProgressBox(const ShortText& text, long total) : total_(total) {
-    ScreenSave(screen_);
-    MessageBox(text, 2);
-    bar_ = FindProgressBar(text);
-  }
-  ~ProgressBox() { ScreenRestore(screen_); }
-  void Show(long done) {
-    const long cell = total_ > 0 ? done * 10 / total_ : 10;
-    if (cell == shown_) return;
-    shown_ = cell;
-    ShowProgress(bar_, done, total_);
-    TermFlush();
-  }
-
- private:
-  ScreenCopyPtr screen_;
-  ProgressBar bar_;
-  long total_ = 0;
-  long shown_ = -1;
 };
 
 // Multi-row INSERT statements of the source's fields into the target.
@@ -97,7 +70,7 @@ class InsertBatch {
 };
 
 // Walks the open source from its first row, every row into the batch.
-int16_t CopyRows(const OpenedTable& src, InsertBatch& batch, ProgressBox& box) {
+int16_t CopyRows(const OpenedTable& src, InsertBatch& batch, ProgressBoxTen& box) {
   int16_t code = PGRecFirst(src.tbl());
   if (code == kPGEmptyTable) return kPGOk;
   while (code == 0) {
@@ -123,7 +96,7 @@ int16_t CopySteps(const ShortText& source, const ShortText& target) {
   if (int16_t code = src.Open(source)) return code;
   int32_t total = 0;
   if (int16_t code = PGTblNRecs(src.tbl(), total)) return code;
-  ProgressBox box("Trwa kopiowanie danych...[          ]"_mz, total);
+  ProgressBoxTen box("Trwa kopiowanie danych...[          ]"_mz, total);
   const std::string t = SqlName(target);
   InsertBatch batch(t, *PGTableAt(src.tbl()));
   if (int16_t code = CopyRows(src, batch, box)) return code;
