@@ -107,6 +107,7 @@ int16_t CopySteps(const ShortText& source, const ShortText& target) {
 
 int16_t TblCopyData(const ShortText& source, const ShortText& target) {
   PGLastOp = "TblCopyData";
+  if (SqlName(source) == SqlName(target)) return kPGBadArgument;  // the clone would drop the source
   bool exists = false;
   (void)PGTblExist(source, exists);
   if (!exists) return kPGTableNotFound;

@@ -96,6 +96,7 @@ TEST_F(BulkTest, FailedCopyIsReportedAndLeavesTheOldTarget) {
   Disarm();
   ExpectOldTarget();
   EXPECT_NE(TblCopyData("dane\\brak", "dane\\kopia"), 0);
+  EXPECT_EQ(TblCopyData("dane\\kopia", "DANE\\KOPIA"), kPGBadArgument);
   ExpectOldTarget();
 }
 
