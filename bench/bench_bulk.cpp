@@ -12,7 +12,6 @@
 #include "sqltable/pgcontrol.h"
 #include "sqltable/pgnav.h"
 #include "sqltable/pgrecord.h"
-#include "tui/term.h"
 #include "users/bulk.h"
 
 namespace {
@@ -81,20 +80,11 @@ BENCHMARK(BM_SortPhysical100k)->Unit(benchmark::kMillisecond)->Iterations(3);
 BENCHMARK(BM_ControlQuestionMirror)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_ControlQuestionKeySearch)->Unit(benchmark::kMicrosecond);
 
-// The progress boxes go into a string, not to the console.
-void QuietTerminal() {
-  setenv("TERM", "xterm", 1);
-  TermSetWarningWait(0);
-  TermInputFromFd(-1);
-  TermOutputToBuffer(&gScreen);
-  TermInit();
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
   benchmark::Initialize(&argc, argv);
-  QuietTerminal();
+  BenchQuietTerminal(&gScreen);  // the progress boxes go into a string
   bool ready = false;
   {
     BenchDatabase db("bench_bulk");

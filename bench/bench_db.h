@@ -13,6 +13,16 @@
 
 #include "pgcluster.h"
 #include "sqltable/pgtable.h"
+#include "tui/term.h"
+
+// Screens that the measured code draws go into a string, not to the console.
+inline void BenchQuietTerminal(std::string* screen) {
+  setenv("TERM", "xterm", 1);
+  TermSetWarningWait(0);
+  TermInputFromFd(-1);
+  TermOutputToBuffer(screen);
+  TermInit();
+}
 
 class BenchDatabase {
  public:
