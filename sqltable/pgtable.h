@@ -105,7 +105,13 @@ struct PGTable {
 
   // Write state.
   bool changedByUs = false;  // a change counter bump is owed
-  bool controlStale = false;
+  bool controlStale = false;  // a write of ours: the control mirror is out of date
+
+  // Control mirror (sqltable/pgcontrol.h).
+  bool controlUse = true;     // false: questions go to the server
+  int controlSlot = 0;        // 1 or 2 once a slot is owned, 0 none
+  int32_t controlCount = -1;  // entries loaded, -1 not loaded
+  int32_t controlIlZm = 0;    // il_zm read just before the mirror's load
 };
 
 // A composite index descriptor made by PGKeyMap.
