@@ -11,6 +11,7 @@
 #include "documents/dockinds.h"
 #include "documents/payments_detail.h"
 #include "master/tables.h"
+#include "users/users.h"
 #include "sqltable/pgconn.h"
 
 using docdetail::SqlTable;
@@ -173,4 +174,21 @@ std::vector<PaymentRow> ListPayments(int32_t warehouse, int limit) {
     return rows;
   for (int i = 0; i < r.Rows(); ++i) rows.push_back(PaymentFrom(r, i));
   return rows;
+}
+
+PaymentRow NewPaymentRow(int16_t kind, const KindRow& row, const DocRef& src, const SourceInfo& info, int32_t date,
+                         Real amount) {
+  PaymentRow p;
+  p.key = {kind, 0, row.mark};
+  p.date = date;
+  p.source = src;
+  p.kindText = row.name.Copy(1, 7);
+  p.contractorLetter = row.contractorLetter;
+  p.contractor = info.contractor;
+  p.contractorName = info.contractorName;
+  p.account = row.account;
+  p.amount = amount;
+  p.operatorNumber = CurrentUserNumber();
+  p.sourceDate = info.date;
+  return p;
 }

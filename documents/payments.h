@@ -141,6 +141,11 @@ struct SourceInfo {
 };
 SourceInfo ReadSource(int32_t warehouse, const DocRef& doc);
 
+// A new payment of kind (its catalogue row given) for the document src by
+// the current user; the number is given when it is saved.
+PaymentRow NewPaymentRow(int16_t kind, const KindRow& row, const DocRef& src, const SourceInfo& info, int32_t date,
+                         Real amount);
+
 // --- The balance ---
 struct Balance {
   bool usable = true;  // false when a kind of the walk is not in dok_plat

@@ -179,21 +179,11 @@ bool EnterPayment(int32_t warehouse, const PaymentSettings& s) {
   if (!b.usable) return Say(kKindMissingText), false;
   if (!b.found) return Say(kSourceLostText), false;
   if (b.value == 0) return Say(b.deposit ? kDepositHintText : kZeroBalanceText), false;
-  PaymentRow row;
-  row.amount = b.value;
-  if (!AskAmount(Titled("Dopisanie dokumentu:"_mz, kind.name), row.amount)) return false;
+  Real amount = b.value;
+  if (!AskAmount(Titled("Dopisanie dokumentu:"_mz, kind.name), amount)) return false;
   const SourceInfo info = ReadSource(warehouse, src);
-  row.key = {k, 0, kind.mark};
-  row.date = TodaySerial();
+  PaymentRow row = NewPaymentRow(k, kind, src, info, TodaySerial(), amount);
   if (row.date < info.date) Say(kEarlyDateText);
-  row.source = src;
-  row.kindText = kind.name.Copy(1, 7);
-  row.contractorLetter = kind.contractorLetter;
-  row.contractor = info.contractor;
-  row.contractorName = info.contractorName;
-  row.account = kind.account;
-  row.operatorNumber = CurrentUserNumber();
-  row.sourceDate = info.date;
   return Report(SavePayment(warehouse, row, s));
 }
 

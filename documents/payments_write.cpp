@@ -182,19 +182,7 @@ int WriteAutoPayment(int32_t warehouse, const DocRef& doc, int32_t date, const P
   int written = 0;
   for (const Part& part : parts) {
     if (part.kind == 0 || RoundMoney(part.amount) == 0) continue;
-    const KindRow k = ReadKindRow(part.kind);
-    PaymentRow row;
-    row.key = {part.kind, 0, k.mark};
-    row.date = date;
-    row.source = doc;
-    row.kindText = k.name.Copy(1, 7);
-    row.contractorLetter = k.contractorLetter;
-    row.contractor = src.contractor;
-    row.contractorName = src.contractorName;
-    row.account = k.account;
-    row.amount = part.amount;
-    row.operatorNumber = CurrentUserNumber();
-    row.sourceDate = src.date;
+    PaymentRow row = NewPaymentRow(part.kind, ReadKindRow(part.kind), doc, src, date, part.amount);
     if (InsertPayment(warehouse, row, s) != PaymentResult::kDone) return -1;
     ++written;
   }
