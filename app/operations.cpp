@@ -3,6 +3,7 @@
 
 #include <iterator>
 
+#include "documents/payments.h"
 #include "master/items.h"
 #include "tui/msgbox.h"
 #include "users/users.h"
@@ -16,6 +17,14 @@ using OperationFn = void (*)(AppState&);
 void DocumentEntry(AppState& state) {
   if (!WarehouseReady(state)) return;
   NotYetAvailable(state);
+}
+
+void CashDocuments(AppState& state) {
+  if (WarehouseReady(state)) PaymentDocuments(state.warehouse);
+}
+
+void DepositSettlement(AppState& state) {
+  if (WarehouseReady(state)) AutoSettleDeposits(state.warehouse);
 }
 
 void ManageUsers(AppState&) { (void)UserList(UserListMode::kManage); }
@@ -39,7 +48,7 @@ constexpr Operation kOperations[] = {
     {MenuOp::kGoodsCatalogue, GoodsCatalogue},
     {MenuOp::kWorkFiles, NotYetAvailable},
     {MenuOp::kGoodsCheck, NotYetAvailable},
-    {MenuOp::kCashDocuments, DocumentEntry},
+    {MenuOp::kCashDocuments, CashDocuments},
     {MenuOp::kGoodsAnalyses, NotYetAvailable},
     {MenuOp::kDocumentAnalyses, NotYetAvailable},
     {MenuOp::kCashAnalyses, NotYetAvailable},
@@ -57,7 +66,7 @@ constexpr Operation kOperations[] = {
     {MenuOp::kFiscalPrinter, NotYetAvailable},
     {MenuOp::kReceiptPrinter, NotYetAvailable},
     {MenuOp::kDeleteDocuments, NotYetAvailable},
-    {MenuOp::kDepositSettlement, NotYetAvailable},
+    {MenuOp::kDepositSettlement, DepositSettlement},
     {MenuOp::kBook, NotYetAvailable},
     {MenuOp::kMileage, NotYetAvailable},
     {MenuOp::kBookedDocuments, NotYetAvailable},
