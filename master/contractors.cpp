@@ -167,7 +167,9 @@ int32_t NextContractorNumber(const NumberRange& range, int32_t lastInRange) {
 
 bool SameContractorData(const Contractor& a, const Contractor& b) {
   for (int c = 1; c <= KontrahentCol::kCount; ++c)
-    if (c != KontrahentCol::numer && c != KontrahentCol::rabat && a.text[c] != b.text[c]) return false;
+    if (c != KontrahentCol::numer && c != KontrahentCol::rabat &&
+        TrimRightAll(a.text[c], ' ') != TrimRightAll(b.text[c], ' '))
+      return false;
   return a.discount == b.discount;
 }
 
@@ -263,6 +265,22 @@ ContractorOutcome ContractorStore(ContractorKind kind, const Contractor& c) {
   if (Checked(t.SeekNumber(c.number), kPGRecordNotFound) != 0) return ContractorOutcome::kGone;
   Checked(PGRecGet(t.tbl(), t.rec()));
   Checked(t.Fill(c));
+  Checked(PGRecUpdate(t.tbl(), t.rec()));
+  lock.Commit();
+  return ContractorOutcome::kDone;
+}
+
+ContractorOutcome ContractorStoreChanges(ContractorKind kind, const Contractor& before, const Contractor& after) {
+  contractors_detail::CatalogueLock lock(kind);
+  CatalogueTable t(kind);
+  Checked(t.code());
+  if (Checked(t.SeekNumber(before.number), kPGRecordNotFound) != 0) return ContractorOutcome::kGone;
+  Contractor fresh;
+  Checked(t.Read(fresh));
+  for (std::size_t f = 1; f < fresh.text.size(); ++f)
+    if (after.text[f] != before.text[f]) fresh.text[f] = after.text[f];
+  if (after.discount != before.discount) fresh.discount = after.discount;
+  Checked(t.Fill(fresh));
   Checked(PGRecUpdate(t.tbl(), t.rec()));
   lock.Commit();
   return ContractorOutcome::kDone;

@@ -93,6 +93,11 @@ enum class ContractorOutcome : uint8_t {
 NumberRange ConfiguredNumberRange(ContractorKind kind);
 // Writes the row of c.number over the stored one.
 [[nodiscard]] ContractorOutcome ContractorStore(ContractorKind kind, const Contractor& c);
+// Writes the fields that the operator changed (after differs from before)
+// into the row as it stands under the lock, so that another operator's
+// change of other fields meanwhile survives.
+[[nodiscard]] ContractorOutcome ContractorStoreChanges(ContractorKind kind, const Contractor& before,
+                                                       const Contractor& after);
 // Deletes the row; unless evenInUse, refuses (kInUse) when documents name
 // it. A warehouse's own tables go with it.
 [[nodiscard]] ContractorOutcome ContractorDelete(ContractorKind kind, int32_t number, bool evenInUse = false);
