@@ -1,0 +1,214 @@
+// The list of a catalogue and its keys. The list pages through the table
+// layer (row n of the order through the row cache), so a catalogue of any
+// size shows its first screen after one count and one batch of rows.
+#include "master/contractor_screens.h"
+
+#include <string>
+
+#include "base/mazovia.h"
+#include "base/text.h"
+#include "master/contractors_detail.h"
+#include "sqltable/dbapp.h"
+#include "sqltable/pgnav.h"
+#include "tui/editfield.h"
+#include "tui/keyboard.h"
+#include "tui/msgbox.h"
+#include "tui/picklist.h"
+
+using contractors_detail::BoxKeeper;
+using contractors_detail::CatalogueTable;
+using contractors_detail::Checked;
+
+namespace {
+
+constexpr int kVisibleRows = 18;
+constexpr unsigned char kBarAttr = 0x30;
+constexpr unsigned char kKeyIns = 252, kKeyDel = 253, kCtrlR = 18;
+constexpr unsigned char kUp = 242, kDown = 250, kHome = 241, kEnd = 249, kPgUp = 243, kPgDn = 251;
+
+const ShortText kColumns = "             nazwa             ¥   numer    ¥        miasto       "_mz;
+
+ShortText Title(ContractorKind kind, ChoosePurpose purpose) {
+  switch (purpose) {
+    case ChoosePurpose::kSaleReport: return "Wybierz jednostkę, z której przyjmujesz relację sprzedaży:"_mz;
+    case ChoosePurpose::kTransferTo: return "Wybierz magazyn, do którego przesuwasz towar:"_mz;
+    case ChoosePurpose::kTransferFrom: return "Wybierz magazyn, z którego przesuwasz towar:"_mz;
+    case ChoosePurpose::kCurrentWarehouse: return "Wybierz magazyn, na którego konto wprowadzać będziesz dane:"_mz;
+    case ChoosePurpose::kAny: break;
+  }
+  return "Wybierz żądan"_mz + "ego " + ContractorKindGenitive(kind) + ":";
+}
+
+ShortText EmptyListText(ContractorKind kind) {
+  const ShortText what = kind == ContractorKind::kWarehouse  ? "y magazyn"_mz
+                         : kind == ContractorKind::kSupplier ? "ego dostawcę"_mz
+                                                             : "ego odbiorcę"_mz;
+  return "Lista jest pusta. Wybieranie czegoś z pustej listy nie ma sensu.@"_mz + "Aby dopisać now"_mz + what +
+         ", użyj klawisza ƒInsert⌐."_mz + "@Aby zrezygnować z wybierania, wciśnij klawisz ƒEsc⌐."_mz;
+}
+
+ShortText RowText(const Contractor& c) {
+  return " " + PadRight(c[KontrahentCol::nazwa], " ", 30) + " ¥ "_mz +
+         PadLeft(ShortText(std::to_string(c.number)), ' ', 10) + " ¥ "_mz + PadRight(c[KontrahentCol::miasto], " ", 20);
+}
+
+// The list's place: the bar's row and the first row shown, from 1.
+struct ListPlace {
+  int32_t bar = 1, top = 1;
+  int indexHandle = 0;  // 0 name order, KontrahentCol::numer number order
+};
+
+bool MoveBar(unsigned char code, int32_t count, int32_t& bar) {
+  switch (code) {
+    case kUp: bar -= 1; break;
+    case kDown: bar += 1; break;
+    case kHome: bar = 1; break;
+    case kEnd: bar = count; break;
+    case kPgUp: bar -= kVisibleRows; break;
+    case kPgDn: bar += kVisibleRows; break;
+    default: return false;
+  }
+  if (bar > count) bar = count;
+  if (bar < 1) bar = 1;
+  return true;
+}
+
+// Draws the rows of the window of the list; the number under the bar in barNumber.
+void DrawRows(CatalogueTable& t, int32_t count, ListPlace& at, int32_t& barNumber) {
+  if (at.bar < at.top) at.top = at.bar;
+  if (at.bar >= at.top + kVisibleRows) at.top = at.bar - kVisibleRows + 1;
+  barNumber = 0;
+  for (int i = 0; i < kVisibleRows; ++i) {
+    const int32_t n = at.top + i;
+    ShortText row = PadRight("", " ", kColumns.Length());
+    if (n <= count && Checked(PGRecGoto_c(t.tbl(), n), kPGArgRange) == 0) {
+      Contractor c;
+      Checked(t.Read(c));
+      row = RowText(c);
+      if (n == at.bar) barNumber = c.number;
+    }
+    TextAttr(n == at.bar ? kBarAttr : kAttrBoxBody);
+    WriteAt(2, 4 + i, row);
+  }
+  GotoXY(2, 4 + at.bar - at.top);
+}
+
+// The text searched for; false on Esc.
+bool AskFragment(ShortText& fragment) {
+  BoxKeeper keeper;
+  MessageBox("Wprowadź szukany fragment (ciąg znaków) z"_mz + " nazwy:             @"_mz + PadRight("", " ", 30), 2);
+  GotoXY(2, 3);
+  TextAttr(kAttrReverse);
+  unsigned char key = 0;
+  fragment = ShortText();
+  EditField(1, 1, ' ', 30, fragment, key);
+  fragment = TrimRightAll(fragment, ' ');
+  return key != 27 && !fragment.Empty();
+}
+
+// The place in the order of the next row after `after` whose name holds the fragment; 0 when none.
+int32_t FindNameFragment(CatalogueTable& t, const ShortText& fragment, int32_t after) {
+  PGTable* table = PGTableAt(t.tbl());
+  if (!table) return 0;
+  Checked(PGPutAlpha(t.rec(), KontrahentCol::nazwa, fragment));
+  PGRecordBuffer* buf = PGRecordAt(t.rec());
+  const std::string needle = PGEscapeStr(buf->fields[KontrahentCol::nazwa].value);
+  PGResult res;
+  Checked(PGRunQueryWithTup("SELECT n FROM (SELECT nazwa, row_number() OVER (" + PGOrderText(*table, false).substr(1) +
+                                ") AS n FROM " + t.SqlName() + ") r WHERE n > " + std::to_string(after) +
+                                " AND position(upper('" + needle + "') IN upper(nazwa)) > 0 ORDER BY n LIMIT 1",
+                            res));
+  return res.Rows() > 0 ? std::stoi(std::string(res.Value(0, 0))) : 0;
+}
+
+// Ctrl+R: "Jest ! Czy szukać dalej ?" moves on to the next, "Nie znalazłem !" ends.
+void SearchName(CatalogueTable& t, ListPlace& at) {
+  ShortText fragment;
+  if (!AskFragment(fragment)) return;
+  for (int32_t from = at.bar;;) {
+    const int32_t found = FindNameFragment(t, fragment, from);
+    if (found == 0) {
+      MessageBox("Nie znalazłem !"_mz, 0);
+      return;
+    }
+    at.bar = found;
+    int32_t number = 0;
+    int32_t count = 0;
+    Checked(PGTblNRecs(t.tbl(), count));
+    DrawRows(t, count, at, number);
+    if (!MessageBox("Jest ! Czy szukać dalej ?"_mz, 1)) return;
+    MessageBox("No, to szukam dalej..."_mz, 300);
+    from = found;
+  }
+}
+
+// What the operator did in the list.
+struct ListEnd {
+  unsigned char code = 27;
+  int32_t number = 0;
+};
+
+ListEnd Browse(ContractorKind kind, const ShortText& title, bool choosing, ListPlace& at) {
+  BoxKeeper keeper;
+  CatalogueTable t(kind, at.indexHandle);
+  Checked(t.code());
+  int32_t count = 0;
+  Checked(PGTblNRecs(t.tbl(), count));
+  if (count == 0 && choosing) {
+    MessageBox(EmptyListText(kind), 0);
+    return ListEnd{};
+  }
+  ShortText text = PadRight(title, " ", kColumns.Length()) + "@" + kColumns;
+  for (int i = 0; i < kVisibleRows; ++i) text += '@';
+  MessageBox(text, 2);
+  for (;;) {
+    int32_t number = 0;
+    DrawRows(t, count, at, number);
+    const KeyPair key = ReadKeyUpper();
+    const unsigned char code = KeyCodeOf(key);
+    if (key == keys::kShiftTab) {
+      at.indexHandle = at.indexHandle == 0 ? KontrahentCol::numer : 0;
+      return ListEnd{0, 0};
+    }
+    if (MoveBar(code, count, at.bar)) continue;
+    if (code == kCtrlR) {
+      SearchName(t, at);
+      continue;
+    }
+    if (code == 27 || code == kKeyIns || ((code == 13 || code == kKeyDel) && number != 0)) return ListEnd{code, number};
+    Beep(1000);
+  }
+}
+
+int32_t RunList(ContractorKind kind, const ShortText& title, bool choosing) {
+  ListPlace at;
+  for (;;) {
+    const ListEnd end = Browse(kind, title, choosing, at);
+    switch (end.code) {
+      case 0: break;  // the order changed: shown again
+      case 27: return 0;
+      case kKeyIns: (void)AddContractor(kind); break;
+      case kKeyDel: (void)DeleteContractor(kind, end.number); break;
+      default:
+        if (choosing) return end.number;
+        (void)ChangeContractor(kind, end.number);
+    }
+  }
+}
+
+}  // namespace
+
+void ContractorCatalogue(ContractorKind kind) { (void)RunList(kind, Title(kind, ChoosePurpose::kAny), false); }
+
+int32_t ChooseContractor(ContractorKind kind, ChoosePurpose purpose) {
+  return RunList(kind, Title(kind, purpose), true);
+}
+
+void ContractorCataloguesMenu() {
+  CheckDBError(ContractorTablesEnsure());
+  unsigned char ch = 0, scan = 0;
+  const int16_t choice = PickList(1, 1, 1, 0, 0, ShortText(), "odbiorcy@dostawcy@magazyny"_mz, ch, scan);
+  if (choice == 1) ContractorCatalogue(ContractorKind::kCustomer);
+  if (choice == 2) ContractorCatalogue(ContractorKind::kSupplier);
+  if (choice == 3) ContractorCatalogue(ContractorKind::kWarehouse);
+}
