@@ -3,6 +3,8 @@
 
 #include <iterator>
 
+#include "master/contractor_screens.h"
+#include "master/dictionary_screens.h"
 #include "tui/msgbox.h"
 
 namespace {
@@ -16,6 +18,14 @@ void DocumentEntry(AppState& state) {
   NotYetAvailable(state);
 }
 
+// The current warehouse, chosen from the catalogue of warehouses.
+void ChooseWarehouseEntry(AppState& state) {
+  (void)ChooseCurrentWarehouse(false, state.warehouse, state.warehouseSpecial);
+}
+
+void ContractorCatalogues(AppState&) { ContractorCataloguesMenu(); }
+void OtherCatalogues(AppState&) { DictionaryCataloguesMenu(); }
+
 struct Operation {
   MenuOp op;
   OperationFn run;
@@ -25,7 +35,7 @@ struct Operation {
 constexpr Operation kOperations[] = {
     {MenuOp::kNewDocuments, DocumentEntry},
     {MenuOp::kDocuments, DocumentEntry},
-    {MenuOp::kChooseWarehouse, NotYetAvailable},
+    {MenuOp::kChooseWarehouse, ChooseWarehouseEntry},
     {MenuOp::kGoodsCatalogue, NotYetAvailable},
     {MenuOp::kWorkFiles, NotYetAvailable},
     {MenuOp::kGoodsCheck, NotYetAvailable},
@@ -39,8 +49,8 @@ constexpr Operation kOperations[] = {
     {MenuOp::kSpecialLists, NotYetAvailable},
     {MenuOp::kFiscalReports, NotYetAvailable},
     {MenuOp::kUsers, NotYetAvailable},
-    {MenuOp::kContractors, NotYetAvailable},
-    {MenuOp::kOtherCatalogues, NotYetAvailable},
+    {MenuOp::kContractors, ContractorCatalogues},
+    {MenuOp::kOtherCatalogues, OtherCatalogues},
     {MenuOp::kAccountingExport, NotYetAvailable},
     {MenuOp::kProgramConfig, NotYetAvailable},
     {MenuOp::kMainPrinter, NotYetAvailable},

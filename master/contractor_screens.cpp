@@ -212,3 +212,24 @@ void ContractorCataloguesMenu() {
   if (choice == 2) ContractorCatalogue(ContractorKind::kSupplier);
   if (choice == 3) ContractorCatalogue(ContractorKind::kWarehouse);
 }
+
+bool ChooseCurrentWarehouse(bool atStart, int32_t& number, bool& special) {
+  CheckDBError(ContractorTablesEnsure());
+  int32_t chosen = 0;
+  if (atStart) {
+    PGResult res;
+    Checked(PGRunQueryWithTup("SELECT numer FROM " + PGSqlName(ContractorTablePath(ContractorKind::kWarehouse)).Str() +
+                                  " LIMIT 2",
+                              res));
+    if (res.Rows() == 0) return false;
+    if (res.Rows() == 1) chosen = std::stoi(std::string(res.Value(0, 0)));
+  }
+  if (chosen == 0) chosen = ChooseContractor(ContractorKind::kWarehouse, ChoosePurpose::kCurrentWarehouse);
+  Contractor w;
+  bool found = false;
+  Checked(ContractorFind(ContractorKind::kWarehouse, chosen, w, found));
+  if (chosen == 0 || !found) return false;
+  number = chosen;
+  special = WarehouseIsSpecial(w);
+  return true;
+}

@@ -34,3 +34,9 @@ bool AddContractor(ContractorKind kind);
 bool ChangeContractor(ContractorKind kind, int32_t number);
 // DeleteContractor: the questions and the delete; true when the row went.
 bool DeleteContractor(ContractorKind kind, int32_t number);
+
+// The choice of the current warehouse ("Wybierz magazyn, na którego konto
+// wprowadzać będziesz dane:"): number and special receive the chosen one,
+// true then. At the start of the program a catalogue of one warehouse gives
+// it without asking and an empty one gives false without a box.
+bool ChooseCurrentWarehouse(bool atStart, int32_t& number, bool& special);
