@@ -94,16 +94,20 @@ ShortText FieldRefusal(const FormField& f, const ShortText& value) {
 bool EditForm(ContractorKind kind, const ShortText& title, Contractor& c) {
   BoxKeeper keeper;
   std::vector<int> rows;  // field indexes shown, in order
-  ShortText text = title;
+  // The box is drawn empty (its text would pass 255 bytes); labels and values go in after.
+  ShortText text = PadRight(title, " ", kLabelWidth + 60);
   for (int i = 0; i < kFieldCount; ++i) {
     if (!Shown(kind, kFields[i])) continue;
     rows.push_back(i);
-    text += "@" + PadRight(LabelOf(kind, kFields[i]), " ", kLabelWidth) + PadRight("", " ", 60);
+    text += '@';
   }
   MessageBox(text, 2);
   std::vector<ShortText> values;
   for (int i : rows) values.push_back(ValueText(c, kFields[i]));
-  for (std::size_t r = 0; r < rows.size(); ++r) WriteAt(2 + kLabelWidth, 3 + static_cast<int>(r), values[r]);
+  for (std::size_t r = 0; r < rows.size(); ++r) {
+    WriteAt(2, 3 + static_cast<int>(r), PadRight(LabelOf(kind, kFields[rows[r]]), " ", kLabelWidth));
+    WriteAt(2 + kLabelWidth, 3 + static_cast<int>(r), values[r]);
+  }
   const int last = static_cast<int>(rows.size()) - 1;
   for (int at = 1;;) {
     const FormField& f = kFields[rows[static_cast<std::size_t>(at)]];

@@ -5,6 +5,7 @@
 
 #include <string>
 
+#include "base/codepage.h"
 #include "base/mazovia.h"
 #include "base/text.h"
 #include "master/contractors_detail.h"
@@ -108,15 +109,17 @@ bool AskFragment(ShortText& fragment) {
 
 // The place in the order of the next row after `after` whose name holds the fragment; 0 when none.
 int32_t FindNameFragment(CatalogueTable& t, const ShortText& fragment, int32_t after) {
-  PGTable* table = PGTableAt(t.tbl());
+  const PGTable* table = PGTableAt(t.tbl());
   if (!table) return 0;
-  Checked(PGPutAlpha(t.rec(), KontrahentCol::nazwa, fragment));
-  PGRecordBuffer* buf = PGRecordAt(t.rec());
-  const std::string needle = PGEscapeStr(buf->fields[KontrahentCol::nazwa].value);
+  // Letters are compared as capitals, folded here: the server's own upper()
+  // leaves Polish letters alone under a byte-order collation.
+  const std::string needle = PGEscapeStr(MazToDb(MazUpCaseText(fragment)).View());
+  const std::string name = "upper(translate(nazwa, '" + MazToDb("ąćęłńóśźż"_mz).Str() + "', '" +
+                           MazToDb("ĄĆĘŁŃÓŚŹŻ"_mz).Str() + "'))";
   PGResult res;
   Checked(PGRunQueryWithTup("SELECT n FROM (SELECT nazwa, row_number() OVER (" + PGOrderText(*table, false).substr(1) +
                                 ") AS n FROM " + t.SqlName() + ") r WHERE n > " + std::to_string(after) +
-                                " AND position(upper('" + needle + "') IN upper(nazwa)) > 0 ORDER BY n LIMIT 1",
+                                 " AND position('" + needle + "' IN " + name + ") > 0 ORDER BY n LIMIT 1",
                             res));
   return res.Rows() > 0 ? std::stoi(std::string(res.Value(0, 0))) : 0;
 }
@@ -125,7 +128,7 @@ int32_t FindNameFragment(CatalogueTable& t, const ShortText& fragment, int32_t a
 void SearchName(CatalogueTable& t, ListPlace& at) {
   ShortText fragment;
   if (!AskFragment(fragment)) return;
-  for (int32_t from = at.bar;;) {
+  for (int32_t from = at.bar - 1;;) {  // the row under the bar is the first one looked at
     const int32_t found = FindNameFragment(t, fragment, from);
     if (found == 0) {
       MessageBox("Nie znalazłem !"_mz, 0);

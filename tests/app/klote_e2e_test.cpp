@@ -172,3 +172,36 @@ TEST_F(KloteE2eTest, FailedConnectionShowsTheLayersMessageAndEnds) {
 }
 
 }  // namespace
+
+namespace {
+
+// The customer catalogue from the menu: a customer with Polish letters
+// added by the form, found again by a fragment of its name, and the way out.
+TEST_F(KloteE2eTest, CustomerCatalogueAddAndFindByName) {
+  Start(Db().home);
+  ASSERT_TRUE(ShowsHeading(kHeadings[0])) << Joined(Rows());
+  Keys("F6 2");
+  ASSERT_TRUE(WaitForText("odbiorcy")) << Joined(Rows());
+  Keys("1");
+  ASSERT_TRUE(WaitForText("Wybierz żądanego odbiorcy:")) << Joined(Rows());
+  Keys("IC");
+  ASSERT_TRUE(WaitForText("Dopisanie nowego odbiorcy:")) << Joined(Rows());
+  Keys("'Zakład Żółć' Enter");     // the name (the number left empty takes the next one)
+  Keys("Enter Enter 'Łódź' F10");  // other name, code, town, then confirm
+  ASSERT_TRUE(WaitForText("Zakład Żółć")) << Joined(Rows());
+  EXPECT_TRUE(WaitForText("Łódź")) << Joined(Rows());
+  Keys("C-r");
+  ASSERT_TRUE(WaitForText("Wprowadź szukany fragment (ciąg znaków) z nazwy:")) << Joined(Rows());
+  Keys("'żółć' Enter");
+  ASSERT_TRUE(WaitForText("Jest ! Czy szukać dalej ?")) << Joined(Rows());
+  Keys("n");
+  Keys("Escape");
+  EXPECT_TRUE(ShowsHeading(kHeadings[4])) << Joined(Rows());
+  Keys("Escape");
+  EXPECT_TRUE(WaitForText("KLOTE-END")) << Joined(Rows());
+  std::string out;
+  ASSERT_TRUE(Psql("SELECT numer || ':' || nazwa || ':' || miasto FROM dane_odbiorcy", &out)) << out;
+  EXPECT_EQ(out, "1:Zakład Żółć:Łódź\n");
+}
+
+}  // namespace
