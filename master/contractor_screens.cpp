@@ -79,14 +79,14 @@ void DrawRows(CatalogueTable& t, int32_t count, ListPlace& at, int32_t& barNumbe
   if (at.bar < at.top) at.top = at.bar;
   if (at.bar >= at.top + kVisibleRows) at.top = at.bar - kVisibleRows + 1;
   barNumber = 0;
+  std::vector<Contractor> page;
+  contractors_detail::ReadPage(t, at.top, count < at.top + kVisibleRows ? count - at.top + 1 : kVisibleRows, page);
   for (int i = 0; i < kVisibleRows; ++i) {
     const int32_t n = at.top + i;
     ShortText row = PadRight("", " ", kColumns.Length());
-    if (n <= count && Checked(PGRecGoto_c(t.tbl(), n), kPGArgRange) == 0) {
-      Contractor c;
-      Checked(t.Read(c));
-      row = RowText(c);
-      if (n == at.bar) barNumber = c.number;
+    if (i < static_cast<int>(page.size())) {
+      row = RowText(page[static_cast<std::size_t>(i)]);
+      if (n == at.bar) barNumber = page[static_cast<std::size_t>(i)].number;
     }
     TextAttr(n == at.bar ? kBarAttr : kAttrBoxBody);
     WriteAt(2, 4 + i, row);
@@ -107,29 +107,12 @@ bool AskFragment(ShortText& fragment) {
   return key != 27 && !fragment.Empty();
 }
 
-// The place in the order of the next row after `after` whose name holds the fragment; 0 when none.
-int32_t FindNameFragment(CatalogueTable& t, const ShortText& fragment, int32_t after) {
-  const PGTable* table = PGTableAt(t.tbl());
-  if (!table) return 0;
-  // Letters are compared as capitals, folded here: the server's own upper()
-  // leaves Polish letters alone under a byte-order collation.
-  const std::string needle = PGEscapeStr(MazToDb(MazUpCaseText(fragment)).View());
-  const std::string name = "upper(translate(nazwa, '" + MazToDb("ąćęłńóśźż"_mz).Str() + "', '" +
-                           MazToDb("ĄĆĘŁŃÓŚŹŻ"_mz).Str() + "'))";
-  PGResult res;
-  Checked(PGRunQueryWithTup("SELECT n FROM (SELECT nazwa, row_number() OVER (" + PGOrderText(*table, false).substr(1) +
-                                ") AS n FROM " + t.SqlName() + ") r WHERE n > " + std::to_string(after) +
-                                 " AND position('" + needle + "' IN " + name + ") > 0 ORDER BY n LIMIT 1",
-                            res));
-  return res.Rows() > 0 ? std::stoi(std::string(res.Value(0, 0))) : 0;
-}
-
 // Ctrl+R: "Jest ! Czy szukać dalej ?" moves on to the next, "Nie znalazłem !" ends.
 void SearchName(CatalogueTable& t, ListPlace& at) {
   ShortText fragment;
   if (!AskFragment(fragment)) return;
   for (int32_t from = at.bar - 1;;) {  // the row under the bar is the first one looked at
-    const int32_t found = FindNameFragment(t, fragment, from);
+    const int32_t found = contractors_detail::FindNameFragment(t, fragment, from);
     if (found == 0) {
       MessageBox("Nie znalazłem !"_mz, 0);
       return;
@@ -200,6 +183,60 @@ int32_t RunList(ContractorKind kind, const ShortText& title, bool choosing) {
 }
 
 }  // namespace
+
+namespace contractors_detail {
+
+void ReadPage(CatalogueTable& t, int32_t top, int count, std::vector<Contractor>& rows) {
+  rows.clear();
+  for (int i = 0; i < count; ++i) {
+    if (Checked(PGRecGoto_c(t.tbl(), top + i), kPGArgRange) != 0) return;
+    Contractor c;
+    Checked(t.Read(c));
+    rows.push_back(c);
+  }
+}
+
+// The rows after row `after` of the order: the order's columns compared as
+// one row value with the values of that row, so that the server walks the
+// index from there and stops at the first match.
+std::string AfterCondition(CatalogueTable& t, const PGTable& table, int32_t after) {
+  if (after < 1 || Checked(PGRecGoto_c(t.tbl(), after), kPGArgRange) != 0) return std::string();
+  Checked(PGRecGet(t.tbl(), t.rec()));
+  const PGRecordBuffer* buf = PGRecordAt(t.rec());
+  std::string columns, values;
+  for (int f : PGOrderColumns(table)) {
+    const char* comma = columns.empty() ? "" : ", ";
+    columns += comma + table.fields[static_cast<std::size_t>(f)].name.Str();
+    values += comma + PGValueLiteral(table.fields[static_cast<std::size_t>(f)].kind,
+                                     buf->fields[static_cast<std::size_t>(f)].value);
+  }
+  return " AND (" + columns + ") > (" + values + ")";
+}
+
+int32_t FindNameFragment(CatalogueTable& t, const ShortText& fragment, int32_t after) {
+  const PGTable* table = PGTableAt(t.tbl());
+  if (!table) return 0;
+  // Letters are compared as capitals, folded here: the server's own upper()
+  // leaves Polish letters alone under a byte-order collation.
+  const std::string needle = PGEscapeStr(MazToDb(MazUpCaseText(fragment)).View());
+  const std::string name = "upper(translate(nazwa, '" + MazToDb("ąćęłńóśźż"_mz).Str() + "', '" +
+                           MazToDb("ĄĆĘŁŃÓŚŹŻ"_mz).Str() + "'))";
+  PGResult res;
+  Checked(PGRunQueryWithTup("SELECT * FROM " + t.SqlName() + " WHERE position('" + needle + "' IN " + name +
+                                ") > 0" + AfterCondition(t, *table, after) + PGOrderText(*table, false) + " LIMIT 1",
+                            res));
+  if (res.Rows() == 0) return 0;
+  // The found row's place: the table put on it by its key, then its number in the order.
+  PGTable* open = PGTableAt(t.tbl());
+  PGLoadCurrent(*open, res, 0);
+  Checked(PGRecGet(t.tbl(), t.rec()));
+  Checked(PGSrchKeyFull(t.tbl(), t.rec()));
+  int32_t place = 0;
+  Checked(PGRecNum(t.tbl(), place));
+  return place;
+}
+
+}  // namespace contractors_detail
 
 void ContractorCatalogue(ContractorKind kind) { (void)RunList(kind, Title(kind, ChoosePurpose::kAny), false); }
 

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "base/shorttext.h"
 #include "master/contractors.h"
@@ -70,6 +71,13 @@ class BoxKeeper {
   int x_, y_;
   unsigned char attr_;
 };
+
+// Rows top..top+count-1 of the table's order (from 1) as the list shows
+// them, through the row cache; fewer at the end of the table.
+void ReadPage(CatalogueTable& t, int32_t top, int count, std::vector<Contractor>& rows);
+// The place in the order of the first row after `after` whose name holds
+// the fragment, letters compared as capitals; 0 when there is none.
+int32_t FindNameFragment(CatalogueTable& t, const ShortText& fragment, int32_t after);
 
 // Ends with CheckDBError unless the code is 0 or one of the two accepted ones.
 int16_t Checked(int16_t code, int16_t acceptedA = 0, int16_t acceptedB = 0);
