@@ -57,7 +57,9 @@ class KloteE2eTest : public DbTest {
   void SetUp() override {
     DbTest::SetUp();
     if (std::system("command -v tmux >/dev/null 2>&1") != 0) GTEST_SKIP() << "tmux is not installed";
-    socket_ = "klote" + std::to_string(::getpid());
+    // A server of its own for each test: a name reused at once could meet the last one still going.
+    static int tests = 0;
+    socket_ = "klote" + std::to_string(::getpid()) + "_" + std::to_string(++tests);
   }
   void TearDown() override {
     if (!socket_.empty()) Tmux("kill-server");
