@@ -4,6 +4,8 @@
 #include <iterator>
 
 #include "documents/payments.h"
+#include "master/contractor_screens.h"
+#include "master/dictionary_screens.h"
 #include "master/items.h"
 #include "tui/msgbox.h"
 #include "users/users.h"
@@ -35,6 +37,14 @@ void GoodsCatalogue(AppState& state) {
   ItemCatalogue(state.warehouse);
 }
 
+// The current warehouse, chosen from the catalogue of warehouses.
+void ChooseWarehouseEntry(AppState& state) {
+  (void)ChooseCurrentWarehouse(false, state.warehouse, state.warehouseSpecial);
+}
+
+void ContractorCatalogues(AppState&) { ContractorCataloguesMenu(); }
+void OtherCatalogues(AppState&) { DictionaryCataloguesMenu(); }
+
 struct Operation {
   MenuOp op;
   OperationFn run;
@@ -44,7 +54,7 @@ struct Operation {
 constexpr Operation kOperations[] = {
     {MenuOp::kNewDocuments, DocumentEntry},
     {MenuOp::kDocuments, DocumentEntry},
-    {MenuOp::kChooseWarehouse, NotYetAvailable},
+    {MenuOp::kChooseWarehouse, ChooseWarehouseEntry},
     {MenuOp::kGoodsCatalogue, GoodsCatalogue},
     {MenuOp::kWorkFiles, NotYetAvailable},
     {MenuOp::kGoodsCheck, NotYetAvailable},
@@ -58,8 +68,8 @@ constexpr Operation kOperations[] = {
     {MenuOp::kSpecialLists, NotYetAvailable},
     {MenuOp::kFiscalReports, NotYetAvailable},
     {MenuOp::kUsers, ManageUsers},
-    {MenuOp::kContractors, NotYetAvailable},
-    {MenuOp::kOtherCatalogues, NotYetAvailable},
+    {MenuOp::kContractors, ContractorCatalogues},
+    {MenuOp::kOtherCatalogues, OtherCatalogues},
     {MenuOp::kAccountingExport, NotYetAvailable},
     {MenuOp::kProgramConfig, NotYetAvailable},
     {MenuOp::kMainPrinter, NotYetAvailable},

@@ -4,6 +4,7 @@
 #include "app/menu.h"
 #include "config/fieldlists.h"
 #include "config/konfigur.h"
+#include "master/contractor_screens.h"
 #include "master/tables.h"
 #include "sqltable/dbapp.h"
 #include "sqltable/pgtable.h"
@@ -67,9 +68,13 @@ bool LogIn(AppState&) { return SessionLogin(); }
 // Placeholder until the printer configuration is read here.
 bool ReadPrinterConfiguration(AppState&) { return true; }
 
-// Placeholder until the choice of the current warehouse comes here; it will
-// set state.warehouse and state.warehouseSpecial.
-bool ChooseWarehouse(AppState&) { return true; }
+// The current warehouse: the only one of the catalogue, or the operator's
+// choice among several; none when the catalogue is empty or the choice is
+// given up (document entries then say so).
+bool ChooseWarehouse(AppState& state) {
+  (void)ChooseCurrentWarehouse(true, state.warehouse, state.warehouseSpecial);
+  return true;
+}
 
 bool RunMenuBar(AppState& state) {
   MenuBar(state.menu, state);

@@ -57,7 +57,9 @@ class KloteE2eTest : public DbTest {
   void SetUp() override {
     DbTest::SetUp();
     if (std::system("command -v tmux >/dev/null 2>&1") != 0) GTEST_SKIP() << "tmux is not installed";
-    socket_ = "klote" + std::to_string(::getpid());
+    // A server of its own for each test: a name reused at once could meet the last one still going.
+    static int tests = 0;
+    socket_ = "klote" + std::to_string(::getpid()) + "_" + std::to_string(++tests);
   }
   void TearDown() override {
     if (!socket_.empty()) Tmux("kill-server");
@@ -188,6 +190,41 @@ TEST_F(KloteE2eTest, FailedConnectionShowsTheLayersMessageAndEnds) {
   EXPECT_EQ(Joined(Rows()).find("Dokumenty"), std::string::npos);
   Keys("n");
   EXPECT_TRUE(WaitForText("KLOTE-END")) << Joined(Rows());
+}
+
+}  // namespace
+
+namespace {
+
+// The customer catalogue from the menu: a customer with Polish letters
+// added by the form, found again by a fragment of its name, and the way out.
+TEST_F(KloteE2eTest, CustomerCatalogueAddAndFindByName) {
+  Start(Db().home);
+  ASSERT_TRUE(ShowsHeading(kHeadings[0])) << Joined(Rows());
+  Keys("F6 2");
+  ASSERT_TRUE(WaitForText("odbiorcy")) << Joined(Rows());
+  Keys("1");
+  ASSERT_TRUE(WaitForText("Wybierz żądanego odbiorcy:")) << Joined(Rows());
+  Keys("IC");
+  ASSERT_TRUE(WaitForText("Dopisanie nowego odbiorcy:")) << Joined(Rows());
+  Keys("'Zakład Żółć' Enter");     // the name (the number left empty takes the next one)
+  Keys("Enter Enter 'Łódź' F10");  // other name, code, town, then confirm
+  ASSERT_TRUE(WaitForText("Zakład Żółć")) << Joined(Rows());
+  EXPECT_TRUE(WaitForText("Łódź")) << Joined(Rows());
+  Keys("C-r");
+  ASSERT_TRUE(WaitForText("Wprowadź szukany fragment (ciąg znaków) z nazwy:")) << Joined(Rows());
+  Keys("'żółć' Enter");
+  ASSERT_TRUE(WaitForText("Jest ! Czy szukać dalej ?")) << Joined(Rows());
+  Keys("n");
+  Keys("Escape");  // back in the list of Inne, on the entry that ran
+  EXPECT_TRUE(WaitFor([](const std::vector<std::string>& rows) {
+    return rows[24] == "Dopisywanie i zmiany danych odbiorców, dostawców i magazynów.";
+  })) << Joined(Rows());
+  Keys("Escape");
+  EXPECT_TRUE(WaitForText("KLOTE-END")) << Joined(Rows());
+  std::string out;
+  ASSERT_TRUE(Psql("SELECT numer || ':' || nazwa || ':' || miasto FROM dane_odbiorcy", &out)) << out;
+  EXPECT_EQ(out, "1:Zakład Żółć:Łódź\n");
 }
 
 }  // namespace

@@ -139,7 +139,7 @@ TEST_F(MenuTest, EntriesRunTheirOperationAndComeBackToTheirList) {
       {"document entry in a special warehouse", {keys::kDown, keys::kEnter}, 7, true, kSpecialWarehouseText},
       {"cash entry without a warehouse", {keys::F(4), keys::kEnter}, 0, false, kNoWarehouseText},
       {"document entry not built yet", {{'2', 3}}, 7, false, kNotYetAvailableText},
-      {"warehouse choice not built yet", {keys::F(3), {'3', 4}}, 0, false, kNotYetAvailableText},
+      {"goods analyses not built yet", {keys::F(5), {'1', 2}}, 0, false, kNotYetAvailableText},
       {"tenth entry by its key 0", {keys::F(6), {'0', 11}}, 0, false, kNoWarehouseText},  // deposits need a warehouse
   };
   for (const OperationCase& c : cases) {

@@ -1,0 +1,42 @@
+// The screens of the contractor catalogues: the list with its keys, the
+// forms of adding and changing, deleting, the search by a fragment of the
+// name, and the choice of one contractor. They take the current user's
+// rights and show the system's messages; the writes are those of
+// master/contractors.h.
+#pragma once
+
+#include <cstdint>
+
+#include "master/contractors.h"
+
+// Why a contractor is being chosen; it gives the list its title.
+enum class ChoosePurpose : uint8_t {
+  kAny,            // "Wybierz żądanego ..."
+  kSaleReport,     // the unit whose sale report is taken
+  kTransferTo,     // the warehouse goods are moved to
+  kTransferFrom,   // the warehouse goods are moved from
+  kCurrentWarehouse,  // the warehouse whose data will be entered
+};
+
+// The list of a catalogue for keeping it: Ins adds, Enter changes, Del
+// deletes, Ctrl+R searches a fragment of the name, Shift+Tab changes the
+// order (name or number), Esc ends.
+void ContractorCatalogue(ContractorKind kind);
+// ChooseContractor: the same list for choosing one; Enter gives its number,
+// Esc 0. Ins still adds.
+int32_t ChooseContractor(ContractorKind kind, ChoosePurpose purpose);
+// The menu entry of the three catalogues: which one, then its list.
+void ContractorCataloguesMenu();
+
+// AddContractor: the form titled "Dopisanie nowego" and the kind; true when a row was added.
+bool AddContractor(ContractorKind kind);
+// ChangeContractor: the form of the row of the number; true when it was written.
+bool ChangeContractor(ContractorKind kind, int32_t number);
+// DeleteContractor: the questions and the delete; true when the row went.
+bool DeleteContractor(ContractorKind kind, int32_t number);
+
+// The choice of the current warehouse ("Wybierz magazyn, na którego konto
+// wprowadzać będziesz dane:"): number and special receive the chosen one,
+// true then. At the start of the program a catalogue of one warehouse gives
+// it without asking and an empty one gives false without a box.
+bool ChooseCurrentWarehouse(bool atStart, int32_t& number, bool& special);

@@ -1,0 +1,87 @@
+// Inside the contractor catalogues: the open catalogue with a record
+// buffer, the locked transaction of a write, and the screen keeper. Other
+// folders use master/contractors.h only.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "base/shorttext.h"
+#include "master/contractors.h"
+#include "tui/screen.h"
+
+namespace contractors_detail {
+
+// A catalogue open in name order (or by the index given) with one record
+// buffer; both released on every path. code() is the first failure, 0 when open.
+class CatalogueTable {
+ public:
+  explicit CatalogueTable(ContractorKind kind, int indexHandle = 0);
+  ~CatalogueTable();
+  CatalogueTable(const CatalogueTable&) = delete;
+  CatalogueTable& operator=(const CatalogueTable&) = delete;
+
+  int16_t code() const { return code_; }
+  int16_t tbl() const { return tbl_; }
+  int16_t rec() const { return rec_; }
+  // The SQL name of the catalogue.
+  std::string SqlName() const;
+  // Places the table on the row of the number: 0, 89 when there is none, or a failure.
+  [[nodiscard]] int16_t SeekNumber(int32_t number);
+  // The name and the other name of c into the buffer, for a key search.
+  void ForName(const Contractor& c);
+  // The current row into c.
+  [[nodiscard]] int16_t Read(Contractor& c);
+  // c into the buffer, every field.
+  [[nodiscard]] int16_t Fill(const Contractor& c);
+
+ private:
+  int16_t tbl_ = 0;
+  int16_t rec_ = 0;
+  int16_t code_ = 0;
+};
+
+// The exclusive lock of a catalogue and its transaction: rolled back and
+// released unless Commit() ran.
+class CatalogueLock {
+ public:
+  explicit CatalogueLock(ContractorKind kind);
+  ~CatalogueLock();
+  CatalogueLock(const CatalogueLock&) = delete;
+  CatalogueLock& operator=(const CatalogueLock&) = delete;
+  void Commit();
+
+ private:
+  ShortText path_;
+  bool done_ = false;
+};
+
+// The screen, window, cursor and attribute put back when a box or list is done.
+class BoxKeeper {
+ public:
+  BoxKeeper();
+  ~BoxKeeper();
+  BoxKeeper(const BoxKeeper&) = delete;
+  BoxKeeper& operator=(const BoxKeeper&) = delete;
+
+ private:
+  ScreenCopyPtr saved_;
+  uint16_t min_, max_;
+  int x_, y_;
+  unsigned char attr_;
+};
+
+// Rows top..top+count-1 of the table's order (from 1) as the list shows
+// them, through the row cache; fewer at the end of the table.
+void ReadPage(CatalogueTable& t, int32_t top, int count, std::vector<Contractor>& rows);
+// The place in the order of the first row after `after` whose name holds
+// the fragment, letters compared as capitals; 0 when there is none.
+int32_t FindNameFragment(CatalogueTable& t, const ShortText& fragment, int32_t after);
+
+// Ends with CheckDBError unless the code is 0 or one of the two accepted ones.
+int16_t Checked(int16_t code, int16_t acceptedA = 0, int16_t acceptedB = 0);
+// Drops the tables of a warehouse that exist.
+void DropWarehouseTables(int32_t warehouse);
+
+}  // namespace contractors_detail

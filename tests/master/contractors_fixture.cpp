@@ -1,0 +1,87 @@
+#include "contractors_fixture.h"
+
+#include <sys/stat.h>
+
+#include "tui/keyboard.h"
+#include "users/users.h"
+
+namespace {
+
+std::vector<KeyStep> gSteps;
+std::size_t gNext = 0;
+std::vector<std::string> gScreens;
+
+void NextStep() {
+  std::string screen;
+  for (int row = 1; row <= kScreenRows; ++row) screen += RowText(row).Str() + "\n";
+  gScreens.push_back(screen);
+  if (gNext >= gSteps.size()) {
+    SetKeyIdleHook(nullptr);
+    return;
+  }
+  KeyStep& step = gSteps[gNext++];
+  if (step.before) step.before();
+  for (KeyPair k : step.keys) (void)PushKey(k.ch, k.scan);
+}
+
+}  // namespace
+
+std::vector<KeyPair> Typed(const ShortText& text, std::vector<KeyPair> after) {
+  std::vector<KeyPair> keys;
+  for (char c : text.View()) keys.push_back(KeyOfByte(static_cast<unsigned char>(c)));
+  keys.insert(keys.end(), after.begin(), after.end());
+  return keys;
+}
+
+void ContractorsTest::SetUp() {
+  CatalogueTest::SetUp();
+  tui_test::InitTerminal("linux");
+  gScreens.clear();
+  ASSERT_EQ(mkdir("dane", 0777) == 0 || errno == EEXIST, true);
+  ASSERT_EQ(UsersTableEnsure(), 0);
+  ASSERT_EQ(ContractorTablesEnsure(), 0) << PGLastOp.Str();
+  UserRecord manager;
+  bool found = false;
+  ASSERT_EQ(UserFind(kSystemManager, manager, found), 0);
+  SetCurrentUser(manager);
+}
+
+void ContractorsTest::TearDown() {
+  SetKeyIdleHook(nullptr);
+  KeyboardReset();
+  ClearCurrentUser();
+  CatalogueTest::TearDown();
+}
+
+void ContractorsTest::Play(std::vector<KeyStep> steps) {
+  gSteps = std::move(steps);
+  gNext = 0;
+  gScreens.clear();
+  SetKeyIdleHook(NextStep);
+}
+
+bool ContractorsTest::Shown(const ShortText& text) {
+  std::vector<std::string> lines(1);
+  for (char c : text.View())
+    if (c == '@') lines.emplace_back();
+    else lines.back().push_back(c);
+  for (const std::string& screen : gScreens) {
+    bool all = true;
+    for (const std::string& line : lines) all = all && screen.find(line) != std::string::npos;
+    if (all) return true;
+  }
+  return false;
+}
+
+Contractor ContractorsTest::Named(const ShortText& name, const ShortText& town) {
+  Contractor c;
+  c[KontrahentCol::nazwa] = name;
+  c[KontrahentCol::miasto] = town;
+  return c;
+}
+
+std::string ContractorsTest::Rows(ContractorKind kind) {
+  const std::string table = PGSqlName(ContractorTablePath(kind)).Str();
+  return Scalar("SELECT string_agg(numer || ':' || nazwa || ':' || coalesce(miasto, ''), E'\\n' ORDER BY numer) FROM " +
+                table);
+}

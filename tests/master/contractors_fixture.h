@@ -1,0 +1,36 @@
+// The contractor and dictionary suites: a database with the catalogues,
+// the firm's directory with dane\, user 0 logged in, and key scripts whose
+// steps may act (as another process would) before their keys go in.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "base/mazovia.h"
+#include "master/contractors.h"
+#include "sqltable/sqltest.h"
+#include "tui/keydecode.h"
+
+struct KeyStep {
+  KeyStep(std::vector<KeyPair> k, std::function<void()> b = {}) : keys(std::move(k)), before(std::move(b)) {}
+  std::vector<KeyPair> keys;
+  std::function<void()> before;
+};
+
+// Keys of typed Mazovia text (from a _mz literal or ASCII) followed by further keys.
+std::vector<KeyPair> Typed(const ShortText& text, std::vector<KeyPair> after = {});
+
+class ContractorsTest : public CatalogueTest {
+ protected:
+  void SetUp() override;
+  void TearDown() override;
+  // Feeds the steps whenever a key is wanted; after the last the input ends (Esc).
+  static void Play(std::vector<KeyStep> steps);
+  // True when some screen seen so far showed every line of the text ("@" between lines).
+  static bool Shown(const ShortText& text);
+  // A contractor with a name and a town.
+  static Contractor Named(const ShortText& name, const ShortText& town = ShortText());
+  // Rows of a catalogue as "number:name:town" in number order (Mazovia texts as LATIN2 by psql).
+  static std::string Rows(ContractorKind kind);
+};
