@@ -22,6 +22,9 @@
 #include "base/mazovia.h"
 #include "documents/fiscalise.h"
 #include "elzab_sim_process.h"
+#include "fiscal/elzab_line.h"
+#include "fiscal/portio.h"
+#include "fiscal/serial.h"
 #include "master/columns.h"
 #include "master/tables.h"
 #include "sim_process.h"
@@ -202,6 +205,7 @@ class FiscalSaleTest : public CatalogueTest {
   }
 
   void StartPosnet(std::vector<std::string> args = {}) {
+    PosnetCloseAtExit();  // the driver keeps a healthy port open from sale to sale
     posnet_ = std::make_unique<SimProcess>(std::move(args));
     ASSERT_FALSE(posnet_->Slave().empty());
     ASSERT_EQ(::symlink(posnet_->Slave().c_str(), (dir_ + "/tty0").c_str()), 0);
@@ -211,6 +215,8 @@ class FiscalSaleTest : public CatalogueTest {
     elzab_ = std::make_unique<ElzabSimProcess>(std::move(args));
     ASSERT_FALSE(elzab_->Line().empty());
     ::setenv("KLOTE_ELZAB_LINE", elzab_->Line().c_str(), 1);
+    SetElzabPortIo(nullptr);  // the next use connects to this simulator
+    ElzabLine().ready = false;
   }
   // The real fisksrv in polling mode serving the row, output into a file.
   void StartPollingServer(const std::string& row) {
@@ -348,6 +354,68 @@ TEST_F(FiscalSaleTest, ServerPollingAndOneShotPrintTheJob) {
   EXPECT_EQ(WithoutHeads(Lines(journal.begin() + static_cast<long>(before), journal.end())),
             WithoutHeads(PosnetReceipt(40, "", 24)));
   EXPECT_FALSE(PathExists("srvfisk/1"));
+}
+
+// Keys the operator gives, in order, to the boxes that wait.
+void Answer(std::initializer_list<KeyPair> keys) {
+  for (const KeyPair& k : keys) ASSERT_TRUE(PushKey(k.ch, k.scan));
+}
+constexpr KeyPair kNo{'N', 49};
+using keys::kEnter;
+using keys::kEsc;
+
+TEST_F(FiscalSaleTest, RefusalsAndSilenceLeaveNoOpenReceiptAndAskTheSaveQuestion) {
+  // POSNET: #x 1, #e 2, $h 3, line 1 4, line 2 5 refused.
+  struct Case { std::vector<std::string> fail; const char* shown; };
+  const Case cases[] = {{{"--fail", "5:error=21"}, "drukarki fiskalnej nr 21"}, {{"--fail", "5:silent"}, "drukarki fiskalnej"}};
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.fail[1]);
+    ::unlink((dir_ + "/tty0").c_str());
+    StartPosnet(c.fail);
+    FiscalSale sale;
+    ShortText payment;
+    ASSERT_EQ(ReadSavedSale(kKey, sale, payment), SavedSaleRead::kRead);
+    (void)ScreenBytes();
+    Answer({kEnter, kNo});  // the printer's message, then "no" to saving without it
+    EXPECT_EQ(FiscalSaveDocument(config_, payment, sale), FiscalSaveOutcome::kGiveUp);
+    const std::string screen = ScreenBytes();
+    EXPECT_NE(screen.find(c.shown), std::string::npos);
+    EXPECT_NE(screen.find("Czy pomimo braku mo"), std::string::npos);
+    const Lines journal = posnet_->Journal();
+    EXPECT_TRUE(Has(journal, "CANCELLED")) << ::testing::PrintToString(posnet_->Trace());
+    for (const std::string& l : journal) EXPECT_NE(l.rfind("TOTAL", 0), 0u);
+  }
+
+  // ELZAB: open 1, line 1 2, line 2 3 refused; Esc gives up and the receipt is cancelled.
+  StartElzab({"--fail", "3:nak=0,0x02"});
+  config_ = Config(kFiscalElzab);
+  Answer({kEsc});
+  EXPECT_FALSE(FiscaliseDocument(config_, kKey));
+  EXPECT_NE(ScreenBytes().find("ELZAB"), std::string::npos);
+  const Lines journal = elzab_->Journal();
+  ASSERT_FALSE(journal.empty());
+  EXPECT_EQ(journal.back(), "CANCELLED");
+}
+
+TEST_F(FiscalSaleTest, UnmappedRateRefusedAndDocumentGone) {
+  StartPosnet();
+  config_.vatName[4].Clear();  // "zwol." is no longer known to the printer
+  FiscalSale sale;
+  ShortText payment;
+  ASSERT_EQ(ReadSavedSale(kKey, sale, payment), SavedSaleRead::kRead);
+  Answer({kNo, kEnter, kEnter});  // refuse the rate, read the advice, save without the printer
+  EXPECT_EQ(FiscalSaveDocument(config_, payment, sale), FiscalSaveOutcome::kSaveWithout);
+  EXPECT_NE(ScreenBytes().find("ma VAT nie zapisany w drukarce fiskalnej"), std::string::npos);
+  const Lines journal = posnet_->Journal();
+  EXPECT_TRUE(Has(journal, "CANCELLED"));
+  for (const std::string& l : journal) EXPECT_NE(l.rfind("TOTAL", 0), 0u);
+
+  Answer({kEnter});
+  EXPECT_FALSE(FiscaliseDocument(config_, {1, 1, 99, ""}));
+  EXPECT_NE(ScreenBytes().find("skasowa"), std::string::npos);
+  // A document no flag sends to the printer stays out of it.
+  config_.documentFlags[0] = 0;
+  EXPECT_EQ(FiscalSaveDocument(config_, payment, sale), FiscalSaveOutcome::kNotFiscal);
 }
 
 }  // namespace
