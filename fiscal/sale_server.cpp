@@ -123,25 +123,27 @@ bool OpenJobFile(const FiscalConfig& config, FileVar& file) {
   }
 }
 
-void StartServer(const FiscalConfig& config, const ShortText& jobPath) {
-  if (IsOneShotRow(config.serverRow)) {
-    TermHandOver();
-    const int status = RunProgram("./fisksrv", "XVENTKLOTE " + Quoted(config.serverRow));
-    TermTakeBack();
-    ScreenCopyPtr screen;
-    ScreenSave(screen);
-    ScreenRestore(screen);
-    if (status < 0) MessageBox("Błąd ("_mz + IntText(status, 0) + ") uruchomienia servera wydruku fiskalnego."_mz, 0);
-    return;
-  }
-  if (config.helperScript.Empty()) return;
+namespace {
+
+// Runs the program on this terminal, then repaints the screen it wrote over;
+// shows the text with the status when it could not start.
+void RunOnTerminal(const ShortText& program, const ShortText& commandLine, const ShortText& failure) {
   TermHandOver();
-  const int status = RunProgram("/bin/sh", config.helperScript + " " + jobPath);
+  const int status = RunProgram(program, commandLine);
   TermTakeBack();
   ScreenCopyPtr screen;
   ScreenSave(screen);
   ScreenRestore(screen);
-  if (status < 0) MessageBox("Błąd ("_mz + IntText(status, 0) + ") wykonania skryptu pomocniczego."_mz, 0);
+  if (status < 0) MessageBox("Błąd ("_mz + IntText(status, 0) + ") " + failure, 0);
+}
+
+}  // namespace
+
+void StartServer(const FiscalConfig& config, const ShortText& jobPath) {
+  if (IsOneShotRow(config.serverRow))
+    RunOnTerminal("./fisksrv", "XVENTKLOTE " + Quoted(config.serverRow), "uruchomienia servera wydruku fiskalnego.");
+  else if (!config.helperScript.Empty())
+    RunOnTerminal("/bin/sh", config.helperScript + " " + jobPath, "wykonania skryptu pomocniczego.");
 }
 
 void WaitForPrinter(int milliseconds) {
