@@ -1,0 +1,32 @@
+// The fiscal side of saved sale documents: a document of a warehouse read from
+// its header (naglowki) and lines (specyfik), with the names and units of its
+// items from the catalogue (kat_tow_) and the contractor's firm field from
+// the customers (odbiorcy), handed to the fiscal sale (fiscal/sale.h).
+#pragma once
+
+#include <cstdint>
+
+#include "base/shorttext.h"
+#include "fiscal/fiscalconfig.h"
+#include "fiscal/sale.h"
+
+// The key of a goods document in its warehouse.
+struct DocumentKey {
+  int32_t warehouse = 1;
+  int16_t kind = 1;     // typ_dok
+  int32_t number = 0;   // nr_dok
+  ShortText sign;       // znak_dok
+};
+
+enum class SavedSaleRead { kRead, kGone, kFailed };
+
+// Reads the saved document into sale (kind, mode, number, lines in position
+// order, contractor's firm field, the current user as cashier) and its payment
+// text (sposob_rozlicz). kGone when its header is not in the table.
+SavedSaleRead ReadSavedSale(const DocumentKey& key, FiscalSale& sale, ShortText& paymentText);
+
+// The later fiscalisation of a saved document: shows "Trwa wydruk fiskalny...",
+// reads it and runs the route of the configured printer. A document removed in
+// the meantime is told with "Ktoś w międzyczasie skasował fiskalizowany
+// dokument !". True when the sale reached the printer.
+bool FiscaliseDocument(const FiscalConfig& config, const DocumentKey& key);

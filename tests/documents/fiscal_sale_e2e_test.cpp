@@ -1,0 +1,421 @@
+// A saved sale written into the warehouse's tables goes to the simulated
+// printers by every route: POSNET and ELZAB from this process, and job files
+// for the real fisksrv, polling and one-shot. Each journal is checked line by
+// line against names, VAT letters and grosz amounts the test works out itself;
+// printers that refuse or fall silent leave no open receipt behind.
+#include <signal.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cctype>
+#include <cmath>
+#include <cstdlib>
+#include <fstream>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "base/codepage.h"
+#include "base/mazovia.h"
+#include "documents/fiscalise.h"
+#include "elzab_sim_process.h"
+#include "fiscal/elzab_line.h"
+#include "fiscal/portio.h"
+#include "fiscal/serial.h"
+#include "master/columns.h"
+#include "master/tables.h"
+#include "sim_process.h"
+#include "sqltable/dbapp.h"
+#include "sqltable/pgrecord.h"
+#include "sqltable/pgwrite.h"
+#include "sqltable/sqltest.h"
+#include "users/users.h"
+
+namespace {
+
+using Lines = std::vector<std::string>;
+
+struct Item {
+  const char* name;  // UTF-8
+  const char* vat;
+  const char* unit;
+  long double price;
+  long double quantity;
+  char letter;       // the VAT letter the configuration maps the rate to
+  int elzabCode;
+};
+
+// Polish names, fractional quantities, three rates and an exempt line; the
+// line of quantity 0 never reaches a printer.
+const Item kItems[] = {
+    {"Chleb żytni", "23", "szt", 4.99L, 1.5L, 'A', 1},
+    {"Masło ekstra", "8", "kg", 7.49L, 0.255L, 'B', 2},
+    {"Jabłka Łąckie", "5", "kg", 3.33L, 2.0L, 'C', 3},
+    {"Usługa", "zwol.", "szt", 12.00L, 1.0L, 'Z', 5},
+    {"Próbka", "23", "szt", 1.00L, 0.0L, 'A', 1},
+};
+constexpr int kSoldLines = 4;
+
+int64_t Grosz(long double zl) { return std::llround(zl * 100); }
+int64_t PosnetValue(const Item& i) { return std::llround(static_cast<long double>(Grosz(i.price)) * i.quantity); }
+int64_t ElzabValue(const Item& i) { return std::llround(std::llround(i.quantity * 1000) / 1000.0L * Grosz(i.price)); }
+
+// The POSNET journal's amount: zloty with the grosz behind a point, zeros trimmed.
+std::string Money(int64_t grosz) {
+  std::string s = std::to_string(grosz / 100);
+  if (grosz % 100 != 0) {
+    char cents[4];
+    std::snprintf(cents, sizeof cents, "%02lld", static_cast<long long>(grosz % 100));
+    s += "." + std::string(cents);
+    while (s.back() == '0') s.pop_back();
+  }
+  return s;
+}
+
+std::string Pad(std::string s, std::size_t width) {
+  s.resize(width, ' ');
+  return s;
+}
+
+std::string Maz(const char* utf8) { return Utf8ToMaz(ShortText(utf8)).Str(); }
+
+// The receipt name: the item's name padded to the width, the rate text over its end,
+// and what is no letter or digit blanked (the printer's name filter).
+std::string ReceiptName(const Item& i, std::size_t width) {
+  std::string name = Pad(Maz(i.name), width - std::string(i.vat).size()) + i.vat;
+  int plain = 0;
+  for (char& c : name) {
+    if (c == '.') c = ' ';
+    plain += std::isalnum(static_cast<unsigned char>(c)) ? 1 : 0;
+  }
+  // Fewer than ten plain letters and digits: blanks from the end become "x".
+  for (std::size_t k = name.size(); k-- > 0 && plain < 10;)
+    if (name[k] == ' ') name[k] = 'x', ++plain;
+  return name;
+}
+
+// The ELZAB journal's name: the item's name and the VAT letter behind it, padded to 28.
+std::string ElzabName(const Item& i) {
+  const char letters[] = "ABCDZEF";
+  std::string name = std::string(i.name) + letters[i.elzabCode - 1];
+  const auto chars = std::count_if(name.begin(), name.end(), [](char c) { return (c & 0xC0) != 0x80; });
+  return name + std::string(28 - static_cast<std::size_t>(chars), ' ');
+}
+
+bool PathExists(const std::string& path) { return ::access(path.c_str(), F_OK) == 0; }
+
+class FiscalSaleTest : public CatalogueTest {
+ protected:
+  void SetUp() override {
+    CatalogueTest::SetUp();
+    dir_ = "/tmp/fiscalsale-" + std::to_string(::getpid());
+    ASSERT_EQ(std::system(("rm -rf " + dir_ + " && mkdir -p " + dir_ + "/srvfisk").c_str()), 0);
+    ASSERT_EQ(::getcwd(home_, sizeof home_) != nullptr, true);
+    ASSERT_EQ(::chdir(dir_.c_str()), 0);
+    CreateFirmTables();
+    CreateWarehouseTables(false, 1);
+    UserRecord user;
+    user.number = 7;
+    user.firstName = Utf8ToMaz(ShortText("Łucja"));
+    user.surname = "Nowak";
+    SetCurrentUser(user);
+    WriteItems();
+    WriteDocument(kKey);
+    config_ = Config(kFiscalPosnet);
+  }
+  void TearDown() override {
+    if (server_ > 0) {
+      ::kill(server_, SIGTERM);
+      ::waitpid(server_, nullptr, 0);
+    }
+    ClearCurrentUser();
+    SetKeyIdleHook(nullptr);
+    DiscardPendingKeys();
+    ::unsetenv("KLOTE_SERIAL_PREFIX");
+    ::unsetenv("KLOTE_ELZAB_LINE");
+    (void)::chdir(home_);
+    CatalogueTest::TearDown();
+    (void)std::system(("rm -rf " + dir_).c_str());
+  }
+
+  static FiscalConfig Config(int type) {
+    FiscalConfig c;
+    c.printerType = type;
+    c.port = 1;
+    c.documentFlags[0] = 1;
+    c.computerNumbers = 1;
+    const char* names[] = {"23", "8", "5", "0", "zwol."};
+    const int ascii[] = {'A', 'B', 'C', 'D', 'Z'};
+    for (int i = 0; i < 5; ++i) {
+      c.vatName[i] = names[i];
+      c.vatCode[i] = type == kFiscalElzab ? (i == 4 ? 5 : i + 1) : ascii[i];
+    }
+    return c;
+  }
+
+  void WriteItems() {
+    int16_t tbl = 0, rec = 0;
+    ASSERT_EQ(OpenTable("dane\\kat_tow_", tbl, 0), 0);
+    ASSERT_EQ(PGRecBufOpen(tbl, rec), 0);
+    int32_t number = 100;
+    for (const Item& i : kItems) {
+      ASSERT_EQ(PGRecBufEmpty(rec), 0);
+      ASSERT_EQ(PGPutAlpha(rec, KatTowCol::nazwa, Utf8ToMaz(ShortText(i.name))), 0);
+      ASSERT_EQ(PGPutAlpha(rec, KatTowCol::vat, i.vat), 0);
+      ASSERT_EQ(PGPutLong(rec, KatTowCol::nr_wewn, ++number), 0);
+      ASSERT_EQ(PGPutAlpha(rec, KatTowCol::jednostka, i.unit), 0);
+      ASSERT_EQ(PGRecAppend(tbl, rec), 0);
+    }
+    (void)PGRecBufClose(rec);
+    (void)PGTblClose(tbl);
+  }
+
+  // The header and the lines, positions written in reverse to prove the order.
+  void WriteDocument(const DocumentKey& key) {
+    int16_t tbl = 0, rec = 0;
+    ASSERT_EQ(OpenTable(WarehouseTablePath(key.warehouse, "naglowki"), tbl, 0), 0);
+    ASSERT_EQ(PGRecBufOpen(tbl, rec), 0);
+    ASSERT_EQ(PGPutShort(rec, NaglowkiCol::typ_dok, key.kind), 0);
+    ASSERT_EQ(PGPutLong(rec, NaglowkiCol::nr_dok, key.number), 0);
+    ASSERT_EQ(PGPutAlpha(rec, NaglowkiCol::znak_dok, key.sign), 0);
+    ASSERT_EQ(PGPutAlpha(rec, NaglowkiCol::sposob_rozlicz, " gotówką"_mz), 0);
+    ASSERT_EQ(PGRecAppend(tbl, rec), 0);
+    (void)PGRecBufClose(rec);
+    (void)PGTblClose(tbl);
+    ASSERT_EQ(OpenTable(WarehouseTablePath(key.warehouse, "specyfik"), tbl, 0), 0);
+    ASSERT_EQ(PGRecBufOpen(tbl, rec), 0);
+    for (int n = static_cast<int>(std::size(kItems)); n >= 1; --n) {
+      const Item& i = kItems[n - 1];
+      ASSERT_EQ(PGRecBufEmpty(rec), 0);
+      ASSERT_EQ(PGPutShort(rec, SpecyfikCol::typ_dok, key.kind), 0);
+      ASSERT_EQ(PGPutLong(rec, SpecyfikCol::nr_dok, key.number), 0);
+      ASSERT_EQ(PGPutAlpha(rec, SpecyfikCol::znak_dok, key.sign), 0);
+      ASSERT_EQ(PGPutLong(rec, SpecyfikCol::pozycja, n), 0);
+      ASSERT_EQ(PGPutLong(rec, SpecyfikCol::nr_towaru, 100 + n), 0);
+      ASSERT_EQ(PGPutAlpha(rec, SpecyfikCol::vat, i.vat), 0);
+      ASSERT_EQ(PGPutExt(rec, SpecyfikCol::ilosc, i.quantity), 0);
+      ASSERT_EQ(PGPutExt(rec, SpecyfikCol::c_spr_brutto, i.price), 0);
+      ASSERT_EQ(PGRecAppend(tbl, rec), 0);
+    }
+    (void)PGRecBufClose(rec);
+    (void)PGTblClose(tbl);
+  }
+
+  void StartPosnet(std::vector<std::string> args = {}) {
+    PosnetCloseAtExit();  // the driver keeps a healthy port open from sale to sale
+    posnet_ = std::make_unique<SimProcess>(std::move(args));
+    ASSERT_FALSE(posnet_->Slave().empty());
+    ASSERT_EQ(::symlink(posnet_->Slave().c_str(), (dir_ + "/tty0").c_str()), 0);
+    ::setenv("KLOTE_SERIAL_PREFIX", (dir_ + "/tty").c_str(), 1);
+  }
+  void StartElzab(std::vector<std::string> args = {}) {
+    elzab_ = std::make_unique<ElzabSimProcess>(std::move(args));
+    ASSERT_FALSE(elzab_->Line().empty());
+    ::setenv("KLOTE_ELZAB_LINE", elzab_->Line().c_str(), 1);
+    SetElzabPortIo(nullptr);  // the next use connects to this simulator
+    ElzabLine().ready = false;
+  }
+  // The real fisksrv in polling mode serving the row, output into a file.
+  void StartPollingServer(const std::string& row) {
+    std::FILE* f = std::fopen("fisk.cfg", "w");
+    std::fprintf(f, "%s\n", row.c_str());
+    std::fclose(f);
+    server_ = ::fork();
+    if (server_ == 0) {
+      std::freopen("fisk.out", "w", stdout);
+      ::execl(KLOTE_BINARY_DIR "/server/fisksrv", "fisksrv", "fisk.cfg", "50", "fisk.log", "x", nullptr);
+      ::_exit(127);
+    }
+    for (int i = 0; i < 500 && ReadFile("fisk.log").find("SKONFIGUROWANO") == std::string::npos; ++i) ::usleep(10000);
+  }
+  static std::string ReadFile(const std::string& path) {
+    std::ifstream in(path);
+    return std::string(std::istreambuf_iterator<char>(in), {});
+  }
+  // Waits until the journal holds a line starting with the text (the server prints by itself).
+  static bool WaitForLine(const std::function<Lines()>& journal, const std::string& start) {
+    for (int i = 0; i < 3000; ++i) {
+      for (const std::string& l : journal())
+        if (l.rfind(start, 0) == 0) return true;
+      ::usleep(10000);
+    }
+    return false;
+  }
+
+  // The whole POSNET receipt of the document at the width.
+  // nameWidth is the job file's 24 on the server's road.
+  static Lines PosnetReceipt(std::size_t width, const std::string& foot, std::size_t nameWidth = 0) {
+    Lines out = {"RECEIPT " + std::to_string(kSoldLines)};
+    int64_t total = 0;
+    for (int n = 0; n < kSoldLines; ++n) {
+      const Item& i = kItems[n];
+      std::string qty = Money(std::llround(i.quantity * 100));  // the quantities have two places at most
+      if (i.quantity == 0.255L) qty = "0.255";
+      out.push_back("LINE " + std::to_string(n + 1) + "|" + Pad(ReceiptName(i, nameWidth ? nameWidth : width), width) + "|" + qty + "|" +
+                    std::string(1, i.letter) + "|" + Money(Grosz(i.price)) + "/" + Money(PosnetValue(i)) + "/");
+      total += PosnetValue(i);
+    }
+    out.push_back("CASHIER 07L");
+    if (!foot.empty()) out.push_back(foot);
+    out.push_back("TOTAL " + Money(total) + "/ PAID " + Money(total) + "/");
+    return out;
+  }
+
+  static Lines WithoutHeads(Lines journal) {
+    journal.erase(std::remove_if(journal.begin(), journal.end(),
+                                 [](const std::string& l) { return l.rfind("HEAD", 0) == 0 || l.rfind("FOOT", 0) == 0; }),
+                  journal.end());
+    return journal;
+  }
+
+  static bool Has(const Lines& lines, const std::string& line) {
+    return std::find(lines.begin(), lines.end(), line) != lines.end();
+  }
+
+  const DocumentKey kKey{1, 1, 17, ""};
+  std::string dir_;
+  char home_[4096] = {};
+  FiscalConfig config_;
+  std::unique_ptr<SimProcess> posnet_;
+  std::unique_ptr<ElzabSimProcess> elzab_;
+  pid_t server_ = -1;
+};
+
+TEST_F(FiscalSaleTest, ReadsTheSavedDocumentInPositionOrder) {
+  FiscalSale sale;
+  ShortText payment;
+  ASSERT_EQ(ReadSavedSale(kKey, sale, payment), SavedSaleRead::kRead);
+  EXPECT_EQ(payment, " gotówką"_mz);
+  ASSERT_EQ(sale.lines.size(), std::size(kItems));
+  EXPECT_EQ(sale.lines[0].name1, Utf8ToMaz(ShortText("Chleb żytni")));
+  EXPECT_EQ(sale.lines[1].unit, "kg");
+  EXPECT_EQ(sale.lines[1].quantity, 0.255L);
+  EXPECT_EQ(ReceiptNumberTextOf(sale), "P 17");
+  EXPECT_EQ(CashierCode(sale.cashierNumber, sale.cashierName), "07L");
+  EXPECT_EQ(ReadSavedSale({1, 1, 18, ""}, sale, payment), SavedSaleRead::kGone);
+}
+
+TEST_F(FiscalSaleTest, PosnetDirectPrintsTheReceipt) {
+  StartPosnet();
+  FiscalSale sale;
+  ShortText payment;
+  ASSERT_EQ(ReadSavedSale(kKey, sale, payment), SavedSaleRead::kRead);
+  EXPECT_EQ(FiscalSaveDocument(config_, payment, sale), FiscalSaveOutcome::kPrinted);
+  const Lines journal = posnet_->Journal();
+  EXPECT_EQ(WithoutHeads(journal), WithoutHeads(PosnetReceipt(40, ""))) << ScreenBytes();
+  EXPECT_TRUE(Has(journal, "FOOT =>zachowaj do reklamacji"));
+}
+
+TEST_F(FiscalSaleTest, ElzabDirectPlaysTheStream) {
+  StartElzab();
+  config_ = Config(kFiscalElzab);
+  EXPECT_TRUE(FiscaliseDocument(config_, kKey));
+  Lines want;
+  int64_t total = 0;
+  for (int n = 0; n < kSoldLines; ++n) total += ElzabValue(kItems[n]);
+  want.push_back("RECEIPT " + std::to_string(total));
+  for (int n = 0; n < kSoldLines; ++n) {
+    const Item& i = kItems[n];
+    const long long thousandths = std::llround(i.quantity * 1000);
+    const int decimals = thousandths % 1000 == 0 ? 0 : thousandths % 100 == 0 ? 1 : thousandths % 10 == 0 ? 2 : 3;
+    const long long wire = std::llround(i.quantity * std::pow(10.0L, decimals));
+    want.push_back("LINE " + std::to_string(n + 1) + "|" + ElzabName(i) + "|" + std::to_string(wire) + "/" +
+                   std::to_string(decimals) + "|" + Pad(i.unit, 4) + "|" + std::to_string(Grosz(i.price)) + "|" +
+                   std::to_string(i.elzabCode) + "|" + std::to_string(ElzabValue(i)));
+  }
+  want.push_back("END ITEMS");
+  want.push_back("TEXT 6|P 17");
+  want.push_back("TEXT 2| gotówką ");
+  want.push_back("TEXT 5| Lucja Nowak.");
+  want.push_back("CLOSE " + std::to_string(total));
+  EXPECT_EQ(elzab_->Journal(), want) << ScreenBytes();
+}
+
+TEST_F(FiscalSaleTest, ServerPollingAndOneShotPrintTheJob) {
+  StartPosnet();
+  config_ = Config(kFiscalServer);
+  StartPollingServer("2,1,\"srvfisk\\1\",,0");
+  EXPECT_TRUE(FiscaliseDocument(config_, kKey));
+  ASSERT_TRUE(WaitForLine([&] { return posnet_->Journal(); }, "TOTAL")) << ReadFile("fisk.log");
+  EXPECT_EQ(WithoutHeads(posnet_->Journal()), WithoutHeads(PosnetReceipt(40, "", 24))) << ReadFile("fisk.log");
+  ::kill(server_, SIGTERM);
+  ::waitpid(server_, nullptr, 0);
+  server_ = -1;
+
+  // One-shot: the application starts ./fisksrv with the row and waits for its end.
+  ASSERT_EQ(::symlink(KLOTE_BINARY_DIR "/server/fisksrv", "fisksrv"), 0);
+  config_.serverRow = "2,1,srvfisk\\1,,0";
+  const std::size_t before = posnet_->Journal().size();
+  EXPECT_TRUE(FiscaliseDocument(config_, kKey));
+  const Lines journal = posnet_->Journal();
+  EXPECT_EQ(WithoutHeads(Lines(journal.begin() + static_cast<long>(before), journal.end())),
+            WithoutHeads(PosnetReceipt(40, "", 24)));
+  EXPECT_FALSE(PathExists("srvfisk/1"));
+}
+
+// Keys the operator gives, in order, to the boxes that wait.
+void Answer(std::initializer_list<KeyPair> keys) {
+  for (const KeyPair& k : keys) ASSERT_TRUE(PushKey(k.ch, k.scan));
+}
+constexpr KeyPair kNo{'N', 49};
+using keys::kEnter;
+using keys::kEsc;
+
+TEST_F(FiscalSaleTest, RefusalsAndSilenceLeaveNoOpenReceiptAndAskTheSaveQuestion) {
+  // POSNET: #x 1, #e 2, $h 3, line 1 4, line 2 5 refused.
+  struct Case { std::vector<std::string> fail; const char* shown; };
+  const Case cases[] = {{{"--fail", "5:error=21"}, "drukarki fiskalnej nr 21"}, {{"--fail", "5:silent"}, "drukarki fiskalnej"}};
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.fail[1]);
+    ::unlink((dir_ + "/tty0").c_str());
+    StartPosnet(c.fail);
+    FiscalSale sale;
+    ShortText payment;
+    ASSERT_EQ(ReadSavedSale(kKey, sale, payment), SavedSaleRead::kRead);
+    (void)ScreenBytes();
+    Answer({kEnter, kNo});  // the printer's message, then "no" to saving without it
+    EXPECT_EQ(FiscalSaveDocument(config_, payment, sale), FiscalSaveOutcome::kGiveUp);
+    const std::string screen = ScreenBytes();
+    EXPECT_NE(screen.find(c.shown), std::string::npos);
+    EXPECT_NE(screen.find("Czy pomimo braku mo"), std::string::npos);
+    const Lines journal = posnet_->Journal();
+    EXPECT_TRUE(Has(journal, "CANCELLED")) << ::testing::PrintToString(posnet_->Trace());
+    for (const std::string& l : journal) EXPECT_NE(l.rfind("TOTAL", 0), 0u);
+  }
+
+  // ELZAB: open 1, line 1 2, line 2 3 refused; Esc gives up and the receipt is cancelled.
+  StartElzab({"--fail", "3:nak=0,0x02"});
+  config_ = Config(kFiscalElzab);
+  Answer({kEsc});
+  EXPECT_FALSE(FiscaliseDocument(config_, kKey));
+  EXPECT_NE(ScreenBytes().find("ELZAB"), std::string::npos);
+  const Lines journal = elzab_->Journal();
+  ASSERT_FALSE(journal.empty());
+  EXPECT_EQ(journal.back(), "CANCELLED");
+}
+
+TEST_F(FiscalSaleTest, UnmappedRateRefusedAndDocumentGone) {
+  StartPosnet();
+  config_.vatName[4].Clear();  // "zwol." is no longer known to the printer
+  FiscalSale sale;
+  ShortText payment;
+  ASSERT_EQ(ReadSavedSale(kKey, sale, payment), SavedSaleRead::kRead);
+  Answer({kNo, kEnter, kEnter});  // refuse the rate, read the advice, save without the printer
+  EXPECT_EQ(FiscalSaveDocument(config_, payment, sale), FiscalSaveOutcome::kSaveWithout);
+  EXPECT_NE(ScreenBytes().find("ma VAT nie zapisany w drukarce fiskalnej"), std::string::npos);
+  const Lines journal = posnet_->Journal();
+  EXPECT_TRUE(Has(journal, "CANCELLED"));
+  for (const std::string& l : journal) EXPECT_NE(l.rfind("TOTAL", 0), 0u);
+
+  Answer({kEnter});
+  EXPECT_FALSE(FiscaliseDocument(config_, {1, 1, 99, ""}));
+  EXPECT_NE(ScreenBytes().find("skasowa"), std::string::npos);
+  // A document no flag sends to the printer stays out of it.
+  config_.documentFlags[0] = 0;
+  EXPECT_EQ(FiscalSaveDocument(config_, payment, sale), FiscalSaveOutcome::kNotFiscal);
+}
+
+}  // namespace
