@@ -3,6 +3,7 @@
 
 #include <iterator>
 
+#include "exchange/workfile.h"
 #include "master/items.h"
 #include "tui/msgbox.h"
 #include "users/users.h"
@@ -16,6 +17,12 @@ using OperationFn = void (*)(AppState&);
 void DocumentEntry(AppState& state) {
   if (!WarehouseReady(state)) return;
   NotYetAvailable(state);
+}
+
+// The work file's operations offer the current warehouse's documents and stock.
+void WorkFiles(AppState& state) {
+  if (!WarehouseReady(state)) return;
+  WorkFileMenu(state.warehouse);
 }
 
 void ManageUsers(AppState&) { (void)UserList(UserListMode::kManage); }
@@ -37,7 +44,7 @@ constexpr Operation kOperations[] = {
     {MenuOp::kDocuments, DocumentEntry},
     {MenuOp::kChooseWarehouse, NotYetAvailable},
     {MenuOp::kGoodsCatalogue, GoodsCatalogue},
-    {MenuOp::kWorkFiles, NotYetAvailable},
+    {MenuOp::kWorkFiles, WorkFiles},
     {MenuOp::kGoodsCheck, NotYetAvailable},
     {MenuOp::kCashDocuments, DocumentEntry},
     {MenuOp::kGoodsAnalyses, NotYetAvailable},
