@@ -4,6 +4,7 @@
 #include <iterator>
 
 #include "documents/payments.h"
+#include "exchange/workfile.h"
 #include "master/contractor_screens.h"
 #include "master/dictionary_screens.h"
 #include "master/items.h"
@@ -27,6 +28,12 @@ void CashDocuments(AppState& state) {
 
 void DepositSettlement(AppState& state) {
   if (WarehouseReady(state)) AutoSettleDeposits(state.warehouse);
+}
+
+// The work file's operations offer the current warehouse's documents and stock.
+void WorkFiles(AppState& state) {
+  if (!WarehouseReady(state)) return;
+  WorkFileMenu(state.warehouse);
 }
 
 void ManageUsers(AppState&) { (void)UserList(UserListMode::kManage); }
@@ -56,7 +63,7 @@ constexpr Operation kOperations[] = {
     {MenuOp::kDocuments, DocumentEntry},
     {MenuOp::kChooseWarehouse, ChooseWarehouseEntry},
     {MenuOp::kGoodsCatalogue, GoodsCatalogue},
-    {MenuOp::kWorkFiles, NotYetAvailable},
+    {MenuOp::kWorkFiles, WorkFiles},
     {MenuOp::kGoodsCheck, NotYetAvailable},
     {MenuOp::kCashDocuments, CashDocuments},
     {MenuOp::kGoodsAnalyses, NotYetAvailable},

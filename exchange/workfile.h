@@ -1,0 +1,130 @@
+// The work file: each operator's private list of goods, the table
+// "dane\uzytkown\<n>\plikrob_". Its 24 columns are the first 24 of the item
+// catalogue (same names, same widths, column 9 as wide as the catalogue's
+// character index), column 20 holding a quantity. Rows keep the order in
+// which they were written. Goods data travel between documents, the
+// catalogue, other users and other firms through it.
+//
+// Contract:
+// - The table is guarded by the file lock "dane\uzytkown\<n>\plikrob_.lcu":
+//   every change takes it without waiting; a held lock refuses the change
+//   with the system's message and touches nothing.
+// - Every rewrite (fill, replace, pass, import) runs in one transaction: a
+//   failure leaves the work file as it was.
+// - Table codes go back to the caller, who passes them to CheckDBError;
+//   screens (workfile_ui.cpp) show the system's messages.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "base/real.h"
+#include "base/shorttext.h"
+#include "exchange/dbf/dbf.h"
+#include "master/columns.h"
+#include "master/items.h"
+
+// Column numbers of the work file: those of the catalogue, ilosc the quantity.
+using WorkFileCol = KatTowCol;
+inline constexpr int kWorkFileColumns = 24;
+
+// One row: the catalogue's columns and the quantity of column 20.
+struct WorkFileRow {
+  ItemData item;  // item.active is not stored
+  Real quantity = 0;
+};
+
+// The forms that DetectWorkFileForms reports, as bits.
+inline constexpr int kFormDbf = 2;     // plikrob_.dbf
+inline constexpr int kFormReturn = 4;  // dokument.dbf
+inline constexpr int kFormSales = 8;   // sprzedaz.dbf
+inline constexpr int kFormMini = 16;   // dane.klt
+
+// What became of an import.
+enum class WorkFileImport : uint8_t {
+  kDone,
+  kBadDbf,  // no file, not dBASE, cut short or of another layout: nothing changed
+  kLocked,  // the work file's lock is held by another process: nothing changed
+};
+
+// --- The table ---
+// The path of a user's work file: "dane\uzytkown\<n>\plikrob_".
+ShortText WorkFileName(int32_t user);
+// The current user's (kNoUser gives the path of nobody: "dane\uzytkown\-1\plikrob_").
+ShortText WorkFileName();
+// Creates (or re-creates empty) the table at path and its lock file path.lcu.
+[[nodiscard]] int16_t CreateWorkFile(const ShortText& path);
+// Creates the table when it is missing.
+[[nodiscard]] int16_t EnsureWorkFile(const ShortText& path);
+// Every row in the order written; a missing table gives no rows.
+[[nodiscard]] int16_t WorkFileRead(const ShortText& path, std::vector<WorkFileRow>& rows);
+// Writes the rows after the present ones (append) or in their place, in one transaction.
+[[nodiscard]] int16_t WorkFileWrite(const ShortText& path, const std::vector<WorkFileRow>& rows, bool append);
+// Number of rows; 0 for a missing table.
+[[nodiscard]] int16_t WorkFileCount(const ShortText& path, int32_t& count);
+
+// --- The lock ---
+// Holds the work file's lock for its lifetime; held() false when another
+// process has it (or it cannot be set up: then work goes on without it).
+class WorkFileLock {
+ public:
+  explicit WorkFileLock(const ShortText& path);
+  ~WorkFileLock();
+  WorkFileLock(const WorkFileLock&) = delete;
+  WorkFileLock& operator=(const WorkFileLock&) = delete;
+  bool busy() const { return busy_; }
+
+ private:
+  int file_ = -1;
+  bool busy_ = false;
+};
+// True when another process holds the session of the user (its lock file).
+bool UserWorkingElsewhere(int32_t user);
+
+// --- Sources of rows ---
+// The lines of one saved document of the warehouse (specyfik), each filled
+// from its catalogue row: quantity, prices and VAT of the line; lines whose
+// item is gone are left out.
+[[nodiscard]] int16_t WorkRowsFromDocument(int32_t warehouse, int16_t kind, int32_t number, const ShortText& mark,
+                                           std::vector<WorkFileRow>& rows);
+// The active items of the catalogue in name order, with the
+// warehouse's stock quantity and sale prices (the catalogue's when it has no stock row).
+[[nodiscard]] int16_t WorkRowsFromCatalogue(int32_t warehouse, std::vector<WorkFileRow>& rows);
+
+// --- Between users ---
+// Puts the work file of from into that of to: appended, or replacing it; one transaction.
+[[nodiscard]] int16_t WorkFileTransfer(int32_t from, int32_t to, bool append);
+
+// --- DBF ---
+// Writes the table as a dBASE 3 file (fields in column order, names cut to 10).
+[[nodiscard]] int16_t WorkFileToDbf(const ShortText& path, const ShortText& dbfPath);
+// Whether an open DBF has the work file's layout: at least 24 fields, text
+// where the table has text and numbers where it has numbers.
+bool DbfIsWorkFile(const DbfFile& dbf);
+// Replaces the rows of the work file by the records of the DBF, fields by
+// position, text read in the code page; in one transaction, under the lock.
+// code receives the table layer's code when a table operation failed.
+WorkFileImport WorkFileFromDbf(const ShortText& path, const ShortText& dbfPath, DbfCodePage codePage, int16_t& code);
+// Removes the rows whose item is not in the catalogue (equal names, VAT
+// group, sww and VAT payer mark); names receives "nazwa nazwa_" of each.
+[[nodiscard]] int16_t WorkFileDropUnknown(const ShortText& path, std::vector<ShortText>& names);
+// The forms lying in a directory (bits kForm...); 0 for none.
+int DetectWorkFileForms(const ShortText& directory);
+
+// --- Screens ---
+// Writes the rows into the current user's work file, asking whether to add
+// them to rows present, under "Trwa zapis...[          ]" (report: the
+// report's wording), ending with "Zapis poprawny.". False when refused.
+bool AddSpecificationToWorkFile(const std::vector<WorkFileRow>& rows, bool report = false);
+// The menu "Operacje na plikach roboczych" over the current warehouse.
+void WorkFileMenu(int32_t warehouse);
+// "Przekazywanie pliku roboczego pomiędzy użytkownikami".
+void PassWorkFile();
+// Export of the work file as DBF to a directory (A:\, B:\ or any); true when copied.
+bool ExportWorkFileTo(const ShortText& directory);
+// Import of plikrob_.dbf from a directory; true when the work file was replaced.
+bool ImportWorkFileFrom(const ShortText& directory, bool askCodePage);
+// "Wprowadzanie zmian w pliku roboczym": the rows in a list; Enter changes
+// the quantity, Del removes the row, Ins adds a document or the catalogue.
+void EditWorkFile(int32_t warehouse);

@@ -1,0 +1,354 @@
+// The work file on the real server: rows from saved documents and from the
+// catalogue against values the test computes, the DBF written and read back
+// (also by Debian's python3-dbfread), bad DBF files, passing between users,
+// and a second process holding another user's session.
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "base/mazovia.h"
+#include "exchange/workfile.h"
+#include "master/tables.h"
+#include "sqltable/pglib.h"
+#include "sqltable/pgrecord.h"
+#include "sqltable/pgwrite.h"
+#include "sqltable/sqltest.h"
+#include "tui/keyboard.h"
+#include "users/session.h"
+#include "users/users.h"
+
+namespace {
+
+constexpr int32_t kWarehouse = 1;
+
+struct Line {
+  int32_t item;
+  Real quantity, buyNet, saleGross;
+};
+
+std::vector<std::string> gScreens;
+std::vector<std::function<void()>> gSteps;
+std::size_t gNext = 0;
+
+void NextStep() {
+  std::string screen;
+  for (int row = 1; row <= kScreenRows; ++row) screen += RowText(row).Str() + "\n";
+  gScreens.push_back(screen);
+  if (gNext < gSteps.size()) return gSteps[gNext++]();
+  (void)PushKey(27, 1);
+}
+
+class WorkFileTest : public CatalogueTest {
+ protected:
+  void SetUp() override {
+    CatalogueTest::SetUp();
+    CreateFirmTables();
+    CreateWarehouseTables(false, kWarehouse);
+    UserRecord me;
+    me.number = 1;
+    me.firstName = "Jan";
+    SetCurrentUser(me);
+    gScreens.clear();
+    gSteps.clear();
+    gNext = 0;
+    SetKeyIdleHook(NextStep);
+  }
+  void TearDown() override {
+    if (child_ > 0) {
+      ::kill(child_, SIGKILL);
+      ::waitpid(child_, nullptr, 0);
+    }
+    ClearCurrentUser();
+    SetKeyIdleHook(nullptr);
+    KeyboardReset();
+    CatalogueTest::TearDown();
+  }
+  static int32_t AddItem(const ShortText& name, Real saleNet) {
+    ItemData item;
+    item.name = name;
+    item.vat = "23";
+    item.unit = "szt";
+    item.supplier = 7;
+    item.saleNet = saleNet;
+    item.saleGross = GrossFromNet(saleNet, item.vat);
+    StockRow stock;
+    stock.quantity = 5;
+    ShortText refusal;
+    EXPECT_EQ(ItemAdd(item, ItemRules{}, kWarehouse, stock, refusal), 0) << refusal.Str();
+    return item.number;
+  }
+  // A saved document's lines, written straight through the table layer.
+  static void WriteDocument(int16_t kind, int32_t number, const char* mark, const std::vector<Line>& lines) {
+    int16_t tbl = 0, rec = 0;
+    ASSERT_EQ(PGTblOpen(WarehouseTablePath(kWarehouse, "specyfik"), tbl, 0), 0);
+    ASSERT_EQ(PGRecBufOpen(tbl, rec), 0);
+    int32_t position = 0;
+    for (const Line& l : lines) {
+      ASSERT_EQ(PGRecBufEmpty(rec), 0);
+      ASSERT_EQ(PGPutShort(rec, SpecyfikCol::typ_dok, kind), 0);
+      ASSERT_EQ(PGPutLong(rec, SpecyfikCol::nr_dok, number), 0);
+      ASSERT_EQ(PGPutAlpha(rec, SpecyfikCol::znak_dok, ShortText(mark)), 0);
+      ASSERT_EQ(PGPutLong(rec, SpecyfikCol::pozycja, ++position), 0);
+      ASSERT_EQ(PGPutLong(rec, SpecyfikCol::nr_towaru, l.item), 0);
+      ASSERT_EQ(PGPutAlpha(rec, SpecyfikCol::vat, ShortText("23")), 0);
+      ASSERT_EQ(PGPutExt(rec, SpecyfikCol::ilosc, l.quantity), 0);
+      ASSERT_EQ(PGPutExt(rec, SpecyfikCol::c_zak_netto, l.buyNet), 0);
+      ASSERT_EQ(PGPutExt(rec, SpecyfikCol::c_spr_brutto, l.saleGross), 0);
+      ASSERT_EQ(PGRecAppend(tbl, rec), 0);
+    }
+    (void)PGRecBufClose(rec);
+    (void)PGTblClose(tbl);
+  }
+  // "name:quantity" of each row of a user's work file.
+  static std::string Rows(int32_t user) {
+    std::vector<WorkFileRow> rows;
+    EXPECT_EQ(WorkFileRead(WorkFileName(user), rows), 0);
+    std::string out;
+    for (const WorkFileRow& r : rows) {
+      char q[32];
+      std::snprintf(q, sizeof q, "%.3Lf", static_cast<long double>(r.quantity));
+      out += r.item.name.Str() + ":" + q + " ";
+    }
+    return out;
+  }
+  static bool Shown(const ShortText& line) {
+    for (const std::string& s : gScreens)
+      if (s.find(line.Str()) != std::string::npos) return true;
+    return false;
+  }
+  // Paths relative to the firm's directory (the suite's HOME): a DOS-style
+  // path has its directories in lower case.
+  static std::string Dbf() { return "out/plikrob_.dbf"; }
+  // Whether the terminal was sent the text (boxes that only wait a time).
+  bool Sent(const char* text) { return ScreenBytes().find(text) != std::string::npos; }
+  // The catalogue of three items, one with a Polish name, and two documents.
+  void Fill() {
+    items_ = {AddItem("Mleko", 2.5L), AddItem("Chleb", 3), AddItem("Żółć"_mz, 10)};
+    WriteDocument(1, 7, "FV", {{items_[0], 4, 2.1L, 3.08L}, {items_[2], 1.5L, 8, 12.3L}});
+    WriteDocument(1, 8, "FV", {{items_[1], 9, 1, 1}});
+  }
+  // Another process takes the session lock and the work file lock of the user, and waits.
+  void HoldElsewhere(int32_t user) {
+    int ready[2];
+    ASSERT_EQ(pipe(ready), 0);
+    child_ = fork();
+    if (child_ == 0) {
+      ::close(ready[0]);
+      int session = -1, work = -1;
+      const bool held = !FileLockTake(UserPath(user, ShortText("kluczw__")), session, false) &&
+                        !FileLockTake(WorkFileName(user), work, false);
+      (void)!::write(ready[1], held ? "y" : "n", 1);
+      for (;;) pause();
+    }
+    ::close(ready[1]);
+    char answer = 0;
+    (void)!::read(ready[0], &answer, 1);
+    ::close(ready[0]);
+    ASSERT_EQ(answer, 'y');
+  }
+
+  std::vector<int32_t> items_;
+  pid_t child_ = -1;
+};
+
+TEST_F(WorkFileTest, RowsOfADocumentCarryItsQuantitiesAndPricesWithTheCatalogueNames) {
+  Fill();
+  std::vector<WorkFileRow> rows;
+  ASSERT_EQ(WorkRowsFromDocument(kWarehouse, 1, 7, "FV", rows), 0);
+  ASSERT_EQ(rows.size(), 2u);
+  EXPECT_EQ(rows[0].item.name, "Mleko");
+  EXPECT_EQ(rows[0].item.number, items_[0]);
+  EXPECT_EQ(rows[0].quantity, 4);
+  EXPECT_EQ(rows[0].item.buyNet, 2.1L);
+  EXPECT_EQ(rows[1].item.name, "Żółć"_mz);
+  EXPECT_EQ(rows[1].item.saleGross, 12.3L);
+  EXPECT_EQ(rows[1].item.unit, "szt");
+  // Another number of the same kind and mark is another document.
+  ASSERT_EQ(WorkRowsFromDocument(kWarehouse, 1, 8, "FV", rows), 0);
+  ASSERT_EQ(rows.size(), 1u);
+  EXPECT_EQ(rows[0].quantity, 9);
+  ASSERT_EQ(WorkRowsFromDocument(kWarehouse, 1, 9, "FV", rows), 0);
+  EXPECT_TRUE(rows.empty());
+}
+
+TEST_F(WorkFileTest, CatalogueRowsTakeTheWarehouseStock) {
+  Fill();
+  std::vector<WorkFileRow> rows;
+  ASSERT_EQ(WorkRowsFromCatalogue(kWarehouse, rows), 0);
+  ASSERT_EQ(rows.size(), 3u);
+  for (const WorkFileRow& r : rows) {
+    EXPECT_EQ(r.quantity, 5) << r.item.name.Str();
+    EXPECT_EQ(r.item.saleGross, GrossFromNet(r.item.saleNet, r.item.vat));
+  }
+}
+
+TEST_F(WorkFileTest, WritingAsksToAddAndAnEmptySourceWithNoLeavesItEmpty) {
+  Fill();
+  std::vector<WorkFileRow> rows;
+  ASSERT_EQ(WorkRowsFromDocument(kWarehouse, 1, 7, "FV", rows), 0);
+  ASSERT_TRUE(AddSpecificationToWorkFile(rows));  // nothing there yet: no question
+  EXPECT_TRUE(Sent("Zapis poprawny."));
+  EXPECT_FALSE(Shown("W pliku roboczym są dane."_mz));
+  gSteps = {[] { (void)PushKey('t', 20); }};
+  ASSERT_TRUE(AddSpecificationToWorkFile(rows));
+  EXPECT_TRUE(Shown("W pliku roboczym są dane. Czy dodać specyfikację do nich ?"_mz));
+  EXPECT_EQ(Rows(1), "Mleko:4.000 " + ("Żółć"_mz).Str() + ":1.500 Mleko:4.000 " + ("Żółć"_mz).Str() + ":1.500 ");
+  gScreens.clear();
+  gNext = 0;
+  gSteps = {[] { (void)PushKey('n', 49); }};
+  ASSERT_TRUE(AddSpecificationToWorkFile({}));
+  EXPECT_EQ(Rows(1), "");
+  EXPECT_TRUE(Sent("Zapis poprawny."));
+  // The lock file of the table lies beside it.
+  EXPECT_TRUE(std::filesystem::exists("dane/uzytkown/1/plikrob_.lcu"));
+}
+
+TEST_F(WorkFileTest, DbfRoundTripAndPythonDbfreadReadsTheSameValues) {
+  Fill();
+  std::vector<WorkFileRow> rows;
+  ASSERT_EQ(WorkRowsFromDocument(kWarehouse, 1, 7, "FV", rows), 0);
+  ASSERT_EQ(WorkFileWrite(WorkFileName(1), rows, false), 0);
+  std::filesystem::create_directories("out");
+  ASSERT_TRUE(ExportWorkFileTo(ShortText("out/")));
+  EXPECT_TRUE(Shown("Kopiowanie zakończone poprawnie."_mz));
+
+  ASSERT_EQ(std::system("/usr/bin/python3 -c 'import dbfread'"), 0) << "python3-dbfread is missing";
+  const std::string script =
+      "import dbfread\n"
+      "for r in dbfread.DBF('" + Dbf() + "', encoding='latin1'):\n"
+      "  print(r['NAZWA'].encode('latin1').hex(), r['NR_WEWN'], '%.3f' % r['ILOSC'], '%.2f' % r['CENA_S_B'], r['JEDNOSTKA'])\n";
+  FILE* py = popen(("/usr/bin/python3 -c \"" + script + "\"").c_str(), "r");
+  ASSERT_NE(py, nullptr);
+  std::string got;
+  char buf[256];
+  while (std::fgets(buf, sizeof buf, py)) got += buf;
+  ASSERT_EQ(pclose(py), 0);
+  std::string expected;
+  for (const WorkFileRow& r : rows) {
+    std::string hex;
+    for (unsigned char c : r.item.name.Str()) {
+      char h[3];
+      std::snprintf(h, sizeof h, "%02x", c);
+      hex += h;
+    }
+    char line[200];
+    std::snprintf(line, sizeof line, "%s %d %.3Lf %.2Lf szt\n", hex.c_str(), r.item.number,
+                  static_cast<long double>(r.quantity), static_cast<long double>(r.item.saleGross));
+    expected += line;
+  }
+  EXPECT_EQ(got, expected);
+
+  // Read back into another user's work file: the same rows.
+  int16_t code = 0;
+  ASSERT_EQ(WorkFileFromDbf(WorkFileName(2), ShortText(Dbf().c_str()), DbfCodePage::kAsIs, code), WorkFileImport::kDone);
+  EXPECT_EQ(code, 0);
+  EXPECT_EQ(Rows(2), Rows(1));
+}
+
+TEST_F(WorkFileTest, BadDbfFilesChangeNothing) {
+  Fill();
+  std::vector<WorkFileRow> rows;
+  ASSERT_EQ(WorkRowsFromCatalogue(kWarehouse, rows), 0);
+  ASSERT_EQ(WorkFileWrite(WorkFileName(1), rows, false), 0);
+  std::filesystem::create_directories("out");
+  ASSERT_EQ(WorkFileToDbf(WorkFileName(1), ShortText(Dbf().c_str())), 0);
+  const std::string good = ReadFile(Dbf());
+  const std::string before = Rows(1);
+  auto writeFile = [](const std::string& path, const std::string& bytes) {
+    FILE* f = std::fopen(path.c_str(), "wb");
+    std::fwrite(bytes.data(), 1, bytes.size(), f);
+    std::fclose(f);
+  };
+  const std::string other = "out/other.dbf";
+  {
+    DbfFile dbf;
+    const DbfFieldSpec fields[] = {{"NAZWA", 'C', 31, 0}, {"CENA", 'N', 10, 2}};
+    ASSERT_EQ(DbfCreate(dbf, ShortText(other.c_str()), fields), 0);
+    DbfBlankRecord(dbf);
+    ASSERT_EQ(DbfAppendRecord(dbf), 0);
+    ASSERT_EQ(DbfClose(dbf), 0);
+  }
+  struct Case {
+    const char* what;
+    std::string bytes;  // empty: no file at all
+  };
+  const Case cases[] = {
+      {"another layout", ReadFile(other)},
+      {"cut inside the last record", good.substr(0, good.size() - 40)},
+      {"cut inside the header", good.substr(0, 100)},
+      {"no file", ""},
+  };
+  const std::string target = "out/bad.dbf";
+  for (const Case& c : cases) {
+    std::filesystem::remove(target);
+    if (!c.bytes.empty()) writeFile(target, c.bytes);
+    int16_t code = 0;
+    EXPECT_EQ(WorkFileFromDbf(WorkFileName(1), ShortText(target.c_str()), DbfCodePage::kAsIs, code),
+              WorkFileImport::kBadDbf)
+        << c.what;
+    EXPECT_EQ(code, 0) << c.what;
+    EXPECT_EQ(Rows(1), before) << c.what;
+  }
+  // Through the screen: the system's message, the work file as it was.
+  std::filesystem::create_directories("cut");
+  writeFile("cut/plikrob_.dbf", good.substr(0, good.size() - 40));
+  EXPECT_FALSE(ImportWorkFileFrom(ShortText("cut/"), false));
+  EXPECT_TRUE(Shown("Plik DBF jest uszkodzony, lub nie istnieje."_mz));
+  EXPECT_EQ(Rows(1), before);
+}
+
+TEST_F(WorkFileTest, ImportDropsRowsThatTheCatalogueDoesNotKnow) {
+  Fill();
+  std::vector<WorkFileRow> rows;
+  ASSERT_EQ(WorkRowsFromCatalogue(kWarehouse, rows), 0);
+  rows[1].item.name = "Obcy towar";
+  ASSERT_EQ(WorkFileWrite(WorkFileName(1), rows, false), 0);
+  std::vector<ShortText> dropped;
+  ASSERT_EQ(WorkFileDropUnknown(WorkFileName(1), dropped), 0);
+  ASSERT_EQ(dropped.size(), 1u);
+  EXPECT_EQ(dropped[0], "Obcy towar ");
+  EXPECT_EQ(Rows(1).find("Obcy"), std::string::npos);
+}
+
+TEST_F(WorkFileTest, PassingAppendsOrReplaces) {
+  Fill();
+  std::vector<WorkFileRow> one, two;
+  ASSERT_EQ(WorkRowsFromDocument(kWarehouse, 1, 7, "FV", one), 0);
+  ASSERT_EQ(WorkRowsFromDocument(kWarehouse, 1, 8, "FV", two), 0);
+  ASSERT_EQ(WorkFileWrite(WorkFileName(1), one, false), 0);
+  ASSERT_EQ(WorkFileWrite(WorkFileName(2), two, false), 0);
+  const std::string mine = Rows(1), theirs = Rows(2);
+  ASSERT_EQ(WorkFileTransfer(1, 2, true), 0);
+  EXPECT_EQ(Rows(2), theirs + mine);
+  ASSERT_EQ(WorkFileTransfer(2, 1, false), 0);
+  EXPECT_EQ(Rows(1), theirs + mine);
+  ASSERT_EQ(WorkFileTransfer(1, 3, false), 0);  // a user without a work file gets one
+  EXPECT_EQ(Rows(3), theirs + mine);
+}
+
+TEST_F(WorkFileTest, AUserWorkingInAnotherProcessKeepsHisWorkFile) {
+  Fill();
+  std::vector<WorkFileRow> rows;
+  ASSERT_EQ(WorkRowsFromDocument(kWarehouse, 1, 8, "FV", rows), 0);
+  ASSERT_EQ(WorkFileWrite(WorkFileName(2), rows, false), 0);
+  ASSERT_EQ(WorkFileToDbf(WorkFileName(2), ShortText("dane/other.dbf")), 0);
+  const std::string before = Rows(2);
+  EXPECT_FALSE(UserWorkingElsewhere(2));
+  HoldElsewhere(2);
+  EXPECT_TRUE(UserWorkingElsewhere(2));
+  EXPECT_TRUE(WorkFileLock(WorkFileName(2)).busy());
+  int16_t code = 0;
+  EXPECT_EQ(WorkFileFromDbf(WorkFileName(2), ShortText("dane/other.dbf"), DbfCodePage::kAsIs,
+                            code),
+            WorkFileImport::kLocked);
+  EXPECT_EQ(Rows(2), before);
+  EXPECT_FALSE(UserWorkingElsewhere(1));
+}
+
+}  // namespace
