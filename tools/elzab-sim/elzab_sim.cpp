@@ -33,6 +33,23 @@
 
 namespace {
 
+// The path this process linked (or bound); removed when it ends, so that no link
+// is left pointing at a terminal number the system gives to another program next.
+char gOwnedPath[4096] = {};
+
+void RemoveOwnedPath(int) {
+  if (gOwnedPath[0] != '\0') ::unlink(gOwnedPath);
+  ::_exit(0);
+}
+
+// Remembers path as this process's own and removes it on the usual ending signals.
+void OwnPath(const std::string& path) {
+  std::snprintf(gOwnedPath, sizeof gOwnedPath, "%s", path.c_str());
+  struct sigaction sa {};
+  sa.sa_handler = RemoveOwnedPath;
+  for (int sig : {SIGTERM, SIGINT, SIGHUP, SIGQUIT}) ::sigaction(sig, &sa, nullptr);
+}
+
 struct Config {
   std::string socket, link, journal, trace;
   long baud = 0;
@@ -132,6 +149,7 @@ int ListenOn(const std::string& path) {
   addr.sun_family = AF_UNIX;
   std::memcpy(addr.sun_path, path.c_str(), path.size() + 1);
   ::unlink(path.c_str());
+  OwnPath(path);
   const int fd = ::socket(AF_UNIX, SOCK_STREAM, 0);
   if (fd < 0 || ::bind(fd, reinterpret_cast<sockaddr*>(&addr), sizeof addr) != 0 || ::listen(fd, 4) != 0)
     Usage("cannot listen on " + path);
@@ -165,7 +183,8 @@ void RunOnTerminal(const Config& cfg, Printer& printer) {
   if (keep < 0 || tcgetattr(keep, &raw) != 0) Usage("cannot open the slave side");
   cfmakeraw(&raw);
   tcsetattr(keep, TCSANOW, &raw);
-  ::unlink(cfg.link.c_str());
+  ::unlink(cfg.link.c_str());  // a stale link of an earlier run is replaced
+  OwnPath(cfg.link);
   if (::symlink(slave.c_str(), cfg.link.c_str()) != 0) Usage("cannot make the link");
   std::printf("%s\n", cfg.link.c_str());
   std::fflush(stdout);

@@ -200,7 +200,9 @@ bool ElzabPrinterSim::Execute() {
       return true;
     case '$': return Close();
     case '#':
-      if (inReceipt_) Journal("CANCELLED");
+      // Nothing to cancel outside a receipt: the printer refuses.
+      if (!inReceipt_) return Refuse(0, 0), false;
+      Journal("CANCELLED");
       inReceipt_ = false;
       return true;
     case '%':

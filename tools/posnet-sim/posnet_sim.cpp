@@ -27,6 +27,23 @@
 
 namespace {
 
+// The path this process linked (or bound); removed when it ends, so that no link
+// is left pointing at a terminal number the system gives to another program next.
+char gOwnedPath[4096] = {};
+
+void RemoveOwnedPath(int) {
+  if (gOwnedPath[0] != '\0') ::unlink(gOwnedPath);
+  ::_exit(0);
+}
+
+// Remembers path as this process's own and removes it on the usual ending signals.
+void OwnPath(const std::string& path) {
+  std::snprintf(gOwnedPath, sizeof gOwnedPath, "%s", path.c_str());
+  struct sigaction sa {};
+  sa.sa_handler = RemoveOwnedPath;
+  for (int sig : {SIGTERM, SIGINT, SIGHUP, SIGQUIT}) ::sigaction(sig, &sa, nullptr);
+}
+
 struct Config {
   std::string link, journal, trace;
   long baud = 0;
@@ -194,7 +211,8 @@ int main(int argc, char** argv) {
   cfmakeraw(&raw);
   tcsetattr(keep, TCSANOW, &raw);
   if (!cfg.link.empty()) {
-    ::unlink(cfg.link.c_str());
+    ::unlink(cfg.link.c_str());  // a stale link of an earlier run is replaced
+    OwnPath(cfg.link);
     if (::symlink(slave.c_str(), cfg.link.c_str()) != 0) Usage("cannot make the link");
   }
   FILE* journal = OpenLog(cfg.journal);
