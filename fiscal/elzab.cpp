@@ -205,10 +205,11 @@ ReceiptSettle ElzabSettleReceipt(int port) {
   ElzabSendText(port, ElzabCancelCommand());
   const int cancel = TimedOut() ? -1 : ElzabWaitByte(port, kAnswerMs);
   if (cancel < 0) return ReceiptSettle::kNoAnswer;
+  if (cancel == kElzabNak) return ReceiptSettle::kNoneOpen;  // nothing was open to cancel
   ElzabSendText(port, Esc({static_cast<char>(0x94)}));
   const int status = TimedOut() ? -1 : ElzabWaitByte(port, kAnswerMs);
   ElzabDrain(port, kQuietMs);
   if (status < 0) return ReceiptSettle::kNoAnswer;
   if (status & kDocumentHeld) return ReceiptSettle::kStillOpen;
-  return cancel == kElzabNak ? ReceiptSettle::kNoneOpen : ReceiptSettle::kCancelled;
+  return ReceiptSettle::kCancelled;
 }

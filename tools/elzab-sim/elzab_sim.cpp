@@ -162,12 +162,16 @@ int ListenOn(const std::string& path) {
   const int listener = ListenOn(cfg.socket);
   std::printf("%s\n", cfg.socket.c_str());
   std::fflush(stdout);
-  bool plugged = true;
   for (;;) {
     const int fd = ::accept(listener, nullptr, nullptr);
     if (fd < 0) continue;
-    if (plugged) plugged = printer.Serve(fd);
+    const bool plugged = printer.Serve(fd);
     ::close(fd);
+    if (plugged) continue;
+    // Unplugged: no connection is taken any more, so a controller that tries the
+    // line again finds no clear to send.
+    ::close(listener);
+    for (;;) ::pause();
   }
 }
 
