@@ -50,6 +50,18 @@ void DrainSecondAnswer() {
   while (IsPosnetStatusByte(b) && PosnetHasBufferedByte()) b = PosnetGetByte();
 }
 
+// Takes away what the printer still sends to a sender that is gone (the answers
+// to a killed server's enquiries come after the port's flush): the first status
+// byte read next must answer this process's question.
+void DiscardUntilQuiet() {
+  constexpr double kQuietLimit = 0.15;
+  constexpr int kMostBytes = 4096;
+  int n = 0;
+  do {
+    SetTimeout(kQuietLimit);
+  } while (PosnetGetByteWaiting() >= 0 && ++n < kMostBytes);
+}
+
 }  // namespace
 
 PosnetSettings& PosnetConfig() { return Driver().settings; }
@@ -178,6 +190,7 @@ ReceiptSettle PosnetSettleReceipt() {
   if (PortClosed()) return ReceiptSettle::kNoAnswer;
   const char can[] = {kPosnetCan};
   if (PosnetSend(kSendLimit, {can, 1}) != 0) return ReceiptSettle::kNoAnswer;
+  DiscardUntilQuiet();
   const int status = PosnetEnquire(kSettleWait);
   if (status < 0) return ReceiptSettle::kNoAnswer;
   if (!(status & kPosnetInTransaction)) return ReceiptSettle::kNoneOpen;

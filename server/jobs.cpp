@@ -1,5 +1,7 @@
 #include "server/jobs.h"
 
+#include <cerrno>
+
 #include "base/jobfile.h"
 #include "base/mazovia.h"
 #include "base/numbers_format.h"
@@ -19,11 +21,14 @@ uint8_t ClassifyJobFile(const ShortText& path, FileVar& file) {
   AssignFile(file, path);
   // Read only: the application may still hold the file open for writing.
   int failures = 0;
-  while (file.Reset(kFileModeReadOnly) != 0) {
+  for (int error = file.Reset(kFileModeReadOnly); error != 0; error = file.Reset(kFileModeReadOnly)) {
+    // A file that is gone (taken back, or renamed over) is no job: the wait ends.
+    if (error == ENOENT) return kJobNone;
     ++failures;
     SleepMs(kLockedRetryMs);
     if (failures > kLockedOpensBeforeNotice) {
-      WriteLine("BLOKADA  [Ctrl+Break] - zakonczenie pracy servera");
+      // The reason of the last failed open stands beside the notice.
+      WriteLine("BLOKADA  [Ctrl+Break] - zakonczenie pracy servera (" + IntText(error, 0) + ")");
       FlushOut();
       failures = 0;
     }

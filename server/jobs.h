@@ -10,8 +10,9 @@
 #include "fiscal/settle.h"
 
 // Opens the job file read only (retrying each second for as long as it stays
-// locked, with the line "BLOKADA  [Ctrl+Break] - zakonczenie pracy servera"
-// after every fourth failure) and reads record 1. Gives the JobKind; for
+// locked, with the line "BLOKADA  [Ctrl+Break] - zakonczenie pracy servera (errno)"
+// after every fourth failure; a file that is gone ends the wait with kind 0) and
+// reads record 1. Gives the JobKind; for
 // kinds other than 0 the file stays open at record 2, else it is closed.
 [[nodiscard]] uint8_t ClassifyJobFile(const ShortText& path, FileVar& file);
 // Closes and erases the job file; on failure writes the line "Wystąpil
