@@ -24,25 +24,9 @@
 #include <string>
 
 #include "posnet_sim_core.h"
+#include "sim_process.h"
 
 namespace {
-
-// The path this process linked (or bound); removed when it ends, so that no link
-// is left pointing at a terminal number the system gives to another program next.
-char gOwnedPath[4096] = {};
-
-void RemoveOwnedPath(int) {
-  if (gOwnedPath[0] != '\0') ::unlink(gOwnedPath);
-  ::_exit(0);
-}
-
-// Remembers path as this process's own and removes it on the usual ending signals.
-void OwnPath(const std::string& path) {
-  std::snprintf(gOwnedPath, sizeof gOwnedPath, "%s", path.c_str());
-  struct sigaction sa {};
-  sa.sa_handler = RemoveOwnedPath;
-  for (int sig : {SIGTERM, SIGINT, SIGHUP, SIGQUIT}) ::sigaction(sig, &sa, nullptr);
-}
 
 struct Config {
   std::string link, journal, trace;
