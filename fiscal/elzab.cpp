@@ -191,3 +191,25 @@ bool ElzabCommand(int port, const std::string& command, ShortText& resultText) {
   if (!text.Empty()) resultText += "@" + text;
   return true;
 }
+
+ReceiptSettle ElzabSettleReceipt(int port) {
+  // The longest fixed command is a sale line of 51 bytes.
+  constexpr std::size_t kFillBytes = 51;
+  constexpr int kQuietMs = 150, kAnswerMs = 1000;
+  constexpr uint8_t kDocumentHeld = 0x02;
+  ElzabOpen(port);
+  if (TimedOut()) return ReceiptSettle::kNoAnswer;
+  ElzabSendText(port, std::string(kFillBytes, '\n'));
+  if (TimedOut()) return ReceiptSettle::kNoAnswer;
+  ElzabDrain(port, kQuietMs);
+  ElzabSendText(port, ElzabCancelCommand());
+  const int cancel = TimedOut() ? -1 : ElzabWaitByte(port, kAnswerMs);
+  if (cancel < 0) return ReceiptSettle::kNoAnswer;
+  if (cancel == kElzabNak) return ReceiptSettle::kNoneOpen;  // nothing was open to cancel
+  ElzabSendText(port, Esc({static_cast<char>(0x94)}));
+  const int status = TimedOut() ? -1 : ElzabWaitByte(port, kAnswerMs);
+  ElzabDrain(port, kQuietMs);
+  if (status < 0) return ReceiptSettle::kNoAnswer;
+  if (status & kDocumentHeld) return ReceiptSettle::kStillOpen;
+  return ReceiptSettle::kCancelled;
+}

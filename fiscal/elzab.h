@@ -10,6 +10,7 @@
 
 #include "base/real.h"
 #include "base/shorttext.h"
+#include "fiscal/settle.h"
 
 inline constexpr uint8_t kElzabNak = 21;
 
@@ -81,3 +82,10 @@ void ElzabDisplayAmount(int port, const ShortText& text);
 // Sends the command and reads its response; on failure sends the cancel (while the line
 // works), purges and appends "@" and the response's text to resultText. True on failure.
 [[nodiscard]] bool ElzabCommand(int port, const std::string& command, ShortText& resultText);
+
+// Brings the printer to a known state before a receipt, whatever a killed sender
+// left in it: line feeds end a half-received command (a free text ends at the
+// first, a fixed one is filled; outside a command they are passed over), the
+// answers are taken away, then the cancel (refused when no receipt is open), then
+// the first status byte, whose bit 1 tells that a document is still held.
+[[nodiscard]] ReceiptSettle ElzabSettleReceipt(int port);

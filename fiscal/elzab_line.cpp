@@ -121,4 +121,28 @@ uint8_t ElzabReadByte(int port) {
   return 0;
 }
 
+int ElzabWaitByte(int port, int ms) {
+  ElzabLineState& line = ElzabLine();
+  const uint16_t base = ElzabPortBase(port);
+  PortIo& io = ElzabPortIo();
+  for (int waited = 0; base != 0; ++waited) {
+    if (io.In(base + kLsr) & kDataReady) {
+      line.timedOut = false;
+      return io.In(base + kRbr);
+    }
+    if (waited >= ms) break;
+    SleepMs(1);
+  }
+  line.timedOut = true;
+  return -1;
+}
+
+void ElzabDrain(int port, int quietMs) {
+  // Bounded: a line that never falls quiet is left after this many bytes.
+  constexpr int kMostBytes = 4096;
+  for (int n = 0; n < kMostBytes && ElzabWaitByte(port, quietMs) >= 0; ++n) {
+  }
+  ElzabLine().timedOut = false;
+}
+
 void ElzabRelease(int) {}

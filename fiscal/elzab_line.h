@@ -31,5 +31,10 @@ uint8_t ElzabReadResponse(int port);
 void ElzabPurge(int port);
 // Polls for a received byte up to receiveTimeout times without sleeping; 0 on time-out.
 uint8_t ElzabReadByte(int port);
+// Waits up to ms milliseconds (sleeping between looks, so a busy machine only
+// slows it) for a received byte; the byte, or -1 (timedOut set) when none came.
+int ElzabWaitByte(int port, int ms);
+// Takes away every byte the printer sent, until none has come for quietMs.
+void ElzabDrain(int port, int quietMs);
 // Leaves the port as it is: the ports stay granted to the process.
 void ElzabRelease(int port);

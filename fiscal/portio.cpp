@@ -68,10 +68,10 @@ PortIoChoice& Choice() {
 }
 
 // The simulated controller behind KLOTE_ELZAB_LINE, sending at the programmed rate;
-// with the line missing, a controller with nothing connected, so that sends time out
-// as on a printer that is switched off.
+// while the line is missing, a controller with nothing connected, so that sends time
+// out as on a printer that is switched off; it comes back when the printer does.
 std::unique_ptr<PortIo> MakeSimulatedPortIo(const char* path) {
-  std::unique_ptr<ByteLink> link = FdByteLink::Open(path);
+  auto link = std::make_unique<ReopeningByteLink>(path);
   auto model = std::make_unique<Uart16550Model>(std::move(link));
   model->SetPaced(true);
   return model;

@@ -9,6 +9,10 @@ constexpr double kLongWait = 30;   // closing a receipt and the reports
 constexpr double kSendLimit = 1;   // seconds for a message to leave
 constexpr double kFrameLimit = 10; // seconds for the status record to come
 constexpr double kDrainLimit = 0.5;
+// Seconds for the status byte of the check before a receipt: a printer that is
+// off must not hold the server's start for long; the receipt's own commands wait
+// their full time and report it.
+constexpr double kSettleWait = 3;
 constexpr std::size_t kLongestReply = 1024;  // a reply frame longer than this is no reply
 
 struct PosnetDriver {
@@ -44,6 +48,18 @@ void DrainSecondAnswer() {
   SetTimeout(kDrainLimit);
   int b = PosnetGetByteWaiting();
   while (IsPosnetStatusByte(b) && PosnetHasBufferedByte()) b = PosnetGetByte();
+}
+
+// Takes away what the printer still sends to a sender that is gone (the answers
+// to a killed server's enquiries come after the port's flush): the first status
+// byte read next must answer this process's question.
+void DiscardUntilQuiet() {
+  constexpr double kQuietLimit = 0.15;
+  constexpr int kMostBytes = 4096;
+  int n = 0;
+  do {
+    SetTimeout(kQuietLimit);
+  } while (PosnetGetByteWaiting() >= 0 && ++n < kMostBytes);
 }
 
 }  // namespace
@@ -168,6 +184,21 @@ int PosnetCancelReceipt() {
   int status = PosnetEnquire(1);
   if (status < 0) return status;
   return (status & kPosnetInTransaction) ? -8 : 0;
+}
+
+ReceiptSettle PosnetSettleReceipt() {
+  if (PortClosed()) return ReceiptSettle::kNoAnswer;
+  const char can[] = {kPosnetCan};
+  if (PosnetSend(kSendLimit, {can, 1}) != 0) return ReceiptSettle::kNoAnswer;
+  DiscardUntilQuiet();
+  const int status = PosnetEnquire(kSettleWait);
+  if (status < 0) return ReceiptSettle::kNoAnswer;
+  if (!(status & kPosnetInTransaction)) return ReceiptSettle::kNoneOpen;
+  switch (PosnetCancelReceipt()) {
+    case 0: return ReceiptSettle::kCancelled;
+    case -8: return ReceiptSettle::kStillOpen;
+    default: return ReceiptSettle::kNoAnswer;
+  }
 }
 
 int PosnetCashIn(int64_t amount) { return Command("0#i" + MoneyField(amount), kShortWait); }

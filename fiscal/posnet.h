@@ -14,6 +14,7 @@
 
 #include "base/shorttext.h"
 #include "fiscal/posnet_wire.h"
+#include "fiscal/settle.h"
 
 // Settings of the driver that come from the server's row or the fiscal configuration.
 struct PosnetSettings {
@@ -70,6 +71,10 @@ const ShortText& ReceiptNumberText();
 [[nodiscard]] int PosnetPrintLine(const ShortText& text);
 // Sends CAN and "0$e": 0 when no transaction stays open, -8 when one does, -1, -2, -5.
 [[nodiscard]] int PosnetCancelReceipt();
+// Brings the printer to a known state before a receipt: CAN ends a frame that a
+// killed sender left half sent, the status byte tells whether a receipt is open,
+// and an open one is cancelled. Needs the port open (else kNoAnswer).
+[[nodiscard]] ReceiptSettle PosnetSettleReceipt();
 // Cash put into the drawer, in grosz.
 [[nodiscard]] int PosnetCashIn(int64_t amount);
 // Cash taken from the drawer, in grosz.

@@ -90,6 +90,32 @@ bool FdByteLink::WriteByte(uint8_t b) {
   return false;
 }
 
+ReopeningByteLink::ReopeningByteLink(std::string path, int retryMs)
+    : path_(std::move(path)), retryNs_(int64_t{retryMs} * 1'000'000) {}
+
+void ReopeningByteLink::ReopenWhenGone() const {
+  if (link_ && link_->Connected()) return;
+  const int64_t now = NowNs();
+  if (lastTryNs_ != 0 && now - lastTryNs_ < retryNs_) return;
+  lastTryNs_ = now;
+  link_ = FdByteLink::Open(path_);
+}
+
+int ReopeningByteLink::ReadByte() {
+  ReopenWhenGone();
+  return link_ ? link_->ReadByte() : -1;
+}
+
+bool ReopeningByteLink::WriteByte(uint8_t b) {
+  ReopenWhenGone();
+  return link_ && link_->WriteByte(b);
+}
+
+bool ReopeningByteLink::Connected() const {
+  ReopenWhenGone();
+  return link_ && link_->Connected();
+}
+
 Uart16550Model::Uart16550Model(ByteLink* link) : link_(link) {}
 
 Uart16550Model::Uart16550Model(std::unique_ptr<ByteLink> link)

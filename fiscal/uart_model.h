@@ -41,6 +41,25 @@ class FdByteLink : public ByteLink {
   bool hungUp_ = false;
 };
 
+// A link by path that opens itself again whenever it is gone (the printer
+// simulator was not there yet, restarted, or hung up), as a real line comes back
+// when the printer clears to send again. Tries at most every retryMs.
+class ReopeningByteLink : public ByteLink {
+ public:
+  explicit ReopeningByteLink(std::string path, int retryMs = 50);
+  int ReadByte() override;
+  bool WriteByte(uint8_t b) override;
+  bool Connected() const override;
+
+ private:
+  void ReopenWhenGone() const;
+
+  std::string path_;
+  int64_t retryNs_;
+  mutable std::unique_ptr<FdByteLink> link_;
+  mutable int64_t lastTryNs_ = 0;
+};
+
 class Uart16550Model : public PortIo {
  public:
   // One register access, as the model saw it.

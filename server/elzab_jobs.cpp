@@ -7,6 +7,7 @@
 #include "fiscal/elzab_line.h"
 #include "fiscal/jobs_amounts.h"
 #include "server/job_records.h"
+#include "server/jobs.h"
 #include "server/output.h"
 
 namespace {
@@ -76,6 +77,7 @@ uint8_t ElzabReceipt(JobRequest& job) {
     text += " Przeterminowanie przy czyszczeniu portu.";
     return kJobReceipt;
   }
+  if (!NoteSettledReceipt(ElzabSettleReceipt(job.port), text)) return kJobReceipt;
   for (const std::string& command : ElzabReceiptCommands(receipt))
     if (ElzabCommand(job.port, command, text)) return kJobReceipt;
   ElzabPurge(job.port);

@@ -1,8 +1,12 @@
 #include "server/families.h"
 
+#include "fiscal/elzab.h"
 #include "fiscal/serial.h"
 #include "server/elzab_jobs.h"
+#include "server/jobs.h"
+#include "server/output.h"
 #include "server/posnet_jobs.h"
+#include "server/rows.h"
 
 namespace {
 
@@ -11,9 +15,9 @@ namespace {
 // POSNET with 24-column receipts (the receipt handler reads the width from
 // JobRequest::family). The table ends with family 0.
 constexpr FamilyJobs kFamilyJobs[] = {
-    {1, ElzabReceipt, ElzabDailyReport, ElzabPeriodReport, ElzabDrawer, ElzabReleaseAtExit},
-    {2, PosnetReceipt, PosnetDailyReport, PosnetPeriodReport, PosnetDrawer, PosnetCloseAtExit},
-    {3, PosnetReceipt, PosnetDailyReport, PosnetPeriodReport, PosnetDrawer, PosnetCloseAtExit},
+    {1, ElzabReceipt, ElzabDailyReport, ElzabPeriodReport, ElzabDrawer, ElzabReleaseAtExit, ElzabSettleReceipt},
+    {2, PosnetReceipt, PosnetDailyReport, PosnetPeriodReport, PosnetDrawer, PosnetCloseAtExit, PosnetSettleAtPort},
+    {3, PosnetReceipt, PosnetDailyReport, PosnetPeriodReport, PosnetDrawer, PosnetCloseAtExit, PosnetSettleAtPort},
     {},
 };
 
@@ -42,4 +46,21 @@ uint8_t DispatchJob(uint8_t kind, JobRequest& job) {
 void ReleaseAllLines() {
   for (const FamilyJobs* f = kFamilyJobs; f->family != 0; ++f)
     if (f->releaseLine != nullptr) f->releaseLine();
+}
+
+void SettlePrintersAtStart(const PrinterRows& rows) {
+  for (int i = 0; i < rows.count; ++i) {
+    const PrinterRowFields row = SplitPrinterRow(rows.row[i]);
+    const FamilyJobs* jobs = FindFamilyJobs(row.family);
+    if (jobs == nullptr || jobs->settleReceipt == nullptr) continue;
+    bool seen = false;  // families 2 and 3 share the POSNET line
+    for (int j = 0; j < i && !seen; ++j) {
+      const PrinterRowFields earlier = SplitPrinterRow(rows.row[j]);
+      const FamilyJobs* other = FindFamilyJobs(earlier.family);
+      seen = other != nullptr && other->settleReceipt == jobs->settleReceipt && earlier.port == row.port;
+    }
+    if (seen) continue;
+    const ShortText line = SettleStartLine(jobs->settleReceipt(row.port), row.family, row.port);
+    if (!line.Empty()) WriteLine(line);
+  }
 }

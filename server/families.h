@@ -6,6 +6,7 @@
 #include <cstdint>
 
 #include "base/jobfile.h"
+#include "fiscal/settle.h"
 
 // The job handlers of one printer family, and what the exit procedure must do
 // for its line (close a port, give its settings back, release it).
@@ -16,6 +17,8 @@ struct FamilyJobs {
   JobHandler periodReport = nullptr;
   JobHandler drawer = nullptr;
   void (*releaseLine)() = nullptr;
+  // Brings the printer on the port out of a receipt left open (at the start).
+  ReceiptSettle (*settleReceipt)(int port) = nullptr;
 };
 
 // The entry of the family, or null when the family drives no printer.
@@ -26,3 +29,7 @@ uint8_t DispatchJob(uint8_t kind, JobRequest& job);
 // Releases the lines of every family (for the exit procedure; signal safe
 // as far as the families' release functions are).
 void ReleaseAllLines();
+// At the start, for each printer (a family and port met first in the rows):
+// cancels a receipt left open in it and writes a line when one was.
+struct PrinterRows;
+void SettlePrintersAtStart(const PrinterRows& rows);

@@ -122,6 +122,7 @@ int RunPollingMode(ServerState& state) {
   if (!state.logFileName.Empty() && !OpenLogAsOutput(state.logFileName)) state.logFileName.Clear();
   WriteStartLines(LogIsOpen());
   if (!ConfigureRows(state, ParamStr(1))) return 0;
+  SettlePrintersAtStart(state.rows);
   if (LogIsOpen()) ReopenLog();
   else KeyPollBegin();
 

@@ -9,6 +9,7 @@
 #include "fiscal/posnet.h"
 #include "fiscal/serial.h"
 #include "server/job_records.h"
+#include "server/jobs.h"
 
 namespace {
 
@@ -43,6 +44,7 @@ int SendSaleLine(int i, const ShortText& record, int width) {
 bool PrintReceipt(const JobRequest& job, const ReceiptJob& receipt, ShortText& text) {
   const int width = PosnetReceiptWidth(job.family);
   PosnetOpen(job.port);
+  if (!NoteSettledReceipt(PosnetSettleReceipt(), text)) return false;
   if (PosnetCheck(text, PosnetModeX(1)) || PosnetCheck(text, PosnetErrorMode(1))) return false;
   // A drawer on the printer opens at the start of each receipt.
   if (job.drawerFlag == 1 && PosnetCheck(text, PosnetDisplayText(1, "SZUFLADA"))) return false;
@@ -127,4 +129,11 @@ uint8_t PosnetDrawer(JobRequest& job) {
   text = "SZUFLADA";
   if (job.drawerFlag != 1) return kJobDrawer;
   return RunPosnetCommand(job, text, [] { return PosnetDisplayText(1, "SZUFLADA"); }) ? 0 : kJobDrawer;
+}
+
+ReceiptSettle PosnetSettleAtPort(int port) {
+  PosnetOpen(port);
+  const ReceiptSettle settle = PosnetSettleReceipt();
+  PosnetClose();
+  return settle;
 }

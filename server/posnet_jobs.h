@@ -8,6 +8,7 @@
 
 #include "base/jobfile.h"
 #include "base/shorttext.h"
+#include "fiscal/settle.h"
 
 // Receipt width of the family: 24 for family 3, 40 otherwise.
 int PosnetReceiptWidth(int family);
@@ -31,3 +32,5 @@ uint8_t PosnetDailyReport(JobRequest& job);
 uint8_t PosnetPeriodReport(JobRequest& job);
 // Opens the drawer; refused at once unless the row's drawer flag is 1.
 uint8_t PosnetDrawer(JobRequest& job);
+// Opens the port and brings the printer out of a receipt left open.
+ReceiptSettle PosnetSettleAtPort(int port);

@@ -4,13 +4,19 @@
 #include "base/filevar.h"
 #include "base/paths.h"
 #include "base/platform.h"
+#include "server/jobs.h"
+#include "server/output.h"
 
 namespace {
 
-// Drops a job left from an earlier run; "." and ".." are never deleted, and a
-// failed deletion is of no concern.
+// Drops a job left from an earlier run with a line naming it; "." and ".." are
+// never deleted, and a failed deletion is of no concern.
 void DeleteStaleJobFile(const ShortText& jobPath) {
   if (jobPath == "." || jobPath == "..") return;
+  FileSearch search;
+  if (!search.First(jobPath, kAttrArchive)) return;
+  // A job lost this way is told: the application learns of it from the log only.
+  WriteLine("USUNIETO ZALEGLE ZADANIE " + jobPath + ": " + StaleJobText(jobPath));
   (void)DeleteFile(jobPath);
 }
 

@@ -1,5 +1,7 @@
 // The real fisksrv in polling mode, with a configuration, job files and a log
 // in a temporary directory.
+#include <cerrno>
+
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -165,10 +167,24 @@ TEST_F(PollingTest, LockedJobFileHoldsTheServerWithTheBreakNotice) {
   WriteJobFile(dir_ / "jobs/1", {Keyword("RAPDOB"), kJobKeywordEnd});
   ::chmod((dir_ / "jobs/1").c_str(), 0);
   if (::geteuid() == 0) ::chown((dir_ / "jobs/1").c_str(), 0, 0);
-  ASSERT_TRUE(WaitForLog("BLOKADA  [Ctrl+Break] - zakonczenie pracy servera\n")) << Log();
+  // The reason of the failed open stands beside the notice: EACCES.
+  ASSERT_TRUE(WaitForLog("BLOKADA  [Ctrl+Break] - zakonczenie pracy servera (" + std::to_string(EACCES) + ")\n"))
+      << Log();
   ::chmod((dir_ / "jobs/1").c_str(), 0644);
   ASSERT_TRUE(WaitForLog(" O.K.\n")) << Log();
   EXPECT_FALSE(PathExists(dir_ / "jobs/1"));
+}
+
+TEST_F(PollingTest, LockedJobFileThatIsTakenAwayEndsTheWait) {
+  auto server = StartLogged(Rows(1), /*asNobody=*/true);
+  WriteJobFile(dir_ / "jobs/1", {Keyword("RAPDOB"), kJobKeywordEnd});
+  ::chmod((dir_ / "jobs/1").c_str(), 0);
+  if (::geteuid() == 0) ::chown((dir_ / "jobs/1").c_str(), 0, 0);
+  ASSERT_TRUE(WaitForLog("BLOKADA")) << Log();
+  ::unlink((dir_ / "jobs/1").c_str());
+  // The server is free again: the next job is served.
+  WriteJobFile(dir_ / "jobs/1", {Keyword("SZUFLA"), kJobKeywordEnd});
+  ASSERT_TRUE(WaitForLog(" O.K.\n")) << Log();
 }
 
 TEST_F(PollingTest, UndeletableJobIsReportedAndStays) {

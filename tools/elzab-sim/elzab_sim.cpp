@@ -30,6 +30,7 @@
 #include <thread>
 
 #include "elzab_sim_core.h"
+#include "sim_process.h"
 
 namespace {
 
@@ -132,6 +133,7 @@ int ListenOn(const std::string& path) {
   addr.sun_family = AF_UNIX;
   std::memcpy(addr.sun_path, path.c_str(), path.size() + 1);
   ::unlink(path.c_str());
+  OwnPath(path);
   const int fd = ::socket(AF_UNIX, SOCK_STREAM, 0);
   if (fd < 0 || ::bind(fd, reinterpret_cast<sockaddr*>(&addr), sizeof addr) != 0 || ::listen(fd, 4) != 0)
     Usage("cannot listen on " + path);
@@ -144,12 +146,16 @@ int ListenOn(const std::string& path) {
   const int listener = ListenOn(cfg.socket);
   std::printf("%s\n", cfg.socket.c_str());
   std::fflush(stdout);
-  bool plugged = true;
   for (;;) {
     const int fd = ::accept(listener, nullptr, nullptr);
     if (fd < 0) continue;
-    if (plugged) plugged = printer.Serve(fd);
+    const bool plugged = printer.Serve(fd);
     ::close(fd);
+    if (plugged) continue;
+    // Unplugged: no connection is taken any more, so a controller that tries the
+    // line again finds no clear to send.
+    ::close(listener);
+    for (;;) ::pause();
   }
 }
 
@@ -165,7 +171,8 @@ void RunOnTerminal(const Config& cfg, Printer& printer) {
   if (keep < 0 || tcgetattr(keep, &raw) != 0) Usage("cannot open the slave side");
   cfmakeraw(&raw);
   tcsetattr(keep, TCSANOW, &raw);
-  ::unlink(cfg.link.c_str());
+  ::unlink(cfg.link.c_str());  // a stale link of an earlier run is replaced
+  OwnPath(cfg.link);
   if (::symlink(slave.c_str(), cfg.link.c_str()) != 0) Usage("cannot make the link");
   std::printf("%s\n", cfg.link.c_str());
   std::fflush(stdout);

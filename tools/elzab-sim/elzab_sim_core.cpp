@@ -131,7 +131,9 @@ const ElzabFaultRule* ElzabPrinterSim::FaultFor(int command) const {
 
 void ElzabPrinterSim::Receive(uint8_t b, std::string& out) {
   if (cmd_.empty() && b != kEsc) {
-    trace_.push_back("STRAY " + Hex(b));
+    // Line feeds between commands are passed over: a sender ends a command that
+    // it may have left half sent with them.
+    if (b != '\n') trace_.push_back("STRAY " + Hex(b));
     return;
   }
   cmd_ += static_cast<char>(b);
@@ -162,6 +164,13 @@ void ElzabPrinterSim::OnCommand(std::string& out) {
     trace_.push_back(std::string(code == 0x94 ? "STATUS 1" : "STATUS 2") + " -> " + std::to_string(status));
     out += static_cast<char>(status);
     return;
+  }
+  if (code == '#' && !inReceipt_) {
+    // Nothing to cancel: refused, and not numbered, so that a cancel sent just in
+    // case does not move the faults of the commands that follow it.
+    Refuse(0, 0);
+    out += kNak;
+    return trace_.push_back("CANCEL -> NAK (no receipt)");
   }
   ++commandCount_;
   const std::string what = "CMD " + std::to_string(commandCount_) + " " + CommandName(code);
@@ -200,7 +209,7 @@ bool ElzabPrinterSim::Execute() {
       return true;
     case '$': return Close();
     case '#':
-      if (inReceipt_) Journal("CANCELLED");
+      Journal("CANCELLED");
       inReceipt_ = false;
       return true;
     case '%':

@@ -17,7 +17,7 @@ enum class ElzabFaultKind {
 };
 
 struct ElzabFaultRule {
-  int command = 0;       // 1 = the first command; status questions are not counted
+  int command = 0;       // 1 = the first command; status questions and cancels outside a receipt are not counted
   bool onwards = false;  // also every later command
   ElzabFaultKind kind = ElzabFaultKind::kNak;
   uint8_t first = 0, second = 0;

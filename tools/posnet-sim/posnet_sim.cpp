@@ -24,6 +24,7 @@
 #include <string>
 
 #include "posnet_sim_core.h"
+#include "sim_process.h"
 
 namespace {
 
@@ -194,7 +195,8 @@ int main(int argc, char** argv) {
   cfmakeraw(&raw);
   tcsetattr(keep, TCSANOW, &raw);
   if (!cfg.link.empty()) {
-    ::unlink(cfg.link.c_str());
+    ::unlink(cfg.link.c_str());  // a stale link of an earlier run is replaced
+    OwnPath(cfg.link);
     if (::symlink(slave.c_str(), cfg.link.c_str()) != 0) Usage("cannot make the link");
   }
   FILE* journal = OpenLog(cfg.journal);

@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <cstring>
 #include <fstream>
 #include <string>
 
@@ -60,3 +61,21 @@ SimProcess::~SimProcess() { StopSimulator(pid_, dir_, {"journal", "trace", "link
 
 std::vector<std::string> SimProcess::Journal() const { return ReadLines(dir_ + "/journal"); }
 std::vector<std::string> SimProcess::Trace() const { return ReadLines(dir_ + "/trace"); }
+
+namespace {
+
+char gOwnedPath[4096] = {};
+
+void RemoveOwnedPathAndEnd(int) {
+  if (gOwnedPath[0] != '\0') ::unlink(gOwnedPath);
+  ::_exit(0);
+}
+
+}  // namespace
+
+void OwnPath(const std::string& path) {
+  std::snprintf(gOwnedPath, sizeof gOwnedPath, "%s", path.c_str());
+  struct sigaction sa {};
+  sa.sa_handler = RemoveOwnedPathAndEnd;
+  for (int sig : {SIGTERM, SIGINT, SIGHUP, SIGQUIT}) ::sigaction(sig, &sa, nullptr);
+}

@@ -33,3 +33,8 @@ int SpawnSimulator(std::vector<std::string> argv, std::string& firstLine);
 // Ends a simulator started by SpawnSimulator (pid -1: none) and removes its folder
 // with the named files in it.
 void StopSimulator(int pid, const std::string& folder, const std::vector<std::string>& files);
+
+// Makes path this simulator's own: it is removed when the process ends on
+// SIGTERM, SIGINT, SIGHUP or SIGQUIT, so that no link is left pointing at a
+// terminal number the system gives to another program next.
+void OwnPath(const std::string& path);
