@@ -49,7 +49,9 @@ class FreshTest : public CatalogueTest {
   int16_t Update(const char* v, int32_t n = -1) {
     EXPECT_EQ(PGRecGet(tbl_, rec_), 0);
     EXPECT_EQ(PGPutAlpha(rec_, 2, v), 0);
-    if (n >= 0) EXPECT_EQ(PGPutLong(rec_, 3, n), 0);
+    if (n >= 0) {
+      EXPECT_EQ(PGPutLong(rec_, 3, n), 0);
+    }
     return PGRecUpdate(tbl_, rec_);
   }
   int32_t Num() {
