@@ -1,5 +1,6 @@
-// Job files as the server finds them: the first record's keyword, a receipt's
-// records and each line's fields taken as the printer handlers take them.
+// Job files as the server finds them: the first record's keyword, a period
+// report's records, or a receipt's records and each line's fields taken as
+// the printer handlers take them.
 #include <cstddef>
 #include <cstdint>
 
@@ -8,6 +9,7 @@
 #include "fiscal/jobs_amounts.h"
 #include "fiscal/posnet_wire.h"
 #include "fuzz/fuzz_support.h"
+#include "server/job_records.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   // More than 50 line records is the reader's designed run-time error (the
@@ -19,7 +21,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (file.Reset(kFileModeReadOnly) != 0) return 0;
   ShortText first;
   if (!ReadJobRecord(file, first)) return 0;
-  (void)JobKindOfRecord(first);
+  if (JobKindOfRecord(first) == kJobPeriodReport) {
+    PeriodJob period;
+    (void)ReadPeriodJob(file, period);
+    return 0;
+  }
   ReceiptJob job;
   (void)ReadReceiptJob(file, job);
   for (int i = 0; i < job.lines; ++i) {
