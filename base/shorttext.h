@@ -33,7 +33,8 @@ class BasicShortText {
 
   // Byte at 1-based position; positions outside 1..Length() read as 0.
   constexpr unsigned char At(int pos) const {
-    return (pos >= 1 && pos <= len_) ? static_cast<unsigned char>(buf_[pos - 1]) : 0;
+    // pos <= Cap is implied by the length; said again, it lets the compiler see the bound.
+    return (pos >= 1 && pos <= len_ && pos <= Cap) ? static_cast<unsigned char>(buf_[pos - 1]) : 0;
   }
   // Writable byte at 1-based position 1..Cap (the caller keeps it in range).
   constexpr char& operator[](int pos) { return buf_[pos - 1]; }

@@ -14,17 +14,9 @@
 #include "tui/screen.h"
 #include "tui/term.h"
 
-namespace {
-std::atomic<long> g_allocations{0};
-}
+#include "bench/counting_new.h"
 
-void* operator new(std::size_t n) {
-  g_allocations.fetch_add(1, std::memory_order_relaxed);
-  if (void* p = std::malloc(n ? n : 1)) return p;
-  throw std::bad_alloc();
-}
-void operator delete(void* p) noexcept { std::free(p); }
-void operator delete(void* p, std::size_t) noexcept { std::free(p); }
+using bench_alloc::g_allocations;
 
 namespace {
 

@@ -205,7 +205,9 @@ void NormalizeConfig(ConfigValues& values) {
   ShortText payments = values.Text(kConfigLinePaymentDefaults);
   // An empty list counts as one empty field: the tail supplies fields 2 and 3.
   for (int field = std::max(CsvFieldCount(payments), 1) + 1; field <= 3; ++field) payments += kPaymentTail[field - 2];
-  values.SetText(kConfigLinePaymentDefaults, payments);
+  // A list whose quote stays open swallows the tail into its last field; it
+  // keeps its value, or it would grow by the tail at every start.
+  if (CsvFieldCount(payments) >= 3) values.SetText(kConfigLinePaymentDefaults, payments);
 }
 
 std::string FormatKonfigur(const ConfigValues& values, bool crlf, const ConfigDescriptionFiller& filler) {

@@ -113,9 +113,12 @@ void ShowCapsIndicator(bool on) {
   TextAttr(attr);
 }
 
-KeyPair FixedTranslation(KeyPair k) {
+constexpr KeyPair kCtrlV{22, 47};
+
+// keepPaste: an editor reads Ctrl+V as the paste it is; everywhere else it is End.
+KeyPair FixedTranslation(KeyPair k, bool keepPaste) {
   if (k == KeyPair{5, 18}) return KeyPair{10, 28};
-  if (k == KeyPair{22, 47}) return KeyPair{224, 79};
+  if (k == kCtrlV && !keepPaste) return KeyPair{224, 79};
   if (k == KeyPair{2, 48}) return KeyPair{127, 14};
   if (k == KeyPair{0, 6} || k == KeyPair{28, 43}) return KeyPair{224, 147};
   if (k == KeyPair{0, 165} || k == KeyPair{0, 20}) return KeyPair{0, 15};
@@ -128,7 +131,7 @@ KeyPair FixedTranslation(KeyPair k) {
 
 // Steps that every key read passes: modifiers on Tab, input code pages,
 // fixed translations.
-KeyPair ReadTranslated() {
+KeyPair ReadTranslated(bool keepPaste) {
   KeyPair k = NextPair();
   if (k == keys::kTab && (ShiftState() & 5)) k = keys::kShiftTab;
   if (Term().outCodePage == 2 && k.ch >= 134 && k.ch <= 228 && k.scan < 54) k.ch = Latin2ToMaz(k.ch);
@@ -137,7 +140,7 @@ KeyPair ReadTranslated() {
   } else {
     k = SingleByteLetter(k);
   }
-  return FixedTranslation(k);
+  return FixedTranslation(k, keepPaste);
 }
 
 bool IsExtended(KeyPair k, unsigned char scan) { return (k.ch == 0 || k.ch == 224) && k.scan == scan; }
@@ -182,6 +185,15 @@ KeyPair ModifiedKey(unsigned char modifierScan, KeyPair k) {
   return ControlKey(k);
 }
 
+// A key with the prefix key's combinations resolved.
+KeyPair ReadKeyPair(bool keepPaste) {
+  KeyPair k = ReadTranslated(keepPaste);
+  if (k != kGrave) return k;
+  KeyPair next = ReadTranslated(keepPaste);
+  if (next.scan != 30 && next.scan != 31 && next.scan != 46) return PrefixedKey(next);
+  return ModifiedKey(next.scan, ReadTranslated(keepPaste));
+}
+
 constexpr unsigned char kPolishAltScans[9] = {18, 24, 30, 31, 38, 44, 45, 46, 49};
 constexpr unsigned char kPolishAltLetters[9] = {0x91, 0xA2, 0x86, 0x9E, 0x92, 0xA7, 0xA6, 0x8D, 0xA4};
 
@@ -194,13 +206,7 @@ void KeyboardReset() {
 
 bool KeyPressed() { return g_ring.count > 0 || tui_detail::TerminalKeyWaiting(0); }
 
-KeyPair ReadKeyRaw() {
-  KeyPair k = ReadTranslated();
-  if (k != kGrave) return k;
-  KeyPair next = ReadTranslated();
-  if (next.scan != 30 && next.scan != 31 && next.scan != 46) return PrefixedKey(next);
-  return ModifiedKey(next.scan, ReadTranslated());
-}
+KeyPair ReadKeyRaw() { return ReadKeyPair(false); }
 
 void ReadKeyRaw(unsigned char& ch, unsigned char& scan) {
   KeyPair k = ReadKeyRaw();
@@ -209,7 +215,7 @@ void ReadKeyRaw(unsigned char& ch, unsigned char& scan) {
 }
 
 KeyPair ReadKeyEdit() {
-  KeyPair k = ReadKeyRaw();
+  KeyPair k = ReadKeyPair(true);
   if (unsigned char letter = k.ch == 0 ? PolishAltLetter(k.scan) : 0)
     k.ch = (ShiftState() & 1) ? MazUpCase(letter) : letter;
   return k;

@@ -16,11 +16,12 @@ inline constexpr int kKeyBufferSize = 32;
 void KeyboardReset();
 // True if the key buffer holds a key or the terminal has input waiting.
 bool KeyPressed();
-// One key pair after all translation: the key buffer first, then the
-// terminal. With no terminal input possible (end of input) the key is Esc.
+// One key pair after all translation (Ctrl+V becomes End): the key buffer
+// first, then the terminal. With no terminal input possible (end of input) the key is Esc.
 KeyPair ReadKeyRaw();
 void ReadKeyRaw(unsigned char& ch, unsigned char& scan);
-// ReadKeyRaw, and a Polish Alt key gives its small letter, capital with Shift held.
+// The key of an editor: ReadKeyRaw, except that Ctrl+V stays (22, 47), the
+// paste, and a Polish Alt key gives its small letter, capital with Shift held.
 KeyPair ReadKeyEdit();
 // ReadKeyRaw, and a Polish Alt key gives its capital letter.
 KeyPair ReadKeyUpper();

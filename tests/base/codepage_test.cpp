@@ -144,7 +144,9 @@ TEST(CodePage, ScreenBlanksWhatItCannotShow) {
     unsigned char out = MazToIsoScreen(c);
     bool listed = IsPolishLetter(c) || c == 0x9B || c == 0xB3 || c == 0xDD || c == 0xDE || c == 0xC4 ||
                   c == 0xD9 || c == 0xDB || c == 0xDC || c == 0xDF || c == 0xFB;
-    if (!listed) EXPECT_EQ(out, ' ') << b;
+    if (!listed) {
+      EXPECT_EQ(out, ' ') << b;
+    }
   }
   EXPECT_EQ(MazToIsoScreen(0xAD), ' ') << "the system's own letters are not among the screen's rows";
   EXPECT_EQ(MazToIsoScreen(0xFB), '<');

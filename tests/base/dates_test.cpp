@@ -132,7 +132,9 @@ TEST(DaySerial, RoundTripOverEveryDayOfTheRange) {
         if (!TryEncodeDaySerial(year, month, day, s)) continue;
         ASSERT_TRUE(DecodeDaySerial(s, y, m, d));
         ASSERT_EQ(y * 10000 + m * 100 + d, year * 10000 + month * 100 + day);
-        if (year == 1) ASSERT_EQ(s, expected++) << "consecutive days";
+        if (year == 1) {
+          ASSERT_EQ(s, expected++) << "consecutive days";
+        }
       }
     }
   }

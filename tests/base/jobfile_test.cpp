@@ -89,44 +89,31 @@ TEST_F(JobFileTest, ReceiptReadsItsRecords) {
   EXPECT_EQ(job.line[1].Str(), "\"Towar 2\",1,\"A\",12.5,szt");
 }
 
-TEST_F(JobFileTest, ReceiptFailsWhenTheCountDisagrees) {
-  WriteJob(Receipt(3, 2));
-  FileVar f;
-  OpenAtRecord2(f);
-  ReceiptJob job;
-  EXPECT_FALSE(ReadReceiptJob(f, job));
-  EXPECT_EQ(job.lines, 2);
-}
-
-TEST_F(JobFileTest, ReceiptWithoutEndRecordStopsAtTheEndOfTheFile) {
-  WriteJob(Receipt(2, 2, /*withEnd=*/false));
-  FileVar f;
-  OpenAtRecord2(f);
-  ReceiptJob job;
-  EXPECT_TRUE(ReadReceiptJob(f, job));
-
-  // A partial last record ends the lines too; then the count no longer fits.
-  WriteJob(Receipt(2, 2, false), 8 * kJobRecordSize + 100);
-  OpenAtRecord2(f);
-  EXPECT_FALSE(ReadReceiptJob(f, job));
-  EXPECT_EQ(job.lines, 1);
-}
-
-TEST_F(JobFileTest, ReceiptFailsOnAShortHeadRecord) {
-  WriteJob(Receipt(0, 0), 6 * kJobRecordSize + 255);  // record 7 one byte short
-  FileVar f;
-  OpenAtRecord2(f);
-  ReceiptJob job;
-  EXPECT_FALSE(ReadReceiptJob(f, job));
-}
-
-TEST_F(JobFileTest, ReceiptTakesFiftyLines) {
-  WriteJob(Receipt(kReceiptMaxLines, kReceiptMaxLines));
-  FileVar f;
-  OpenAtRecord2(f);
-  ReceiptJob job;
-  EXPECT_TRUE(ReadReceiptJob(f, job));
-  EXPECT_EQ(job.lines, 50);
+TEST_F(JobFileTest, ReceiptOutcomeByCountEndAndShortRecords) {
+  struct Case {
+    const char* what;
+    int count, lines;
+    bool withEnd;
+    int cutTo;  // file size, -1 for whole records
+    bool ok;
+    int linesKept;
+  } cases[] = {
+      {"count disagrees", 3, 2, true, -1, false, 2},
+      {"no end record: the file's end ends the lines", 2, 2, false, -1, true, 2},
+      {"a partial last record ends the lines too", 2, 2, false, 8 * kJobRecordSize + 100, false, 1},
+      {"record 7 one byte short", 0, 0, true, 6 * kJobRecordSize + 255, false, -1},
+      {"fifty lines", kReceiptMaxLines, kReceiptMaxLines, true, -1, true, kReceiptMaxLines},
+  };
+  for (const Case& c : cases) {
+    WriteJob(Receipt(c.count, c.lines, c.withEnd), c.cutTo);
+    FileVar f;
+    OpenAtRecord2(f);
+    ReceiptJob job;
+    EXPECT_EQ(ReadReceiptJob(f, job), c.ok) << c.what;
+    if (c.linesKept >= 0) {
+      EXPECT_EQ(job.lines, c.linesKept) << c.what;
+    }
+  }
 }
 
 TEST_F(JobFileTest, FiftyFirstLineIsARunTimeError) {

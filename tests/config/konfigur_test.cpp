@@ -140,6 +140,7 @@ TEST(ConfigNormalize, PaymentListGetsOnlyTheMissingFields) {
       {"a,b", "a,b,\"przel.dla odb.\""},
       {"a,b,c", "a,b,c"},
       {"a,b,c,d", "a,b,c,d"},
+      {"znakiem \"", "znakiem \""},  // an open quote would take the tail in
   };
   for (const auto& [before, after] : cases) {
     ConfigValues values;

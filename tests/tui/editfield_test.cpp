@@ -11,7 +11,7 @@ using namespace form_test;
 
 constexpr KeyPair kCtrlBackspace{127, 14};
 constexpr KeyPair kCtrlC{3, 46};
-constexpr KeyPair kPaste{22, 0};  // the paste code; the terminal's Ctrl+V arrives as End
+constexpr KeyPair kPaste{22, 47};  // Ctrl+V, which only editors read as paste
 
 class EditFieldTest : public form_test::FormTest {
  protected:

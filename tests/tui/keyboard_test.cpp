@@ -190,6 +190,17 @@ TEST_F(KeyboardTest, AloneEscAfterAPauseIsTheEscKeyAndEndOfInputReadsAsEsc) {
   EXPECT_EQ(ReadKeyRaw(), keys::kEsc);
 }
 
+TEST_F(KeyboardTest, CtrlVIsPasteOnlyInEditorReads) {
+  const KeyPair ctrlV{22, 47}, grave{0x60, 41};
+  for (auto read : {ReadKeyEdit, ReadKeyUpper, +[] { return ReadKeyRaw(); }}) {
+    (void)PushKey(ctrlV.ch, ctrlV.scan);
+    EXPECT_EQ(read(), read == ReadKeyEdit ? ctrlV : keys::kEnd);
+  }
+  (void)PushKey(grave.ch, grave.scan);
+  (void)PushKey(ctrlV.ch, ctrlV.scan);
+  EXPECT_EQ(ReadKeyEdit(), ctrlV) << "behind the prefix key too";
+}
+
 TEST_F(KeyboardTest, PolishAltKeysGiveLettersInEditAndUpperReads) {
   const unsigned char small[] = {0x91, 0xA2, 0x86, 0x9E, 0x92, 0xA7, 0xA6, 0x8D, 0xA4};
   const unsigned char scans[] = {18, 24, 30, 31, 38, 44, 45, 46, 49};

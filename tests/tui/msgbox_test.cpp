@@ -54,7 +54,7 @@ class MessageBoxTest : public tui_test::TuiTest {
   void SetUp() override {
     TuiTest::SetUp();
     tui_test::InitTerminal("linux");  // special font: the frame's bytes stay as drawn
-    FillBackground();
+    tui_test::FillBackground(0x1F);
   }
   void TearDown() override {
     SetKeyIdleHook(nullptr);
@@ -64,16 +64,6 @@ class MessageBoxTest : public tui_test::TuiTest {
     g_answer = std::move(keys);
     g_seen = ScreenState{};
     SetKeyIdleHook(LookThenAnswer);
-  }
-  // A background of known bytes in many attributes, to see what a box restores.
-  static void FillBackground() {
-    for (int r = 1; r <= 25; ++r) {
-      TextAttr(static_cast<unsigned char>(0x10 + r));
-      WriteAt(1, r, ShortText(std::string(80, static_cast<char>('a' + r % 26))));
-    }
-    Window(3, 4, 60, 20);
-    GotoXY(5, 6);
-    TextAttr(0x1F);
   }
   static std::string Seen(int row, int first, int count) {
     return std::string(g_seen.rows[row].View().substr(first - 1, count));

@@ -188,13 +188,7 @@ TEST_F(PickListTest, HelpAfterByteSevenOpensOnF1) {
 }
 
 TEST_F(PickListTest, ScreenWindowAttributeAndCursorAsFound) {
-  for (int r = 1; r <= 25; ++r) {
-    TextAttr(static_cast<unsigned char>(0x10 + r));
-    WriteAt(1, r, ShortText(std::string(80, static_cast<char>('a' + r % 26))));
-  }
-  Window(3, 4, 60, 20);
-  GotoXY(5, 6);
-  TextAttr(0x2A);
+  tui_test::FillBackground(0x2A);
   Snapshot before = Capture();
   Play({{keys::kDown, keys::F(1)}, {keys::kEsc}, {keys::kEnter}});
   EXPECT_EQ(Pick(kThree, 1, 1, 0, 0, ShortText("T\x07H")), 2);

@@ -55,4 +55,16 @@ inline std::string Cells(int row, int first, int count) {
 inline unsigned char AttrAt(int col, int row) { return static_cast<unsigned char>(RowAttrs(row).At(col)); }
 inline unsigned char CharAt(int col, int row) { return static_cast<unsigned char>(RowText(row).At(col)); }
 
+// A background of known bytes in a different attribute on every row, a window
+// and a cursor inside it and the attribute given: what a box must give back.
+inline void FillBackground(unsigned char attr) {
+  for (int r = 1; r <= 25; ++r) {
+    TextAttr(static_cast<unsigned char>(0x10 + r));
+    WriteAt(1, r, ShortText(std::string(80, static_cast<char>('a' + r % 26))));
+  }
+  Window(3, 4, 60, 20);
+  GotoXY(5, 6);
+  TextAttr(attr);
+}
+
 }  // namespace tui_test

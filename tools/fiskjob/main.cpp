@@ -24,6 +24,18 @@ constexpr NamedKind kKinds[] = {{"PARAGON", kJobReceipt},    {"RAPDOB", kJobDail
                                 {"RAPOKR", kJobPeriodReport}, {"SZUFLA", kJobDrawer},
                                 {"BRAK_DANYCH", kJobWithdrawn}, {"CZEKAJ", kJobNone}};
 
+constexpr const char kUsage[] =
+    "usage: fiskjob <job file> <PARAGON|RAPDOB|RAPOKR|SZUFLA|BRAK_DANYCH|CZEKAJ> [record ...]\n"
+    "Writes a job file for fisksrv as the application does; records in UTF-8.\n"
+    "PARAGON (receipt) records, in this order:\n"
+    "  number of lines, total in grosz, cashier code, cashier name,\n"
+    "  payment form (\" gotówką\" with its leading blank is cash), document number (may be \"\"),\n"
+    "  then one record per line: \"name\",quantity,\"VAT letter\",price in zloty,unit\n"
+    "RAPOKR (period report): date from, date to (DD-MM-YYYY), FISK or NFISK\n"
+    "RAPDOB (daily report), SZUFLA (drawer), BRAK_DANYCH (withdrawn): no records\n"
+    "CZEKAJ: the job stays unpublished, and the server leaves it alone\n"
+    "Example: fiskjob srvfisk/1 PARAGON 1 500 01J Jan \" gotówką\" \"\" '\"Chleb\",1,\"A\",5,szt'\n";
+
 int Fail(const char* what, const char* path) {
   std::fprintf(stderr, "fiskjob: %s: %s\n", what, path);
   return 1;
@@ -32,8 +44,12 @@ int Fail(const char* what, const char* path) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  if (argc == 2 && (std::strcmp(argv[1], "--help") == 0 || std::strcmp(argv[1], "-h") == 0)) {
+    std::fputs(kUsage, stdout);
+    return 0;
+  }
   if (argc < 3) {
-    std::fprintf(stderr, "usage: fiskjob <job file> <PARAGON|RAPDOB|RAPOKR|SZUFLA|BRAK_DANYCH|CZEKAJ> [record ...]\n");
+    std::fputs(kUsage, stderr);
     return 2;
   }
   const NamedKind* named = nullptr;
