@@ -38,9 +38,15 @@ LineAmounts AmountsOf(const DocLine& line, TotalMethod method, int rate) {
 
 }  // namespace
 
-Real LineValue(Real quantity, Real price) { return RoundHalfAway(100 * quantity * price) / 100; }
+Real LineValue(Real quantity, Real price) { return RoundMoney(quantity * price); }
 
-Real RoundMoney(Real value) { return RoundHalfAway(100 * value) / 100; }
+// The binary noise of a product such as 3 * 1.115 is taken off at a
+// millionth of the unit first, so that a value that is a half grosz in
+// decimal rounds up as it does on paper.
+Real RoundMoney(Real value) {
+  const Real cents = RoundHalfAway(value * 1000000) / 10000;
+  return RoundHalfAway(cents) / 100;
+}
 
 int VatGroupKey(const ShortText& vat) { return static_cast<int>(VatRateOf(vat)); }
 

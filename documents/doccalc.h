@@ -36,9 +36,9 @@ struct DocLine {
   Real catalogueNet = 0, catalogueGross = 0;  // the catalogue's sale prices at the save
 };
 
-// RoundHalfAway(100 * quantity * price) / 100.
+// RoundHalfAway(100 * quantity * price) / 100, on the decimal value of the product.
 Real LineValue(Real quantity, Real price);
-// A money value rounded to the grosz.
+// A money value rounded half away from zero to the grosz, as its decimal value would be.
 Real RoundMoney(Real value);
 
 struct VatGroup {

@@ -15,7 +15,7 @@ namespace {
 
 using docdetail::DateLiteral;
 using docdetail::SqlTable;
-using docdetail::TextLiteral;
+using savedetail::TextSql;
 using savedetail::NumberSql;
 
 // The save's transaction: the outer logical transaction and the waiting
@@ -52,18 +52,18 @@ class SaveTransaction {
 };
 
 ShortText Cut(const ShortText& text, int width) { return text.Copy(1, width); }
-std::string Char(char c) { return c ? TextLiteral(ShortText(std::string(1, c))) : "''"; }
+std::string Char(char c) { return c ? TextSql(ShortText(std::string(1, c))) : "''"; }
 
 // The header row of naglowki, columns 1 to 26 in order.
 std::string HeaderValues(const DocumentHeader& h, Real total) {
-  return std::to_string(h.kind) + "," + std::to_string(h.coded) + "," + TextLiteral(Cut(h.mark, 4)) + "," +
+  return std::to_string(h.kind) + "," + std::to_string(h.coded) + "," + TextSql(Cut(h.mark, 4)) + "," +
          DateLiteral(h.date) + ",0,0,''," + NumberSql(total) + "," +
          DateLiteral(h.saleDate ? h.saleDate : h.date) + "," + DateLiteral(h.settleDate ? h.settleDate : h.date) +
-         "," + std::to_string(h.contractor) + "," + TextLiteral(Cut(h.contractorName, 17)) + "," +
+         "," + std::to_string(h.contractor) + "," + TextSql(Cut(h.contractorName, 17)) + "," +
          std::to_string(h.operatorNumber) + "," + std::to_string(h.otherWarehouse) + "," +
-         TextLiteral(Cut(h.payment, 15)) + "," + TextLiteral(Cut(h.extraName, 15)) + "," +
-         TextLiteral(Cut(h.extraNumber, 17)) + "," + Char(h.deposit) + "," + Char(h.cash) + "," +
-         TextLiteral(h.comment) + ",'" + kPGBlankDate + "'," + Char(kHeaderUnlocked) + "," +
+         TextSql(Cut(h.payment, 15)) + "," + TextSql(Cut(h.extraName, 15)) + "," +
+         TextSql(Cut(h.extraNumber, 17)) + "," + Char(h.deposit) + "," + Char(h.cash) + "," +
+         TextSql(h.comment) + ",'" + kPGBlankDate + "'," + Char(kHeaderUnlocked) + "," +
          std::to_string(static_cast<double>(std::time(nullptr))) + ",'',0,'N'";
 }
 
@@ -71,12 +71,12 @@ std::string HeaderValues(const DocumentHeader& h, Real total) {
 std::string LineValues(const DocumentHeader& h, const DocLine& line, int position) {
   const ItemData& i = line.item;
   const bool deposit = h.deposit == 'T';
-  return "(DEFAULT," + std::to_string(h.kind) + "," + std::to_string(h.coded) + "," + TextLiteral(Cut(h.mark, 4)) + "," +
+  return "(DEFAULT," + std::to_string(h.kind) + "," + std::to_string(h.coded) + "," + TextSql(Cut(h.mark, 4)) + "," +
          std::to_string(position) + "," + DateLiteral(h.date) + ",'','','','',''," + std::to_string(i.number) + "," +
-         TextLiteral(Cut(i.vat, 5)) + "," + TextLiteral(Cut(i.sww, 10)) + "," + NumberSql(line.quantity) + "," +
+         TextSql(Cut(i.vat, 5)) + "," + TextSql(Cut(i.sww, 10)) + "," + NumberSql(line.quantity) + "," +
          NumberSql(i.buyNet) + "," + NumberSql(i.buyGross) + "," + NumberSql(i.saleNet) + "," +
          NumberSql(i.saleGross) + "," + NumberSql(line.catalogueNet) + "," + NumberSql(line.catalogueGross) +
-         ",''," + NumberSql(deposit ? line.quantity : 0) + "," + TextLiteral(Cut(i.vatPayer, 1)) + "," +
+         ",''," + NumberSql(deposit ? line.quantity : 0) + "," + TextSql(Cut(i.vatPayer, 1)) + "," +
          std::to_string(i.supplier) + ")";
 }
 
@@ -166,7 +166,7 @@ int16_t KeyTaken(const ShortText& naglowki, const DocumentHeader& h, bool& taken
   bool isNull = true;
   const int16_t code = docdetail::QueryValue(
       "SELECT 1 FROM " + SqlTable(naglowki) + " WHERE typ_dok=" + std::to_string(h.kind) + " AND nr_dok=" +
-          std::to_string(h.coded) + " AND znak_dok=" + TextLiteral(Cut(h.mark, 4)) + " LIMIT 1",
+          std::to_string(h.coded) + " AND znak_dok=" + TextSql(Cut(h.mark, 4)) + " LIMIT 1",
       value, isNull);
   taken = !isNull;
   return code;

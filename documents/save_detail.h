@@ -12,6 +12,8 @@
 
 namespace savedetail {
 
+// A Mazovia text as a quoted SQL literal in the database's code page.
+std::string TextSql(const ShortText& text);
 // A quantity or price as an SQL number with seven decimals.
 std::string NumberSql(Real value);
 // A number of a result cell; 0 when it does not parse.

@@ -85,7 +85,7 @@ int16_t ComputeSavedTotals(int32_t warehouse, int kind, int32_t coded, const Sho
       "SELECT nr_towaru,vat,ilosc,c_zak_netto,c_zak_brutto,c_spr_netto,c_spr_brutto,c_spr_n_katal,c_spr_b_katal "
       "FROM " + docdetail::SqlTable(WarehouseTablePath(warehouse, "specyfik")) + " WHERE typ_dok=" +
           std::to_string(kind) + " AND nr_dok=" + std::to_string(coded) + " AND znak_dok=" +
-          docdetail::TextLiteral(mark) + " ORDER BY pozycja",
+          savedetail::TextSql(mark) + " ORDER BY pozycja",
       res);
   if (code != 0) return code;
   std::vector<DocLine> lines(static_cast<std::size_t>(res.Rows()));

@@ -6,6 +6,7 @@
 #include "documents/docdetail.h"
 #include "documents/save_detail.h"
 #include "master/tables.h"
+#include "sqltable/pgrecord.h"
 #include "sqltable/pgtable.h"
 #include "users/users.h"
 
@@ -21,6 +22,12 @@ std::string SqlOf(const ShortText& path) { return docdetail::SqlTable(path); }
 }  // namespace
 
 namespace savedetail {
+
+std::string TextSql(const ShortText& text) {
+  std::string bytes = text.Str();
+  MazToDbInPlace(bytes.data(), bytes.size());
+  return PGValueLiteral(PGKind::Text, bytes);
+}
 
 std::string NumberSql(Real value) {
   char buf[64];
@@ -45,14 +52,14 @@ std::string WorkColumns() {
 
 std::string WorkValues(const DocLine& line) {
   const ItemData& i = line.item;
-  using docdetail::TextLiteral;
-  std::string v = TextLiteral(i.name) + "," + TextLiteral(i.name2) + "," + NumberSql(i.buyNet) + "," +
-                  NumberSql(i.buyGross) + "," + TextLiteral(i.vat) + "," + TextLiteral(i.sww) + "," +
-                  TextLiteral(i.vatPayer) + "," + std::to_string(i.number) + "," + TextLiteral(i.code) + "," +
-                  std::to_string(i.digitIndex) + "," + std::to_string(i.supplier) + "," + TextLiteral(i.place);
-  for (const ShortText& k : i.keys) v += "," + TextLiteral(k);
+  using savedetail::TextSql;
+  std::string v = TextSql(i.name) + "," + TextSql(i.name2) + "," + NumberSql(i.buyNet) + "," +
+                  NumberSql(i.buyGross) + "," + TextSql(i.vat) + "," + TextSql(i.sww) + "," +
+                  TextSql(i.vatPayer) + "," + std::to_string(i.number) + "," + TextSql(i.code) + "," +
+                  std::to_string(i.digitIndex) + "," + std::to_string(i.supplier) + "," + TextSql(i.place);
+  for (const ShortText& k : i.keys) v += "," + TextSql(k);
   v += "," + NumberSql(i.saleNet) + "," + NumberSql(i.saleGross) + "," + NumberSql(line.quantity) + "," +
-       TextLiteral(i.unit) + "," + NumberSql(i.packQuantity) + "," + TextLiteral(i.supplierText) + "," +
+       TextSql(i.unit) + "," + NumberSql(i.packQuantity) + "," + TextSql(i.supplierText) + "," +
        NumberSql(i.ordered);
   return v;
 }

@@ -25,6 +25,8 @@ TEST(SaveCalcTest, LineValuesRoundEachLineToTheGrosz) {
   } const cases[] = {
       {1, 0.125L, 0.13L}, {-1, 0.125L, -0.13L}, {0.5L, 0.01L, 0.01L}, {3, 33.333L, 100.00L},
       {0, 99.99L, 0},     {1000, 0.0049L, 4.9L}, {2, 0.0024L, 0},
+      {3, 1.115L, 3.35L},  // 3.345 in decimal: a half grosz goes up
+      {1, 0.005L, 0.01L}, {-1, 0.005L, -0.01L}, {7, 0.335L, 2.35L},
   };
   for (const Case& c : cases) EXPECT_NEAR(static_cast<double>(LineValue(c.q, c.price)), static_cast<double>(c.value), 1e-9)
       << static_cast<double>(c.q) << " x " << static_cast<double>(c.price);
