@@ -3,6 +3,7 @@
 
 #include <iterator>
 
+#include "documents/docentry.h"
 #include "master/items.h"
 #include "tui/msgbox.h"
 #include "users/users.h"
@@ -16,6 +17,12 @@ using OperationFn = void (*)(AppState&);
 void DocumentEntry(AppState& state) {
   if (!WarehouseReady(state)) return;
   NotYetAvailable(state);
+}
+
+// New goods documents of the current warehouse.
+void NewGoodsDocuments(AppState& state) {
+  if (!WarehouseReady(state)) return;
+  ::DocumentEntry(state.warehouse);
 }
 
 void ManageUsers(AppState&) { (void)UserList(UserListMode::kManage); }
@@ -33,8 +40,8 @@ struct Operation {
 
 // One row per operation, in the order of MenuOp. Modules plug in here.
 constexpr Operation kOperations[] = {
-    {MenuOp::kNewDocuments, DocumentEntry},
-    {MenuOp::kDocuments, DocumentEntry},
+    {MenuOp::kNewDocuments, NewGoodsDocuments},
+    {MenuOp::kDocuments, NewGoodsDocuments},
     {MenuOp::kChooseWarehouse, NotYetAvailable},
     {MenuOp::kGoodsCatalogue, GoodsCatalogue},
     {MenuOp::kWorkFiles, NotYetAvailable},

@@ -1,6 +1,8 @@
 // The start-up steps of klote.
 #include "app/startup.h"
 
+#include <cstdlib>
+
 #include "app/menu.h"
 #include "config/fieldlists.h"
 #include "config/konfigur.h"
@@ -67,9 +69,12 @@ bool LogIn(AppState&) { return SessionLogin(); }
 // Placeholder until the printer configuration is read here.
 bool ReadPrinterConfiguration(AppState&) { return true; }
 
-// Placeholder until the choice of the current warehouse comes here; it will
-// set state.warehouse and state.warehouseSpecial.
-bool ChooseWarehouse(AppState&) { return true; }
+// Until the choice of the current warehouse comes here, the installation may
+// name the warehouse to start with in KLOTE_WAREHOUSE; else none is chosen.
+bool ChooseWarehouse(AppState& state) {
+  if (const char* number = std::getenv("KLOTE_WAREHOUSE")) state.warehouse = static_cast<int32_t>(std::atol(number));
+  return true;
+}
 
 bool RunMenuBar(AppState& state) {
   MenuBar(state.menu, state);
