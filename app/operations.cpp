@@ -3,6 +3,7 @@
 
 #include <iterator>
 
+#include "documents/docentry.h"
 #include "documents/payments.h"
 #include "exchange/workfile.h"
 #include "master/contractor_screens.h"
@@ -14,13 +15,6 @@
 namespace {
 
 using OperationFn = void (*)(AppState&);
-
-// Goods and cash documents belong to a warehouse: they need the current one
-// before anything else is asked.
-void DocumentEntry(AppState& state) {
-  if (!WarehouseReady(state)) return;
-  NotYetAvailable(state);
-}
 
 void CashDocuments(AppState& state) {
   if (WarehouseReady(state)) PaymentDocuments(state.warehouse);
@@ -34,6 +28,12 @@ void DepositSettlement(AppState& state) {
 void WorkFiles(AppState& state) {
   if (!WarehouseReady(state)) return;
   WorkFileMenu(state.warehouse);
+}
+
+// New goods documents of the current warehouse.
+void NewGoodsDocuments(AppState& state) {
+  if (!WarehouseReady(state)) return;
+  ::DocumentEntry(state.warehouse);
 }
 
 void ManageUsers(AppState&) { (void)UserList(UserListMode::kManage); }
@@ -59,8 +59,8 @@ struct Operation {
 
 // One row per operation, in the order of MenuOp. Modules plug in here.
 constexpr Operation kOperations[] = {
-    {MenuOp::kNewDocuments, DocumentEntry},
-    {MenuOp::kDocuments, DocumentEntry},
+    {MenuOp::kNewDocuments, NewGoodsDocuments},
+    {MenuOp::kDocuments, NewGoodsDocuments},
     {MenuOp::kChooseWarehouse, ChooseWarehouseEntry},
     {MenuOp::kGoodsCatalogue, GoodsCatalogue},
     {MenuOp::kWorkFiles, WorkFiles},

@@ -1,6 +1,8 @@
 // The start-up steps of klote.
 #include "app/startup.h"
 
+#include <cstdlib>
+
 #include "app/menu.h"
 #include "config/fieldlists.h"
 #include "config/konfigur.h"

@@ -1,0 +1,43 @@
+// Inside the save and the entry: SQL pieces of document lines and the
+// links to the fiscal flow and the payments. Other folders do not include it.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "documents/docsave.h"
+#include "sqltable/pgconn.h"
+
+namespace savedetail {
+
+// A Mazovia text as a quoted SQL literal in the database's code page.
+std::string TextSql(const ShortText& text);
+// A quantity or price as an SQL number with seven decimals.
+std::string NumberSql(Real value);
+// A number of a result cell; 0 when it does not parse.
+Real RealOf(std::string_view text);
+int64_t IntOf(std::string_view text);
+// A text cell in Mazovia.
+ShortText TextOf(const PGResult& res, int r, int c);
+
+// The column list of the work table ("nazwa,nazwa_,...,il_zamowiona").
+std::string WorkColumns();
+// The values of a line in the order of WorkColumns, as SQL literals.
+std::string WorkValues(const DocLine& line);
+// The line of result row r whose columns begin at c with the row id, then WorkColumns.
+DocLine WorkLineOf(const PGResult& res, int r, int c);
+
+// --- Links to the modules that meet the save ---
+// What the fiscal sale flow answered.
+enum class FiscalAnswer : int8_t { kNotNeeded, kPrinted, kFailed };
+// The one call site of the fiscal sale flow for a document of kind 1, 2 or 4.
+FiscalAnswer RunFiscalSaleForDocument(const DocumentHeader& header, std::span<const DocLine> lines,
+                                      const DocumentTotals& totals);
+// The one call site of the payment of a saved document; runs inside the
+// save's transaction under its locks; the layer's code.
+[[nodiscard]] int16_t WriteDocumentPayment(int32_t warehouse, const DocumentHeader& header,
+                                           const DocumentTotals& totals);
+
+}  // namespace savedetail
