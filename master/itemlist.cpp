@@ -19,6 +19,35 @@
 #include "tui/screen.h"
 #include "tui/term.h"
 
+namespace items_detail {
+
+// A box with one line whose field is the run of '-' (or of trailing blanks)
+// in the text; the edited value, false for Esc.
+bool AskInLine(const ShortText& text, int mode, ShortText& value) {
+  const ScreenKeeper keeper;
+  const std::string_view view = text.View();
+  std::size_t start = view.find('-');
+  if (start == std::string_view::npos) start = view.find_last_not_of(' ') + 2;
+  if (start >= view.size()) return false;
+  const std::size_t end = view.find_last_not_of(view[start] == '-' ? ' ' : '\0');
+  const int width = static_cast<int>((view[start] == '-' ? view.find_last_of('-') + 1 : end + 1) - start);
+  (void)MessageBox(text, 2);
+  GotoXY(2 + static_cast<int>(start), 2);
+  unsigned char key = 0;
+  value.Clear();
+  return EditField(mode, 1, view[start] == '-' ? '-' : ' ', width, value, key) != 27;
+}
+
+void Checked(int16_t code) {
+  if (code != 0) CheckDBError(code);
+}
+
+}  // namespace items_detail
+
+using items_detail::AskInLine;
+using items_detail::Checked;
+using items_detail::ScreenKeeper;
+
 namespace {
 
 constexpr int kRows = 20;
@@ -33,52 +62,11 @@ const ShortText kNameSearch = "Wprowadź początek szukanej nazwy: -------------
 const ShortText kFragmentSearch = "Wprowadź ciąg znaków z nazwy: --------------------------------------------- "_mz;
 const ShortText kIndexSearch = "Wprowadź szukany indeks cyfrowy:                 "_mz;
 
-// Screen, window, attribute and cursor as they were, given back at the end.
-class ScreenKeeper {
- public:
-  ScreenKeeper() : window_(CurrentWindow()), x_(WhereX()), y_(WhereY()), attr_(CurrentAttr()) { ScreenSave(copy_); }
-  ~ScreenKeeper() {
-    ScreenRestore(copy_);
-    Window(window_.left, window_.top, window_.right, window_.bottom);
-    GotoXY(x_, y_);
-    TextAttr(attr_);
-    TermFlush();
-  }
-  ScreenKeeper(const ScreenKeeper&) = delete;
-  ScreenKeeper& operator=(const ScreenKeeper&) = delete;
-
- private:
-  ScreenCopyPtr copy_;
-  WindowRect window_;
-  int x_, y_;
-  unsigned char attr_;
-};
-
-void Checked(int16_t code) {
-  if (code != 0) CheckDBError(code);
-}
-
 ShortText RowText(const ItemListRow& row) {
   const ShortText name = (TrimRight(row.item.name, ' ') + " "_mz + row.item.name2).Copy(1, 27);
   return " " + PadRight(name, " ", 27) + " " + IntText(row.item.digitIndex, 15) + " " +
          PadRight(row.item.code.Copy(1, 13), " ", 13) + " " + FormatFixed(10, 3, row.quantity) + " " +
          FormatFixed(10, 2, row.saleGross);
-}
-
-// A box with one line whose field is the run of '-' (or of trailing blanks)
-// in the text; the edited value, false for Esc.
-bool AskInLine(const ShortText& text, int mode, ShortText& value) {
-  const ScreenKeeper keeper;
-  const std::string_view view = text.View();
-  std::size_t start = view.find('-');
-  if (start == std::string_view::npos) start = view.find_last_not_of(' ') + 2;
-  const std::size_t end = view.find_last_not_of(view[start] == '-' ? ' ' : '\0');
-  const int width = static_cast<int>((view[start] == '-' ? view.find_last_of('-') + 1 : end + 1) - start);
-  (void)MessageBox(text, 2);
-  GotoXY(2 + static_cast<int>(start), 2);
-  unsigned char key = 0;
-  value.Clear();
-  return EditField(mode, 1, view[start] == '-' ? '-' : ' ', width, value, key) != kEsc;
 }
 
 class CatalogueScreen {
