@@ -213,3 +213,27 @@ ItemListKey ItemListKeyOf(const ItemListRow& row);
 // --- Screens ---
 // The "Katalog towarów" function over the current warehouse.
 void ItemCatalogue(int32_t warehouse);
+// The form "Dopisanie nowej kartoteki towarowej:"; the key fields are open to
+// everyone, the purchase price to those who may see purchase prices. True
+// with the new item's number when it was added.
+bool AddItem(int32_t warehouse, const ItemRules& rules, int32_t& number);
+// The form "Korekta danych ...": key fields for those who may edit the
+// catalogue's key, purchase price for those who may see purchase prices;
+// then the scope question and the change. True when the change was written.
+bool EditItem(int32_t warehouse, int32_t number);
+// Deletes the shown item after the questions (full rights only); true when it went.
+bool DeleteItem(const ItemData& shown);
+// Activates a hidden item or hides an active one after the question (full rights only).
+bool AskItemActive(const ItemData& shown);
+// Switches the discount lock (full rights only).
+bool AskDiscountLock(const ItemData& shown);
+// The rounding and discount dialogue over the shown sale price, then the
+// scope question and the change. True when a price was written.
+bool ChangePrices(int32_t warehouse, const ItemListRow& shown);
+// Chooses the list's view; false for Esc.
+bool ChooseListKind(ItemListKind& kind);
+// "Wybierz, według jakiego pola szukać:" and "Podaj pełną wartość pola: ";
+// found receives the item.
+bool FindItemByAnyField(ItemData& item);
+// The maintenance functions of the catalogue, from their menu.
+void CatalogueMaintenance(int32_t warehouse);
