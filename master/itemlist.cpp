@@ -53,11 +53,12 @@ namespace {
 constexpr int kRows = 20;
 constexpr int kFirstRow = 3;
 constexpr unsigned char kListAttr = 0x1F, kBarAttr = 0x30, kTitleAttr = 0x4F;
-constexpr unsigned char kEnter = 13, kEsc = 27, kF2 = 230, kF3 = 231, kF4 = 232, kHome = 241, kUp = 242,
-                        kPgUp = 243, kEnd = 249, kDown = 250, kPgDn = 251;
+constexpr unsigned char kEnter = 13, kEsc = 27, kF2 = 230, kF3 = 231, kF4 = 232, kF5 = 233, kF6 = 234,
+                        kF7 = 235, kF8 = 236, kF9 = 221, kF10 = 238, kF11 = 133, kHome = 241, kUp = 242,
+                        kPgUp = 243, kEnd = 249, kDown = 250, kPgDn = 251, kIns = 252, kDel = 253;
 
 const ShortText kHeader = " nazwa                       indeks cyfrowy  indeks znak.        ilość  cena sp.br."_mz;
-const ShortText kKeys = " F2-nazwa  F3-fragment nazwy  F4-indeks cyfrowy  Enter-cena  Esc-wyjście"_mz;
+const ShortText kKeys = " F2-nazwa F3-fragm. F4-ind. F7-pole Ins-nowy F5-korekta Del-kasuj F6-widok F9-konserw."_mz;
 const ShortText kNameSearch = "Wprowadź początek szukanej nazwy: ------------------------------- "_mz;
 const ShortText kFragmentSearch = "Wprowadź ciąg znaków z nazwy: --------------------------------------------- "_mz;
 const ShortText kIndexSearch = "Wprowadź szukany indeks cyfrowy:                 "_mz;
@@ -98,6 +99,15 @@ class CatalogueScreen {
       case kF3: return SearchFragment();
       case kF4: return SearchIndex();
       case kEnter: return EditPrice();
+      case kF10: return Changed(!rows_.empty() && ChangePrices(warehouse_, rows_[bar_]));
+      case kIns: return AddNew();
+      case kF5: return Changed(!rows_.empty() && EditItem(warehouse_, rows_[bar_].item.number));
+      case kDel: return Changed(!rows_.empty() && DeleteItem(rows_[bar_].item));
+      case kF8: return Changed(!rows_.empty() && AskItemActive(rows_[bar_].item));
+      case kF11: return Changed(!rows_.empty() && AskDiscountLock(rows_[bar_].item));
+      case kF6: return Changed(ChooseListKind(kind_));
+      case kF7: return SearchAnyField();
+      case kF9: CatalogueMaintenance(warehouse_); return Changed(true);
       default: return false;
     }
   }
@@ -210,6 +220,31 @@ class CatalogueScreen {
   }
 
   bool EditPrice();
+
+  // After a change the screen is read again from its first row, the bar kept.
+  bool Changed(bool changed) {
+    if (!changed) return true;
+    const int bar = bar_;
+    ItemListKey from;
+    if (!rows_.empty()) {
+      from = ItemListKeyOf(rows_.front());
+      from.inclusive = true;
+    }
+    LoadFrom(from, true);
+    if (rows_.empty()) LoadFrom(ItemListKey{}, true);
+    bar_ = bar < static_cast<int>(rows_.size()) ? bar : 0;
+    return true;
+  }
+
+  bool AddNew() {
+    int32_t number = 0;
+    return !AddItem(warehouse_, ItemRules{}, number) || ShowFromNumber(number);
+  }
+
+  bool SearchAnyField() {
+    ItemData item;
+    return FindItemByAnyField(item) && ShowFromNumber(item.number);
+  }
 
   int32_t warehouse_;
   ItemListKind kind_;
