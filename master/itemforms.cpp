@@ -55,12 +55,14 @@ enum FieldIndex { kName, kName2, kCode, kDigit, kVat, kSww, kPayer, kSupplier, k
                   kStock, kFieldCount };
 static_assert(std::size(kFields) == kFieldCount);
 
-ShortText Amount(Real value) { return TrimBoth(FormatFixed(16, 2, value), ' '); }
+// Numbers of a new item's form start empty; an edited item's show their values.
+ShortText Amount(Real value, bool adding) { return adding && value == 0 ? ShortText() : TrimBoth(FormatFixed(16, 2, value), ' '); }
+ShortText Whole(int64_t value, bool adding) { return adding && value == 0 ? ShortText() : ShortText(std::to_string(value)); }
 
-std::vector<ShortText> FieldsOf(const ItemData& item, Real stock) {
-  return {item.name, item.name2, item.code, ShortText(std::to_string(item.digitIndex)), item.vat, item.sww,
-          item.vatPayer, ShortText(std::to_string(item.supplier)), item.unit, Amount(item.buyNet),
-          Amount(item.saleGross), item.place, Amount(item.packQuantity), Amount(stock)};
+std::vector<ShortText> FieldsOf(const ItemData& item, bool adding) {
+  return {item.name, item.name2, item.code, Whole(item.digitIndex, adding), item.vat, item.sww, item.vatPayer,
+          Whole(item.supplier, adding), item.unit, Amount(item.buyNet, adding), Amount(item.saleGross, adding),
+          item.place, Amount(item.packQuantity, adding), Amount(0, adding)};
 }
 
 bool NumberOk(const ShortText& text) {
@@ -181,7 +183,7 @@ bool AddItem(int32_t warehouse, const ItemRules& rules, int32_t& number) {
   const ScreenKeeper keeper;
   ItemData item;
   item.vatPayer = "";
-  std::vector<ShortText> values = FieldsOf(item, 0);
+  std::vector<ShortText> values = FieldsOf(item, true);
   for (;;) {
     if (!RunForm(kAddTitle, values, true)) return false;
     Real stock = 0;
@@ -216,7 +218,7 @@ bool EditItem(int32_t warehouse, int32_t number) {
     (void)MessageBox(GoneText(stored, false), 0);
     return false;
   }
-  std::vector<ShortText> values = FieldsOf(stored, 0);
+  std::vector<ShortText> values = FieldsOf(stored, false);
   for (;;) {
     if (!RunForm(kEditTitle, values, false)) return false;
     ItemData item = stored;

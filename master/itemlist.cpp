@@ -58,7 +58,7 @@ constexpr unsigned char kEnter = 13, kEsc = 27, kF2 = 230, kF3 = 231, kF4 = 232,
                         kPgUp = 243, kEnd = 249, kDown = 250, kPgDn = 251, kIns = 252, kDel = 253;
 
 const ShortText kHeader = " nazwa                       indeks cyfrowy  indeks znak.        ilość  cena sp.br."_mz;
-const ShortText kKeys = " F2-nazwa F3-fragm. F4-ind. F7-pole Ins-nowy F5-korekta Del-kasuj F6-widok F9-konserw."_mz;
+const ShortText kKeys = " F2-nazwa F3-fragm. F4-ind. F7-pole Ins-nowy F5-kor. Del-kas. F6-widok F9-kons."_mz;
 const ShortText kNameSearch = "Wprowadź początek szukanej nazwy: ------------------------------- "_mz;
 const ShortText kFragmentSearch = "Wprowadź ciąg znaków z nazwy: --------------------------------------------- "_mz;
 const ShortText kIndexSearch = "Wprowadź szukany indeks cyfrowy:                 "_mz;
