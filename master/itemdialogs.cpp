@@ -145,30 +145,40 @@ void RepairIndexes() {
 
 }  // namespace
 
+namespace items_detail {
+
+bool StoreSalePrice(int32_t warehouse, const ItemListRow& shown, Real gross) {
+  unsigned char ch = 0, scan = 0;
+  const int scope = PickList(2, 2, 1, 0, 0, "Jak zmienić dane (jeśli nie wiesz, wybierz zaznaczoną opcję)"_mz,
+                             "w magazynie aktualnym@w katalogu towarów i magazynie aktualnym@w katalogu towarów i wszystkich magazynach"_mz,
+                             ch, scan);
+  if (scope == 0) return false;
+  if (scope == 3 && !MessageBox("Zmiany muszą być wprowadzone we wszystkich magazynach@i katalogu głównym.@Wykonać korektę ?"_mz, 1))
+    return false;
+  ShortText refusal;
+  bool found = false;
+  Checked(ItemChangeSalePrice(shown.item.number, gross, static_cast<ItemPriceScope>(scope), warehouse, found, refusal));
+  if (!refusal.Empty()) (void)MessageBox(refusal, 0);
+  else if (!found) (void)MessageBox(GoneText(shown.item), 0);
+  return found && refusal.Empty();
+}
+
+ShortText GoneText(const ItemData& item) {
+  return TrimRight(item.name, ' ') + "\"@został usunięty z katalogu przez innego użytkownika."_mz;
+}
+
+}  // namespace items_detail
+
 bool ChangePrices(int32_t warehouse, const ItemListRow& shown) {
   ItemData item;
   bool found = false;
   Checked(ItemFindByNumber(shown.item.number, item, found));
-  if (found) {
-    Real gross = 0;
-    if (!RoundingDialogue(shown.saleGross, gross)) return false;
-    unsigned char ch = 0, scan = 0;
-    const int scope = PickList(2, 2, 1, 0, 0, "Jak zmienić dane (jeśli nie wiesz, wybierz zaznaczoną opcję)"_mz,
-                               "w magazynie aktualnym@w katalogu towarów i magazynie aktualnym@w katalogu towarów i wszystkich magazynach"_mz,
-                               ch, scan);
-    if (scope == 0) return false;
-    if (scope == 3 && !MessageBox("Zmiany muszą być wprowadzone we wszystkich magazynach@i katalogu głównym.@Wykonać korektę ?"_mz, 1))
-      return false;
-    ShortText refusal;
-    Checked(ItemChangeSalePrice(item.number, gross, static_cast<ItemPriceScope>(scope), warehouse, found, refusal));
-    if (!refusal.Empty()) {
-      (void)MessageBox(refusal, 0);
-      return false;
-    }
+  if (!found) {
+    (void)MessageBox(items_detail::GoneText(shown.item), 0);
+    return true;
   }
-  if (!found)
-    (void)MessageBox(TrimRight(shown.item.name, ' ') + "\"@został usunięty z katalogu przez innego użytkownika."_mz, 0);
-  return found;
+  Real gross = 0;
+  return RoundingDialogue(shown.saleGross, gross) && items_detail::StoreSalePrice(warehouse, shown, gross);
 }
 
 bool ChooseListKind(ItemListKind& kind) {

@@ -259,32 +259,14 @@ bool CatalogueScreen::EditPrice() {
   bool found = false;
   Checked(ItemFindByNumber(shown.item.number, item, found));
   if (!found) {
-    (void)MessageBox(TrimRight(shown.item.name, ' ') + "\"@został usunięty z katalogu przez innego użytkownika."_mz, 0);
+    (void)MessageBox(items_detail::GoneText(shown.item), 0);
     LoadFrom(ItemListKeyOf(shown), true);
     return true;
   }
   ShortText price = TrimBoth(FormatFixed(12, 2, shown.saleGross), ' ');
   if (!AskValue("Korekta danych oznaczonej ciemnym pasem kartoteki towarowej:"_mz, price, 12, 4, ShortText(), ShortText()))
     return true;
-  const Real gross = TextToRealLoose(price);
-  unsigned char ch = 0, scan = 0;
-  const int scope = PickList(2, 2, 1, 0, 0, "Jak zmienić dane (jeśli nie wiesz, wybierz zaznaczoną opcję)"_mz,
-                             "w magazynie aktualnym@w katalogu towarów i magazynie aktualnym@w katalogu towarów i wszystkich magazynach"_mz,
-                             ch, scan);
-  if (scope == 0) return true;
-  if (scope == 3 && !MessageBox("Zmiany muszą być wprowadzone we wszystkich magazynach@i katalogu głównym.@Wykonać korektę ?"_mz, 1))
-    return true;
-  ShortText refusal;
-  Checked(ItemChangeSalePrice(item.number, gross, static_cast<ItemPriceScope>(scope), warehouse_, found, refusal));
-  if (!refusal.Empty()) (void)MessageBox(refusal, 0);
-  else if (!found)
-    (void)MessageBox(TrimRight(shown.item.name, ' ') + "\"@został usunięty z katalogu przez innego użytkownika."_mz, 0);
-  const int bar = bar_;
-  LoadFrom(rows_.front().rowId != 0 ? [&] { ItemListKey k = ItemListKeyOf(rows_.front()); k.inclusive = true; return k; }()
-                                    : ItemListKey{},
-           true);
-  bar_ = bar < static_cast<int>(rows_.size()) ? bar : 0;
-  return true;
+  return Changed(items_detail::StoreSalePrice(warehouse_, shown, TextToRealLoose(price)));
 }
 
 }  // namespace

@@ -92,6 +92,12 @@ class ScreenKeeper {
 // blanks) in the text, edited in the EditField mode; false for Esc.
 bool AskInLine(const ShortText& text, int mode, ShortText& value);
 
+// The scope question, its confirmation and the change of the shown item's
+// sale price, with the system's messages; true when it was written.
+bool StoreSalePrice(int32_t warehouse, const ItemListRow& shown, Real gross);
+// The name of an item deleted by another user with the system's message.
+ShortText GoneText(const ItemData& item);
+
 // Passes a table code that is not 0 to CheckDBError.
 void Checked(int16_t code);
 
