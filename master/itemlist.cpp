@@ -19,51 +19,7 @@
 #include "tui/screen.h"
 #include "tui/term.h"
 
-namespace {
-
-constexpr int kRows = 20;
-constexpr int kFirstRow = 3;
-constexpr unsigned char kListAttr = 0x1F, kBarAttr = 0x30, kTitleAttr = 0x4F;
-constexpr unsigned char kEnter = 13, kEsc = 27, kF2 = 230, kF3 = 231, kF4 = 232, kHome = 241, kUp = 242,
-                        kPgUp = 243, kEnd = 249, kDown = 250, kPgDn = 251;
-
-const ShortText kHeader = " nazwa                       indeks cyfrowy  indeks znak.        ilość  cena sp.br."_mz;
-const ShortText kKeys = " F2-nazwa  F3-fragment nazwy  F4-indeks cyfrowy  Enter-cena  Esc-wyjście"_mz;
-const ShortText kNameSearch = "Wprowadź początek szukanej nazwy: ------------------------------- "_mz;
-const ShortText kFragmentSearch = "Wprowadź ciąg znaków z nazwy: --------------------------------------------- "_mz;
-const ShortText kIndexSearch = "Wprowadź szukany indeks cyfrowy:                 "_mz;
-
-// Screen, window, attribute and cursor as they were, given back at the end.
-class ScreenKeeper {
- public:
-  ScreenKeeper() : window_(CurrentWindow()), x_(WhereX()), y_(WhereY()), attr_(CurrentAttr()) { ScreenSave(copy_); }
-  ~ScreenKeeper() {
-    ScreenRestore(copy_);
-    Window(window_.left, window_.top, window_.right, window_.bottom);
-    GotoXY(x_, y_);
-    TextAttr(attr_);
-    TermFlush();
-  }
-  ScreenKeeper(const ScreenKeeper&) = delete;
-  ScreenKeeper& operator=(const ScreenKeeper&) = delete;
-
- private:
-  ScreenCopyPtr copy_;
-  WindowRect window_;
-  int x_, y_;
-  unsigned char attr_;
-};
-
-void Checked(int16_t code) {
-  if (code != 0) CheckDBError(code);
-}
-
-ShortText RowText(const ItemListRow& row) {
-  const ShortText name = (TrimRight(row.item.name, ' ') + " "_mz + row.item.name2).Copy(1, 27);
-  return " " + PadRight(name, " ", 27) + " " + IntText(row.item.digitIndex, 15) + " " +
-         PadRight(row.item.code.Copy(1, 13), " ", 13) + " " + FormatFixed(10, 3, row.quantity) + " " +
-         FormatFixed(10, 2, row.saleGross);
-}
+namespace items_detail {
 
 // A box with one line whose field is the run of '-' (or of trailing blanks)
 // in the text; the edited value, false for Esc.
@@ -72,13 +28,46 @@ bool AskInLine(const ShortText& text, int mode, ShortText& value) {
   const std::string_view view = text.View();
   std::size_t start = view.find('-');
   if (start == std::string_view::npos) start = view.find_last_not_of(' ') + 2;
+  if (start >= view.size()) return false;
   const std::size_t end = view.find_last_not_of(view[start] == '-' ? ' ' : '\0');
   const int width = static_cast<int>((view[start] == '-' ? view.find_last_of('-') + 1 : end + 1) - start);
   (void)MessageBox(text, 2);
   GotoXY(2 + static_cast<int>(start), 2);
   unsigned char key = 0;
   value.Clear();
-  return EditField(mode, 1, view[start] == '-' ? '-' : ' ', width, value, key) != kEsc;
+  return EditField(mode, 1, view[start] == '-' ? '-' : ' ', width, value, key) != 27;
+}
+
+void Checked(int16_t code) {
+  if (code != 0) CheckDBError(code);
+}
+
+}  // namespace items_detail
+
+using items_detail::AskInLine;
+using items_detail::Checked;
+using items_detail::ScreenKeeper;
+
+namespace {
+
+constexpr int kRows = 20;
+constexpr int kFirstRow = 3;
+constexpr unsigned char kListAttr = 0x1F, kBarAttr = 0x30, kTitleAttr = 0x4F;
+constexpr unsigned char kEnter = 13, kEsc = 27, kF2 = 230, kF3 = 231, kF4 = 232, kF5 = 233, kF6 = 234,
+                        kF7 = 235, kF8 = 236, kF9 = 221, kF10 = 238, kF11 = 133, kHome = 241, kUp = 242,
+                        kPgUp = 243, kEnd = 249, kDown = 250, kPgDn = 251, kIns = 252, kDel = 253;
+
+const ShortText kHeader = " nazwa                       indeks cyfrowy  indeks znak.        ilość  cena sp.br."_mz;
+const ShortText kKeys = " F2-nazwa F3-fragm. F4-ind. F7-pole Ins-nowy F5-kor. Del-kas. F6-widok F9-kons."_mz;
+const ShortText kNameSearch = "Wprowadź początek szukanej nazwy: ------------------------------- "_mz;
+const ShortText kFragmentSearch = "Wprowadź ciąg znaków z nazwy: --------------------------------------------- "_mz;
+const ShortText kIndexSearch = "Wprowadź szukany indeks cyfrowy:                 "_mz;
+
+ShortText RowText(const ItemListRow& row) {
+  const ShortText name = (TrimRight(row.item.name, ' ') + " "_mz + row.item.name2).Copy(1, 27);
+  return " " + PadRight(name, " ", 27) + " " + IntText(row.item.digitIndex, 15) + " " +
+         PadRight(row.item.code.Copy(1, 13), " ", 13) + " " + FormatFixed(10, 3, row.quantity) + " " +
+         FormatFixed(10, 2, row.saleGross);
 }
 
 class CatalogueScreen {
@@ -110,6 +99,15 @@ class CatalogueScreen {
       case kF3: return SearchFragment();
       case kF4: return SearchIndex();
       case kEnter: return EditPrice();
+      case kF10: return Changed(!rows_.empty() && ChangePrices(warehouse_, rows_[bar_]));
+      case kIns: return AddNew();
+      case kF5: return Changed(!rows_.empty() && EditItem(warehouse_, rows_[bar_].item.number));
+      case kDel: return Changed(!rows_.empty() && DeleteItem(rows_[bar_].item));
+      case kF8: return Changed(!rows_.empty() && AskItemActive(rows_[bar_].item));
+      case kF11: return Changed(!rows_.empty() && AskDiscountLock(rows_[bar_].item));
+      case kF6: return Changed(ChooseListKind(kind_));
+      case kF7: return SearchAnyField();
+      case kF9: CatalogueMaintenance(warehouse_); return Changed(true);
       default: return false;
     }
   }
@@ -223,6 +221,31 @@ class CatalogueScreen {
 
   bool EditPrice();
 
+  // After a change the screen is read again from its first row, the bar kept.
+  bool Changed(bool changed) {
+    if (!changed) return true;
+    const int bar = bar_;
+    ItemListKey from;
+    if (!rows_.empty()) {
+      from = ItemListKeyOf(rows_.front());
+      from.inclusive = true;
+    }
+    LoadFrom(from, true);
+    if (rows_.empty()) LoadFrom(ItemListKey{}, true);
+    bar_ = bar < static_cast<int>(rows_.size()) ? bar : 0;
+    return true;
+  }
+
+  bool AddNew() {
+    int32_t number = 0;
+    return !AddItem(warehouse_, ItemRules{}, number) || ShowFromNumber(number);
+  }
+
+  bool SearchAnyField() {
+    ItemData item;
+    return FindItemByAnyField(item) && ShowFromNumber(item.number);
+  }
+
   int32_t warehouse_;
   ItemListKind kind_;
   std::vector<ItemListRow> rows_;
@@ -236,32 +259,14 @@ bool CatalogueScreen::EditPrice() {
   bool found = false;
   Checked(ItemFindByNumber(shown.item.number, item, found));
   if (!found) {
-    (void)MessageBox(TrimRight(shown.item.name, ' ') + "\"@został usunięty z katalogu przez innego użytkownika."_mz, 0);
+    (void)MessageBox(items_detail::GoneText(shown.item), 0);
     LoadFrom(ItemListKeyOf(shown), true);
     return true;
   }
   ShortText price = TrimBoth(FormatFixed(12, 2, shown.saleGross), ' ');
   if (!AskValue("Korekta danych oznaczonej ciemnym pasem kartoteki towarowej:"_mz, price, 12, 4, ShortText(), ShortText()))
     return true;
-  const Real gross = TextToRealLoose(price);
-  unsigned char ch = 0, scan = 0;
-  const int scope = PickList(2, 2, 1, 0, 0, "Jak zmienić dane (jeśli nie wiesz, wybierz zaznaczoną opcję)"_mz,
-                             "w magazynie aktualnym@w katalogu towarów i magazynie aktualnym@w katalogu towarów i wszystkich magazynach"_mz,
-                             ch, scan);
-  if (scope == 0) return true;
-  if (scope == 3 && !MessageBox("Zmiany muszą być wprowadzone we wszystkich magazynach@i katalogu głównym.@Wykonać korektę ?"_mz, 1))
-    return true;
-  ShortText refusal;
-  Checked(ItemChangeSalePrice(item.number, gross, static_cast<ItemPriceScope>(scope), warehouse_, found, refusal));
-  if (!refusal.Empty()) (void)MessageBox(refusal, 0);
-  else if (!found)
-    (void)MessageBox(TrimRight(shown.item.name, ' ') + "\"@został usunięty z katalogu przez innego użytkownika."_mz, 0);
-  const int bar = bar_;
-  LoadFrom(rows_.front().rowId != 0 ? [&] { ItemListKey k = ItemListKeyOf(rows_.front()); k.inclusive = true; return k; }()
-                                    : ItemListKey{},
-           true);
-  bar_ = bar < static_cast<int>(rows_.size()) ? bar : 0;
-  return true;
+  return Changed(items_detail::StoreSalePrice(warehouse_, shown, TextToRealLoose(price)));
 }
 
 }  // namespace

@@ -97,26 +97,6 @@ namespace {
 
 const std::string kKatTowSql = "DANE_KAT_TOW_";
 
-// The exclusive lock of a table for one change, rolled back unless committed.
-class TableLock {
- public:
-  explicit TableLock(const char* path) : path_(path) { LockTableExcl(path_); }
-  ~TableLock() {
-    if (!done_) (void)PGTransRollback();
-    PGLockUnregister(path_);
-  }
-  TableLock(const TableLock&) = delete;
-  TableLock& operator=(const TableLock&) = delete;
-  void Commit() {
-    (void)PGTransCommit();
-    done_ = true;
-  }
-
- private:
-  ShortText path_;
-  bool done_ = false;
-};
-
 // The first code that is not 0.
 int16_t First(std::initializer_list<int16_t> codes) {
   for (int16_t c : codes)
@@ -217,10 +197,14 @@ int16_t ItemAdd(ItemData& item, const ItemRules& rules, int32_t warehouse, const
   refusal = CheckItemData(item, rules);
   if (refusal.Empty() && !StockInRange(stock)) refusal = items_detail::BadAmountText();
   if (!refusal.Empty()) return 0;
-  TableLock lock(kKatTowTable);
+  items_detail::CatalogueLock lock;
   bool duplicate = false;
   if (const int16_t code = RowExists("SELECT 1 FROM " + kKatTowSql + " WHERE " + SameFeatures(item) + " LIMIT 1", duplicate))
     return code;
+  if (!duplicate && !TrimRightAll(item.code, ' ').Empty())
+    if (const int16_t code = RowExists("SELECT 1 FROM " + kKatTowSql + " WHERE indeks_znakowy_isbn=" + SqlText(item.code) +
+                                           " LIMIT 1", duplicate))
+      return code;
   if (duplicate) {
     refusal = "Znaleziono identyczną daną - dopisanie nie ma sensu."_mz;
     return 0;
@@ -253,8 +237,7 @@ int16_t ItemAdd(ItemData& item, const ItemRules& rules, int32_t warehouse, const
     if (const int16_t code = First({stany.Code(), PutStock(stany.Rec(), row), PGRecAppend(stany.Tbl(), stany.Rec())}))
       return code;
   }
-  lock.Commit();
-  return 0;
+  return lock.Commit();
 }
 
 int16_t ItemFindByNumber(int32_t number, ItemData& item, bool& found) {
@@ -283,7 +266,7 @@ int16_t ItemStorePrices(const ItemData& item, bool& found, ShortText& refusal) {
   for (Real v : {item.buyNet, item.buyGross, item.saleNet, item.saleGross})
     if (!AmountInRange(v)) refusal = items_detail::BadAmountText();
   if (!refusal.Empty()) return 0;
-  TableLock lock(kKatTowTable);
+  items_detail::CatalogueLock lock;
   ItemData stored;
   if (const int16_t code = ItemFindByNumber(item.number, stored, found); code != 0 || !found) return code;
   // The purchase prices belong to the catalogue's key: a change that repeats another row's key is refused.
@@ -309,8 +292,7 @@ int16_t ItemStorePrices(const ItemData& item, bool& found, ShortText& refusal) {
   if (const int16_t code = First({search, PGRecGet(kat.Tbl(), kat.Rec()), PutPrices(kat.Rec(), item),
                                   PGRecUpdate(kat.Tbl(), kat.Rec())}))
     return code;
-  lock.Commit();
-  return 0;
+  return lock.Commit();
 }
 
 int16_t SetItemActive(int32_t number, bool active) {

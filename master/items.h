@@ -13,6 +13,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -82,7 +83,7 @@ bool AmountInRange(Real value);
 
 // --- The catalogue ---
 // Adds an item: checks the data, refuses a row equal on both names, vat, sww
-// and czy_od_pl_vat, gives it the next internal number (and a digit index
+// and czy_od_pl_vat or one with the same (not blank) character index, gives it the next internal number (and a digit index
 // when it has 0) under the catalogue's lock, and writes it with its stock
 // row in the warehouse (when warehouse > 0): the quantity, link and mark of
 // stock, nothing ordered, the item's sale prices. item.number receives the number.
@@ -122,6 +123,47 @@ enum class ItemPriceScope : uint8_t { kWarehouse = 1, kCatalogueAndWarehouse = 2
 // false when the item is gone; a refusal leaves everything as it was.
 [[nodiscard]] int16_t ItemChangeSalePrice(int32_t number, Real gross, ItemPriceScope scope, int32_t warehouse,
                                           bool& found, ShortText& refusal);
+
+// --- Changes and maintenance ---
+// Told what an item change is walking through ("Zmiana pozycji w magazynie nr 2"...).
+using ItemWalkReport = std::function<void(const ShortText&)>;
+// True when the catalogue's key of the item changes: the names, vat, sww or the VAT-payer text.
+bool ItemKeyChanged(const ItemData& before, const ItemData& after);
+// Writes a changed item in the scope: the current warehouse's sale prices
+// only; or the whole catalogue row and those prices; or the row and the
+// sale prices of every warehouse. A changed key goes into the lines of
+// goods documents of every warehouse. A row that would repeat another's key
+// or character index is refused; found false when the item is gone; on any
+// refusal or failure nothing is written.
+[[nodiscard]] int16_t ItemEdit(const ItemData& item, ItemPriceScope scope, int32_t warehouse,
+                               const ItemWalkReport& report, bool& found, ShortText& refusal);
+// Deletes an item with its stock rows. An item with lines in any warehouse,
+// or stock held or ordered, stays (hadTurnover), only its empty stock rows go.
+[[nodiscard]] int16_t ItemDelete(int32_t number, bool& found, bool& hadTurnover);
+// Stock rows of a warehouse by the sign of the quantity.
+struct StockCounts {
+  long positive = 0, negative = 0, zero = 0, all = 0;
+};
+[[nodiscard]] int16_t StockCountIn(int32_t warehouse, StockCounts& counts);
+// Deletes the stock rows with nothing in stock and nothing ordered, in one
+// warehouse or (warehouse 0) in all; removed receives how many.
+[[nodiscard]] int16_t RemoveZeroStock(int32_t warehouse, long& removed);
+// Also deletes the items without any line in any warehouse and with nothing
+// in stock or ordered; removed receives how many items went.
+[[nodiscard]] int16_t RemoveItemsWithoutTurnover(long& removed);
+// Hides the active items without a line dated on or after since
+// ("DD-MM-RRRR") and with nothing in stock or ordered, telling step 1..4.
+[[nodiscard]] int16_t HideUnusedItems(const ShortText& since, const std::function<void(int)>& step, long& hidden);
+// Sets to 0 the digit indexes below 0 or above limit.
+[[nodiscard]] int16_t ZeroDigitIndexes(int64_t limit, long& changed);
+// Gives every repeated digit index (but its first holder) a new one above the
+// highest; refused with the system's message when they would pass the range.
+[[nodiscard]] int16_t RepairDigitIndexes(long& changed, ShortText& refusal);
+// The first item (name order) whose catalogue column field (1..24) holds the
+// whole value (texts without trailing blanks, numbers by value).
+[[nodiscard]] int16_t ItemFindByField(int field, const ShortText& value, ItemData& item, bool& found);
+// Whether the supplier's row bears the closed mark (Z in its status column).
+[[nodiscard]] int16_t SupplierClosed(int32_t supplier, bool& closed);
 
 // (Re)creates the session's TMP_VIEW_STANYX over the warehouses of
 // dane\magazyny marked Z (at most 320); warehouses receives how many it spans
@@ -171,3 +213,27 @@ ItemListKey ItemListKeyOf(const ItemListRow& row);
 // --- Screens ---
 // The "Katalog towarów" function over the current warehouse.
 void ItemCatalogue(int32_t warehouse);
+// The form "Dopisanie nowej kartoteki towarowej:"; the key fields are open to
+// everyone, the purchase price to those who may see purchase prices. True
+// with the new item's number when it was added.
+bool AddItem(int32_t warehouse, const ItemRules& rules, int32_t& number);
+// The form "Korekta danych ...": key fields for those who may edit the
+// catalogue's key, purchase price for those who may see purchase prices;
+// then the scope question and the change. True when the change was written.
+bool EditItem(int32_t warehouse, int32_t number);
+// Deletes the shown item after the questions (full rights only); true when it went.
+bool DeleteItem(const ItemData& shown);
+// Activates a hidden item or hides an active one after the question (full rights only).
+bool AskItemActive(const ItemData& shown);
+// Switches the discount lock (full rights only).
+bool AskDiscountLock(const ItemData& shown);
+// The rounding and discount dialogue over the shown sale price, then the
+// scope question and the change. True when a price was written.
+bool ChangePrices(int32_t warehouse, const ItemListRow& shown);
+// Chooses the list's view; false for Esc.
+bool ChooseListKind(ItemListKind& kind);
+// "Wybierz, według jakiego pola szukać:" and "Podaj pełną wartość pola: ";
+// found receives the item.
+bool FindItemByAnyField(ItemData& item);
+// The maintenance functions of the catalogue, from their menu.
+void CatalogueMaintenance(int32_t warehouse);

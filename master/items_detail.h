@@ -2,10 +2,13 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "base/shorttext.h"
 #include "master/items.h"
 #include "sqltable/pgconn.h"
+#include "tui/screen.h"
+#include "tui/term.h"
 
 namespace items_detail {
 
@@ -29,6 +32,24 @@ std::string NumberText(Real value);
 // The SQL name of a warehouse's table.
 std::string WarehouseSql(int32_t warehouse, const char* table);
 
+// The numbers of the warehouses with their own tables, in order.
+int16_t WarehouseNumbers(std::vector<int32_t>& numbers);
+// Whether the warehouse's table exists on the server.
+bool WarehouseHas(int32_t warehouse, const char* table);
+
+// The catalogue's exclusive lock and its transaction, rolled back unless committed.
+class CatalogueLock {
+ public:
+  CatalogueLock();
+  ~CatalogueLock();
+  CatalogueLock(const CatalogueLock&) = delete;
+  CatalogueLock& operator=(const CatalogueLock&) = delete;
+  [[nodiscard]] int16_t Commit();
+
+ private:
+  bool done_ = false;
+};
+
 // An open table with one record buffer, both released on every road.
 class TableWithBuffer {
  public:
@@ -45,5 +66,39 @@ class TableWithBuffer {
   int16_t tbl_ = 0;
   int16_t rec_ = 0;
 };
+
+// Screen, window, attribute and cursor as they were, given back at the end.
+class ScreenKeeper {
+ public:
+  ScreenKeeper() : window_(CurrentWindow()), x_(WhereX()), y_(WhereY()), attr_(CurrentAttr()) { ScreenSave(copy_); }
+  ~ScreenKeeper() {
+    ScreenRestore(copy_);
+    Window(window_.left, window_.top, window_.right, window_.bottom);
+    GotoXY(x_, y_);
+    TextAttr(attr_);
+    TermFlush();
+  }
+  ScreenKeeper(const ScreenKeeper&) = delete;
+  ScreenKeeper& operator=(const ScreenKeeper&) = delete;
+
+ private:
+  ScreenCopyPtr copy_;
+  WindowRect window_;
+  int x_, y_;
+  unsigned char attr_;
+};
+
+// A box with one line whose field is the run of '-' (or of the trailing
+// blanks) in the text, edited in the EditField mode; false for Esc.
+bool AskInLine(const ShortText& text, int mode, ShortText& value);
+
+// The scope question, its confirmation and the change of the shown item's
+// sale price, with the system's messages; true when it was written.
+bool StoreSalePrice(int32_t warehouse, const ItemListRow& shown, Real gross);
+// The name of an item deleted by another user with the system's message.
+ShortText GoneText(const ItemData& item);
+
+// Passes a table code that is not 0 to CheckDBError.
+void Checked(int16_t code);
 
 }  // namespace items_detail

@@ -4,6 +4,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cmath>
 #include <functional>
 #include <string>
@@ -15,6 +16,7 @@
 #include "sqltable/pglib.h"
 #include "sqltable/sqltest.h"
 #include "tui/keyboard.h"
+#include "users/users.h"
 
 namespace {
 
@@ -100,6 +102,12 @@ class ItemsTest : public CatalogueTest {
     gSteps = std::move(steps);
     gNext = 0;
     SetKeyIdleHook(NextStep);
+  }
+  // A line of a goods document in a warehouse for the item, on the date.
+  static void AddLine(int32_t warehouse, int32_t number, const char* date = "2024-05-10") {
+    ASSERT_TRUE(Psql("INSERT INTO dane_" + std::to_string(warehouse) + "_specyfik (typ_dok,nr_dok,znak_dok,pozycja,data_dok,"
+                     "nr_towaru,vat,sww,ilosc) VALUES (1,1,'FV'," + std::to_string(number) + ",'" + date + "'," +
+                     std::to_string(number) + ",'23','',1)"));
   }
   static bool Shown(const ShortText& line) {
     for (const std::string& s : gScreens)
@@ -408,6 +416,227 @@ TEST_F(ItemsTest, TheScreenFindsByNameAndIndexAndChangesAPrice) {
   EXPECT_TRUE(Shown("SER\"")) ;
   EXPECT_TRUE(Shown("został usunięty z katalogu przez innego użytkownika."_mz));
   EXPECT_EQ(Scalar("SELECT count(*) FROM dane_kat_tow_ WHERE nr_wewn=" + std::to_string(ser)), "0");
+}
+
+// --- Changes and maintenance ---
+
+// The current user with the given rights (maximum rights when max).
+void LogIn(std::initializer_list<UserRight> rights, bool max = false) {
+  UserRecord user;
+  user.number = 5;
+  user.surname = "TEST";
+  user.maxRights = max ? 1 : 0;
+  for (UserRight r : rights) user.rights |= static_cast<uint16_t>(1u << (static_cast<int>(r) - 1));
+  SetCurrentUser(user);
+}
+
+TEST_F(ItemsTest, MaintenanceKeepsWhatHasTurnoverOrStock) {
+  const int32_t sold = Add(Item("A"), 0), held = Add(Item("B"), 5), idle = Add(Item("C"), 0), owed = Add(Item("D"), -2);
+  const int32_t spare = Add(Item("E"));
+  AddLine(2, sold);
+  StockCounts counts;
+  ASSERT_EQ(StockCountIn(kWarehouse, counts), 0);
+  EXPECT_EQ(counts.positive, 1);
+  EXPECT_EQ(counts.negative, 1);
+  EXPECT_EQ(counts.zero, 3);
+  EXPECT_EQ(counts.all, 5);
+
+  struct Case {
+    int32_t number;
+    bool hadTurnover;
+    const char* catalogueRows;  // of that number afterwards
+  };
+  const Case cases[] = {{sold, true, "1"}, {held, true, "1"}, {idle, false, "0"}, {999, false, "0"}};
+  for (const Case& c : cases) {
+    bool found = false, turnover = false;
+    ASSERT_EQ(ItemDelete(c.number, found, turnover), 0);
+    EXPECT_EQ(found, c.number != 999);
+    EXPECT_EQ(turnover, c.hadTurnover) << c.number;
+    EXPECT_EQ(Scalar("SELECT count(*) FROM dane_kat_tow_ WHERE nr_wewn=" + std::to_string(c.number)), c.catalogueRows);
+  }
+  // The sold item's empty stock row went, the held one's stayed.
+  EXPECT_EQ(Scalar("SELECT string_agg(nr_wewn::text,',' ORDER BY nr_wewn) FROM dane_1_stany_mg"),
+            std::to_string(held) + "," + std::to_string(owed) + "," + std::to_string(spare));
+  long removed = 0;
+  ASSERT_EQ(RemoveItemsWithoutTurnover(removed), 0);
+  EXPECT_EQ(removed, 1);  // only E: A has a line, B and D stock
+  EXPECT_EQ(Scalar("SELECT string_agg(nazwa,',' ORDER BY nazwa) FROM dane_kat_tow_"), "A,B,D");
+  EXPECT_EQ(Scalar("SELECT count(*) FROM dane_1_stany_mg"), "2");
+}
+
+TEST_F(ItemsTest, UnusedItemsAreHiddenAndDigitIndexesPutInOrder) {
+  std::vector<int32_t> n;
+  for (const char* name : {"P", "Q", "R", "S", "T"}) n.push_back(Add(Item(name)));
+  AddLine(1, n[0], "2024-06-01");
+  AddLine(3, n[1], "2023-01-01");
+  long hidden = 0;
+  int steps = 0;
+  ASSERT_EQ(HideUnusedItems("01-01-2024", [&steps](int s) { steps = s; }, hidden), 0);
+  EXPECT_EQ(steps, 4);
+  EXPECT_EQ(hidden, 4);
+  EXPECT_EQ(Scalar("SELECT string_agg(nazwa,',' ORDER BY nazwa) FROM dane_kat_tow_ WHERE ilosc IS NOT NULL"), "P");
+  EXPECT_EQ(HideUnusedItems("31-02-2024", nullptr, hidden), kPGArgRange);
+
+  auto indexes = [] { return Scalar("SELECT string_agg(indeks_numeryczny::text,',' ORDER BY nr_wewn) FROM dane_kat_tow_"); };
+  ASSERT_TRUE(Psql("UPDATE dane_kat_tow_ SET indeks_numeryczny=CASE nazwa WHEN 'P' THEN -3 WHEN 'Q' THEN 7000 "
+                   "WHEN 'R' THEN 50 WHEN 'S' THEN 50 ELSE 50 END"));
+  long changed = 0;
+  ASSERT_EQ(ZeroDigitIndexes(1000, changed), 0);
+  EXPECT_EQ(changed, 2);
+  EXPECT_EQ(indexes(), "0,0,50,50,50");
+  ShortText refusal;
+  ASSERT_EQ(RepairDigitIndexes(changed, refusal), 0);
+  EXPECT_EQ(changed, 2);
+  EXPECT_EQ(indexes(), "0,0,50,51,52");  // the first holder keeps it, the others go above the highest
+  // When the highest leaves no room, nothing changes.
+  ASSERT_TRUE(Psql("UPDATE dane_kat_tow_ SET indeks_numeryczny=999999999999999 WHERE nazwa IN ('Q','R')"));
+  const std::string before = indexes();
+  ASSERT_EQ(RepairDigitIndexes(changed, refusal), 0);
+  EXPECT_EQ(refusal.Str().substr(0, 28), std::string("Wartość maksymalnego indeksu"_mz.View()));
+  EXPECT_EQ(indexes(), before);
+}
+
+TEST_F(ItemsTest, AnEditGoesWhereItsScopeSaysAndAClashWritesNothing) {
+  const int32_t a = Add(Item("KAWA"), 1);
+  ItemData other = Item("HERBATA");
+  other.code = "590111";
+  Add(other, 1);
+  ShortText refusal;
+  ASSERT_EQ(StockChange(2, a, 3, refusal), 0);
+  AddLine(2, a);
+  ItemData item;
+  bool found = false;
+  ASSERT_EQ(ItemFindByNumber(a, item, found), 0);
+  const std::string n = std::to_string(a);
+  auto state = [&n] {
+    return Scalar("SELECT nazwa||'/'||vat||'/'||cena_s_b FROM dane_kat_tow_ WHERE nr_wewn=" + n) + " " +
+           Scalar("SELECT csb FROM dane_1_stany_mg WHERE nr_wewn=" + n) + " " +
+           Scalar("SELECT csb FROM dane_2_stany_mg WHERE nr_wewn=" + n) + " " +
+           Scalar("SELECT vat FROM dane_2_specyfik WHERE nr_towaru=" + n);
+  };
+  struct Case {
+    const char* name;
+    const char* vat;
+    Real gross;
+    ItemPriceScope scope;
+    const char* code;
+    const char* expected;
+  };
+  const Case cases[] = {
+      {"KAWA", "23", 20, ItemPriceScope::kWarehouse, "", "KAWA/23/18.4500000 20.0000000 18.4500000 23"},
+      {"KAWA2", "8", 21, ItemPriceScope::kCatalogueAndWarehouse, "", "KAWA2/8/21.0000000 21.0000000 18.4500000 8"},
+      {"KAWA2", "8", 22, ItemPriceScope::kEverywhere, "", "KAWA2/8/22.0000000 22.0000000 22.0000000 8"},
+      // The other item's character index: refused, all as it was.
+      {"KAWA3", "5", 30, ItemPriceScope::kEverywhere, "590111", "KAWA2/8/22.0000000 22.0000000 22.0000000 8"},
+  };
+  std::vector<std::string> walked;
+  for (const Case& c : cases) {
+    item.name = c.name;
+    item.vat = c.vat;
+    item.saleGross = c.gross;
+    item.code = c.code;
+    ASSERT_EQ(ItemEdit(item, c.scope, kWarehouse, [&walked](const ShortText& t) { walked.push_back(t.Str()); }, found,
+                       refusal), 0);
+    EXPECT_TRUE(found);
+    EXPECT_EQ(refusal.Empty(), *c.code == 0) << c.name;
+    EXPECT_EQ(state(), c.expected) << c.name;
+  }
+  EXPECT_NE(std::find(walked.begin(), walked.end(), "Zmiana specyfikacji operacji towarowych, magazyn nr 2"_mz.Str()),
+            walked.end());
+  item.number = 999;
+  item.code = "";
+  ASSERT_EQ(ItemEdit(item, ItemPriceScope::kEverywhere, kWarehouse, nullptr, found, refusal), 0);
+  EXPECT_FALSE(found);
+}
+
+TEST_F(ItemsTest, TheAddFormRefusesBadInputAndHonoursRights) {
+  ItemData taken = Item("MLEKO");
+  taken.code = "590";
+  Add(taken);
+  ASSERT_TRUE(Psql("INSERT INTO dane_dostawcy (nazwa,nazwa_inne,numer,czy_podmiot_gosp) VALUES ('ZAMKNIETY','',9,'Z')"));
+  const std::string rows = "SELECT count(*)||'/'||(SELECT count(*) FROM dane_1_stany_mg) FROM dane_kat_tow_";
+  const std::string before = Scalar(rows);
+  // Fields: name, name 2, code, digit index, vat, sww, payer, supplier, unit, purchase, sale, place, pack, stock.
+  auto form = [](const std::string& code, const std::string& digits, const std::string& supplier, const std::string& stock) {
+    return std::vector<std::function<void()>>{
+        Keys("SER", {keys::kEnter}), Keys("", {keys::kEnter}), Keys(code, {keys::kEnter}), Keys(digits, {keys::kEnter}),
+        Keys("23", {keys::kEnter}), Keys("", {keys::kEnter}), Keys("", {keys::kEnter}), Keys(supplier, {keys::kEnter}),
+        Keys("kg", {keys::kEnter}), Keys("", {keys::kEnter}), Keys("", {keys::kEnter}), Keys("", {keys::kEnter}),
+        Keys("", {keys::kEnter}), Keys(stock, {keys::kEnter})};
+  };
+  struct Case {
+    const char* what;
+    bool maxRights;
+    std::vector<std::function<void()>> steps;
+    ShortText shown;
+  };
+  const Case cases[] = {
+      {"code in use", true, form("590", "", "7", ""), "Znaleziono identyczną daną - dopisanie nie ma sensu."_mz},
+      {"digit index", true, form("", "1000000000000000", "7", ""),
+       "Indeks numeryczny musi zawierać się w przedziale [0,999999999999999]."_mz},
+      {"closed supplier", false, form("", "", "9", ""), "o uprawnieniach maksymalnych w programie, lub `Kierownik"_mz},
+      {"negative price", true, [&form] { auto f = form("", "", "7", ""); f[10] = Keys("-5", {keys::kEnter}); return f; }(),
+       "Przekroczenie zakresu argumentu."_mz},
+  };
+  for (const Case& c : cases) {
+    LogIn({}, c.maxRights);
+    gScreens.clear();
+    Play(c.steps);
+    int32_t number = 0;
+    EXPECT_FALSE(AddItem(kWarehouse, ItemRules{}, number)) << c.what;
+    EXPECT_TRUE(Shown(c.shown)) << c.what;
+    EXPECT_EQ(Scalar(rows), before) << c.what;
+  }
+  // With the rights: added with its stock, the purchase price taken.
+  LogIn({UserRight::kPurchasePrices});
+  auto steps = form("591", "", "7", "4");
+  steps[9] = Keys("10", {keys::kEnter});
+  Play(steps);
+  int32_t number = 0;
+  ASSERT_TRUE(AddItem(kWarehouse, ItemRules{}, number));
+  EXPECT_EQ(Scalar("SELECT nazwa||'/'||cena_z_b||'/'||jednostka FROM dane_kat_tow_ WHERE nr_wewn=" + std::to_string(number)),
+            "SER/12.3000000/kg");
+  EXPECT_EQ(Quantity(kWarehouse, number), 4);
+  // Without them the purchase price is passed by with the message, and stays 0.
+  LogIn({});
+  gScreens.clear();
+  steps = form("592", "", "7", "");
+  steps[0] = Keys("SER2", {keys::kEnter});
+  steps[9] = Keys("", {keys::kEnter});  // the message box takes this Enter
+  Play(steps);
+  ASSERT_TRUE(AddItem(kWarehouse, ItemRules{}, number));
+  EXPECT_TRUE(Shown("Nie masz praw do edycji cen."_mz));
+  EXPECT_EQ(Scalar("SELECT cena_z_n FROM dane_kat_tow_ WHERE nr_wewn=" + std::to_string(number)), "0.0000000");
+  ClearCurrentUser();
+}
+
+TEST_F(ItemsTest, TheListDeletesFindsByAnyFieldAndChangesItsView) {
+  const int32_t a = Add(Item("BULKA"), 1);
+  ItemData cheese = Item("SER");
+  cheese.place = "R12";
+  Add(cheese, 0);
+  AddLine(1, a);
+  // Without full rights deletion is refused; with them the item without turnover goes.
+  LogIn({});
+  Play({Keys("", {keys::kDown}), Keys("", {keys::kDel})});
+  ItemCatalogue(kWarehouse);
+  EXPECT_TRUE(Shown("Nie masz uprawnień do kasowania kartotek towarów."_mz));
+  EXPECT_EQ(Scalar("SELECT count(*) FROM dane_kat_tow_"), "2");
+  LogIn({}, true);
+  gScreens.clear();
+  // F7: search by column 12 (miejsce_w_magazynie) for R12; F6 then "tylko z ilością niezerową" hides SER.
+  Play({Keys("", {keys::F(7)}), Keys("", {keys::kDown, keys::kDown, keys::kDown, keys::kDown, keys::kDown, keys::kDown,
+        keys::kDown, keys::kDown, keys::kDown, keys::kDown, keys::kDown, keys::kEnter}), Keys("R12", {keys::kEnter}),
+        Keys("", {keys::F(6)}), Keys("1"), Keys("", {keys::kDel}), Keys("", {keys::kEnter}), Keys("T")});
+  ItemCatalogue(kWarehouse);
+  EXPECT_TRUE(Shown("Wybierz, według jakiego pola szukać:"_mz));
+  EXPECT_TRUE(Shown("Podaj pełną wartość pola:"_mz));
+  EXPECT_TRUE(Shown("Na towarze przeprowadzano obroty."_mz));
+  const std::string last = gScreens.back();
+  EXPECT_NE(last.find(" BULKA"), std::string::npos);
+  EXPECT_EQ(last.find(" SER"), std::string::npos);
+  EXPECT_EQ(Scalar("SELECT count(*) FROM dane_kat_tow_"), "2");
+  ClearCurrentUser();
 }
 
 }  // namespace
