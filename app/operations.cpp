@@ -3,6 +3,7 @@
 
 #include <iterator>
 
+#include "reports/analyses.h"
 #include "tui/msgbox.h"
 
 namespace {
@@ -11,6 +12,9 @@ using OperationFn = void (*)(AppState&);
 
 // Goods and cash documents belong to a warehouse: they need the current one
 // before anything else is asked.
+// The turnover analysis works over every warehouse: no current one is needed.
+void GoodsAnalyses(AppState&) { TurnoverAnalysisEntry(); }
+
 void DocumentEntry(AppState& state) {
   if (!WarehouseReady(state)) return;
   NotYetAvailable(state);
@@ -30,7 +34,7 @@ constexpr Operation kOperations[] = {
     {MenuOp::kWorkFiles, NotYetAvailable},
     {MenuOp::kGoodsCheck, NotYetAvailable},
     {MenuOp::kCashDocuments, DocumentEntry},
-    {MenuOp::kGoodsAnalyses, NotYetAvailable},
+    {MenuOp::kGoodsAnalyses, GoodsAnalyses},
     {MenuOp::kDocumentAnalyses, NotYetAvailable},
     {MenuOp::kCashAnalyses, NotYetAvailable},
     {MenuOp::kAccountingAnalyses, NotYetAvailable},

@@ -78,10 +78,10 @@ bool PrinterWithRange(const ShortText& printFile, int32_t first, int32_t last) {
 
 }  // namespace
 
-ShortText PrintFilePath() { return UserPath(CurrentUserNumber(), "tmp\\wydruk.txt"); }
+ShortText PrintFilePath() { return UserPath(std::max(CurrentUserNumber(), 0), "tmp\\wydruk.txt"); }
 
 ShortText PrintDeviceName() {
-  const ShortText places[] = {UserPath(CurrentUserNumber(), "drukpar.txt"), ShortText("dane\\drukpar.txt")};
+  const ShortText places[] = {UserPath(std::max(CurrentUserNumber(), 0), "drukpar.txt"), ShortText("dane\\drukpar.txt")};
   for (const ShortText& place : places) {
     std::ifstream in(std::string(PathToUnix(place).View()));
     std::string line;
