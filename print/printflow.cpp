@@ -161,7 +161,7 @@ bool PrintPageRange(int32_t& first, int32_t& last) {
   ShortText from("1"), to("999999999");
   for (;;) {
     if (!AskValueRange("Przygotuj drukarkę do drukowania - włącz, załóż papier, itd. i podaj@zakres stron do wydruku:"_mz,
-                       from, to, 9, 0, ShortText(), ShortText()))
+                       from, to, 9, 3, ShortText(), ShortText()))
       return false;
     const long a = std::strtol(std::string(from.View()).c_str(), nullptr, 10);
     const long b = std::strtol(std::string(to.View()).c_str(), nullptr, 10);
@@ -187,7 +187,7 @@ bool PrintToFile(const ShortText& printFile, const ShortText& suggested, const S
                              "," + ShortText(home != nullptr ? home : "") + "/wydruk" + extension;
   ShortText name = suggested + extension;
   for (;;) {
-    if (!AskValue("Podaj nazwę pliku:"_mz, name, 60, 0, ShortText(), examples)) return false;
+    if (!AskValue("Podaj nazwę pliku:"_mz, name, 60, 5, ShortText(), examples)) return false;
     const PrintCodePage page = AskCodePage(!keepCodes);
     if (page == PrintCodePage{}) return false;
     const std::string text = keepCodes ? bytes : StripControlCodes(bytes);

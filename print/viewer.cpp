@@ -30,7 +30,8 @@ ViewText BuildViewText(std::string_view file) {
   ViewText view;
   for (std::string_view page : SplitPages(file)) {
     view.pageStarts.push_back(static_cast<int>(view.lines.size()));
-    for (std::string_view line : SplitLines(StripControlCodes(page))) view.lines.emplace_back(line);
+    const std::string stripped = StripControlCodes(page);
+    for (std::string_view line : SplitLines(stripped)) view.lines.emplace_back(line);
   }
   if (view.pageStarts.empty()) view.pageStarts.push_back(0);
   return view;

@@ -41,7 +41,7 @@ void ShowStep(const char* step, int done, int total) {
 bool AskPeriod(TurnoverParams& p) {
   ShortText from = TodayChecked(10), to = from;
   for (;;) {
-    if (!AskValueRange("Podaj zakres dat, za który chcesz otrzymać informację o doku"_mz, from, to, 10, 0, ShortText(),
+    if (!AskValueRange("Podaj zakres dat, za który chcesz otrzymać informację o doku"_mz, from, to, 10, 7, ShortText(),
                        ShortText()))
       return false;
     if (!DateValidWithMessage(from, 10) || !DateValidWithMessage(to, 10)) continue;
@@ -111,7 +111,7 @@ const std::vector<KindSet>& AnalysisKindSets() {
 }
 
 bool AskTurnoverParams(TurnoverParams& p) {
-  if (!AskValue("Podaj tytuł wydruku:"_mz, p.title, 40, 0, ShortText(), ShortText())) return false;
+  if (!AskValue("Podaj tytuł wydruku:"_mz, p.title, 40, 1, ShortText(), ShortText())) return false;
   return AskPeriod(p) && AskWarehouses(p) && AskKinds(p) && AskSort(p);
 }
 
