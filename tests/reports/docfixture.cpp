@@ -1,5 +1,6 @@
 #include "docfixture.h"
 
+#include "base/dates.h"
 #include "master/tables.h"
 #include "sqltable/pgrecord.h"
 #include "sqltable/pgwrite.h"
@@ -82,4 +83,14 @@ void DocumentsTest::SaveDocument(int32_t number, const std::vector<SavedLine>& l
     kept.date = first.date;
     saved_.push_back(kept);
   }
+}
+
+void DocumentsTest::SaveSmallFirm() {
+  AddItem(1, "Mleko", 100);
+  AddItem(2, "Chleb", 200);
+  AddWarehouse(1, "Sklep");
+  AddWarehouse(2, "Hurtownia");
+  const int32_t opening = EncodeDaySerial(2026, 1, 10), sale = EncodeDaySerial(2026, 2, 5);
+  SaveDocument(1, {{1, 12, opening, 1, 10, 1.5L, 2, 2.5L, 3}, {1, 12, opening, 2, 4, 3, 4, 4.5L, 5.5L}});
+  SaveDocument(2, {{1, 1, sale, 1, 3, 1.5L, 2, 2.5L, 3}, {1, 1, sale, 2, 1.5L, 3, 4, 4.5L, 5.5L}});
 }

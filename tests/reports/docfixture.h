@@ -26,6 +26,9 @@ class DocumentsTest : public CatalogueTest {
   void AddWarehouse(int32_t number, const char* name);
   // One document: its header and its lines (warehouse, kind and date taken from the first line).
   void SaveDocument(int32_t number, const std::vector<SavedLine>& lines);
+  // Two items, two warehouses; in warehouse 1 an opening balance in January
+  // (10 of item 1, 4 of item 2) and a retail sale on 5 February (3 and 1.5).
+  void SaveSmallFirm();
 
   std::vector<SavedLine> saved_;
   std::set<int32_t> catalogue_;
