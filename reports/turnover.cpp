@@ -186,27 +186,3 @@ TurnoverTotals SumTurnover(const std::vector<TurnoverRow>& rows) {
   }
   return t;
 }
-
-TurnoverTotals BareTurnoverTotals(const TurnoverParams& p) {
-  std::string unions;
-  const std::string q = SignedQuantity(p);
-  for (int32_t w : p.warehouses) {
-    unions += std::string(unions.empty() ? "" : " UNION ALL ") + "SELECT " + q + " AS q,s.c_zak_netto AS zn,s.c_zak_brutto AS zb,"
-              "s.c_spr_netto AS sn,s.c_spr_brutto AS sb FROM " + Sql(WarehouseTablePath(w, "specyfik")) + " s JOIN " +
-              Sql(WarehouseTablePath(w, "naglowki")) +
-              " n ON n.typ_dok=s.typ_dok AND n.nr_dok=s.nr_dok AND n.znak_dok=s.znak_dok WHERE s.typ_dok IN (" +
-              NumberList(p.kinds) + ") AND n.data_dok>=" + IsoDate(p.from) + " AND n.data_dok<=" + IsoDate(p.to) +
-              ItemConditions(p);
-  }
-  TurnoverTotals t;
-  if (unions.empty()) return t;
-  PGResult res;
-  CheckDBError(PGRunQueryWithTup("SELECT COALESCE(SUM(q),0),COALESCE(SUM(q*zb),0),COALESCE(SUM(q*zn),0),COALESCE(SUM(q*sb),0),"
-                                 "COALESCE(SUM(q*sn),0) FROM (" + unions + ") u", res));
-  t.turnover = ToReal(res.Value(0, 0));
-  t.purchaseGross = ToReal(res.Value(0, 1));
-  t.purchaseNet = ToReal(res.Value(0, 2));
-  t.saleGross = ToReal(res.Value(0, 3));
-  t.saleNet = ToReal(res.Value(0, 4));
-  return t;
-}

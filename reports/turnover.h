@@ -65,6 +65,3 @@ TurnoverTotals SumTurnover(const std::vector<TurnoverRow>& rows);
 // The printed report: title, period, column heads, rows, pages of linesPerPage
 // separated by form feeds, and the totals at the end.
 std::string FormatTurnoverReport(const TurnoverParams& params, const std::vector<TurnoverRow>& rows, int linesPerPage);
-// The figures of the result by the bare aggregate, one statement over every
-// warehouse: the reference the benchmark measures the pipeline against.
-TurnoverTotals BareTurnoverTotals(const TurnoverParams& params);
