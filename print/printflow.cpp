@@ -30,10 +30,6 @@ bool ReadWhole(const ShortText& path, std::string& bytes) {
   return !in.bad();
 }
 
-void TellUnreadable(const ShortText& path) {
-  (void)MessageBox("Brak dostępu do pliku `"_mz + path + "\" z wydrukiem."_mz, 0);
-}
-
 void TellWriteFailure() { (void)MessageBox("Nie można zapisywać do pliku wydruku.@Może nie masz odpowiednich uprawnień ?"_mz, 0); }
 
 // The device file: beside the print file, with the pages in range, lines
@@ -78,6 +74,17 @@ bool PrinterWithRange(const ShortText& printFile, int32_t first, int32_t last) {
 
 }  // namespace
 
+bool ReadPrintFile(const ShortText& path, std::string& bytes) {
+  if (ReadWhole(path, bytes)) return true;
+  (void)MessageBox("Brak dostępu do pliku `"_mz + path + "\" z wydrukiem."_mz, 0);
+  return false;
+}
+
+void ShowDoneBox(const ShortText& text) {
+  (void)MessageBox(text, 2);
+  ShowProgress(FindProgressBar(text), 1, 1);
+}
+
 ShortText PrintFilePath() { return UserPath(std::max(CurrentUserNumber(), 0), "tmp\\wydruk.txt"); }
 
 ShortText PrintDeviceName() {
@@ -110,13 +117,8 @@ int WriteFileAtomically(const ShortText& target, std::string_view bytes) {
 
 bool PrintCutRange(const ShortText& printFile, int32_t first, int32_t last, const ShortText& target) {
   std::string bytes;
-  if (!ReadWhole(printFile, bytes)) {
-    TellUnreadable(printFile);
-    return false;
-  }
-  const ShortText text = "Trwa redukcja wydruku do podanego zakresu stron...[          ]"_mz;
-  (void)MessageBox(text, 2);
-  ShowProgress(FindProgressBar(text), 1, 1);
+  if (!ReadPrintFile(printFile, bytes)) return false;
+  ShowDoneBox("Trwa redukcja wydruku do podanego zakresu stron...[          ]"_mz);
   if (WriteFileAtomically(target, CutPages(bytes, first, last)) != 0) {
     TellWriteFailure();
     return false;
@@ -139,13 +141,8 @@ bool PrintSend(const ShortText& deviceFile, const ShortText& device) {
 
 bool PrintToPrinter(const ShortText& printFile, int32_t first, int32_t last) {
   std::string bytes;
-  if (!ReadWhole(printFile, bytes)) {
-    TellUnreadable(printFile);
-    return false;
-  }
-  const ShortText text = "Kontrola wydruku..[          ]"_mz;
-  (void)MessageBox(text, 2);
-  ShowProgress(FindProgressBar(text), 1, 1);
+  if (!ReadPrintFile(printFile, bytes)) return false;
+  ShowDoneBox("Kontrola wydruku..[          ]"_mz);
   const ShortText deviceFile = DeviceFilePathFor(printFile);
   if (WriteFileAtomically(deviceFile, DeviceBytes(bytes, first, last)) != 0) {
     TellWriteFailure();
@@ -178,10 +175,7 @@ bool PrintPageRange(int32_t& first, int32_t& last) {
 
 bool PrintToFile(const ShortText& printFile, const ShortText& suggested, const ShortText& extension, bool keepCodes) {
   std::string bytes;
-  if (!ReadWhole(printFile, bytes)) {
-    TellUnreadable(printFile);
-    return false;
-  }
+  if (!ReadPrintFile(printFile, bytes)) return false;
   const char* home = std::getenv("HOME");
   const ShortText examples = "Przykładowe lokalizacje i nazwy plików:,a:\\wydruk"_mz + extension + ",b:\\wydruk" + extension +
                              "," + ShortText(home != nullptr ? home : "") + "/wydruk" + extension;
@@ -191,9 +185,7 @@ bool PrintToFile(const ShortText& printFile, const ShortText& suggested, const S
     const PrintCodePage page = AskCodePage(!keepCodes);
     if (page == PrintCodePage{}) return false;
     const std::string text = keepCodes ? bytes : StripControlCodes(bytes);
-    const ShortText progress = "Trwa kopiowanie...[          ]"_mz;
-    (void)MessageBox(progress, 2);
-    ShowProgress(FindProgressBar(progress), 1, 1);
+    ShowDoneBox("Trwa kopiowanie...[          ]"_mz);
     if (WriteFileAtomically(name, ToCodePage(text, page)) == 0) return true;
     if (!MessageBox("Nie można stworzyć takiego pliku. Wpisujesz jeszcze raz ?"_mz, 1)) return false;
   }

@@ -1,12 +1,9 @@
 // The screen viewer of a print file.
 #include <algorithm>
-#include <fstream>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include "base/mazovia.h"
-#include "base/paths.h"
 #include "print/print.h"
 #include "print/print_detail.h"
 #include "print/printtext.h"
@@ -95,17 +92,9 @@ void DrawView(const ViewText& view, const ViewPlace& place) {
 }  // namespace
 
 bool PrintViewer(const ShortText& printFile, const ShortText& title) {
-  std::ifstream in(std::string(PathToUnix(printFile).View()), std::ios::binary);
-  if (!in) {
-    (void)MessageBox("Brak dostępu do pliku `"_mz + printFile + "\" z wydrukiem."_mz, 0);
-    return false;
-  }
-  std::ostringstream all;
-  all << in.rdbuf();
-  const std::string bytes = all.str();
-  const ShortText progress = "Trwa usuwanie z wydruku kodów sterujących drukarki...[          ]"_mz;
-  (void)MessageBox(progress, 2);
-  ShowProgress(FindProgressBar(progress), 1, 1);
+  std::string bytes;
+  if (!ReadPrintFile(printFile, bytes)) return false;
+  ShowDoneBox("Trwa usuwanie z wydruku kodów sterujących drukarki...[          ]"_mz);
   const ViewText view = BuildViewText(bytes);
   (void)title;
   ScreenCopyPtr saved;

@@ -3,13 +3,13 @@
 #include <sys/resource.h>
 
 #include <csignal>
-#include <deque>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
 
 #include "base/mazovia.h"
 #include "config/konfigur.h"
+#include "print/keyscript.h"
 #include "print/print.h"
 #include "tui/tui_fixture.h"
 
@@ -17,19 +17,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::deque<KeyPair> gScript;
-std::vector<std::string> gScreens;
-
-// Every wait for a key: the screen is kept, the next scripted key given (Esc
-// when the script is spent, so that a wrong turn ends instead of hanging).
-void PlayNext() {
-  std::string screen;
-  for (int row = 1; row <= kScreenRows; ++row) screen += std::string(RowText(row).View()) + "\n";
-  gScreens.push_back(screen);
-  const KeyPair key = gScript.empty() ? keys::kEsc : gScript.front();
-  if (!gScript.empty()) gScript.pop_front();
-  PushKey(key.ch, key.scan);
-}
+using namespace keyscript;
 
 std::string ReadAll(const fs::path& path) {
   std::ifstream in(path, std::ios::binary);
@@ -47,9 +35,7 @@ class PrintFlowTest : public tui_test::TuiTest {
     fs::create_directories(dir_ / "dane/uzytkown/0/tmp");
     fs::current_path(dir_);
     ConfigSettings() = ConfigValues::Defaults();
-    gScript.clear();
-    gScreens.clear();
-    SetKeyIdleHook(PlayNext);
+    Begin();
     printFile_ = PrintFilePath();
     // Two pages of 30 lines, each line with a printer code before its text.
     for (int page = 1; page <= 2; ++page) {
@@ -60,19 +46,14 @@ class PrintFlowTest : public tui_test::TuiTest {
     ASSERT_EQ(WriteFileAtomically(printFile_, report_), 0);
   }
   void TearDown() override {
-    SetKeyIdleHook(nullptr);
-    KeyboardReset();
+    End();
     fs::current_path(start_);
     fs::remove_all(dir_);
     TuiTest::TearDown();
   }
   static void Script(std::initializer_list<KeyPair> keys) { gScript.assign(keys); }
   static KeyPair Ch(char c) { return KeyPair{static_cast<uint8_t>(c), 0}; }
-  static bool Seen(std::string_view text) {
-    for (const std::string& s : gScreens)
-      if (s.find(text) != std::string::npos) return true;
-    return false;
-  }
+  static bool Seen(std::string_view text) { return ScreensWith(text) > 0; }
 
   fs::path start_, dir_;
   ShortText printFile_;

@@ -2,7 +2,6 @@
 // written through the print flow byte for byte, and the DBF copy.
 #include <cstdarg>
 #include <cstdio>
-#include <deque>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -11,6 +10,7 @@
 #include "base/mazovia.h"
 #include "docfixture.h"
 #include "exchange/dbf/dbf.h"
+#include "print/keyscript.h"
 #include "reports/analyses.h"
 #include "reports/dbfsave.h"
 
@@ -18,29 +18,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::deque<KeyPair> gScript;
-std::vector<std::string> gScreens;
-
-void PlayNext() {
-  std::string screen;
-  for (int row = 1; row <= kScreenRows; ++row) screen += std::string(RowText(row).View()) + "\n";
-  gScreens.push_back(screen);
-  const KeyPair key = gScript.empty() ? keys::kEsc : gScript.front();
-  if (!gScript.empty()) gScript.pop_front();
-  PushKey(key.ch, key.scan);
-}
-
-void Type(std::string_view text) {
-  for (char c : text) gScript.push_back(KeyPair{static_cast<uint8_t>(c), 0});
-}
-void Press(KeyPair key, int times = 1) {
-  for (int i = 0; i < times; ++i) gScript.push_back(key);
-}
-int ScreensWith(std::string_view text) {
-  int n = 0;
-  for (const std::string& s : gScreens) n += s.find(text) != std::string::npos;
-  return n;
-}
+using namespace keyscript;
 
 std::string Line(const char* format, ...) __attribute__((format(printf, 1, 2)));
 std::string Line(const char* format, ...) {
@@ -57,13 +35,10 @@ class ReportTest : public DocumentsTest {
   void SetUp() override {
     DocumentsTest::SetUp();
     SaveSmallFirm();
-    gScript.clear();
-    gScreens.clear();
-    SetKeyIdleHook(PlayNext);
+    Begin();
   }
   void TearDown() override {
-    SetKeyIdleHook(nullptr);
-    KeyboardReset();
+    End();
     DocumentsTest::TearDown();
   }
   static std::string ReadAll(const fs::path& path) {
