@@ -9,6 +9,7 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <map>
 #include <string>
 
 #include "base/dates.h"
@@ -58,13 +59,31 @@ TurnoverParams Params() {
   return p;
 }
 
+double Seconds(std::chrono::steady_clock::time_point start) {
+  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+// Time spent before each step's report is charged to the step reported before it.
+std::map<std::string, double> gStepSeconds;
+std::string gLastStep;
+std::chrono::steady_clock::time_point gLastAt;
+
 void ShowStep(const char* step, int done, int total) {
+  const auto now = std::chrono::steady_clock::now();
+  if (!gLastStep.empty()) gStepSeconds[gLastStep] += std::chrono::duration<double>(now - gLastAt).count();
+  gLastStep = step;
+  gLastAt = now;
   std::printf("\r  step %s  warehouse %d/%d   ", step, done, total);
   std::fflush(stdout);
 }
 
-double Seconds(std::chrono::steady_clock::time_point start) {
-  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+void PrintSteps() {
+  if (!gLastStep.empty()) gStepSeconds[gLastStep] += Seconds(gLastAt);
+  std::printf("  steps:");
+  for (const auto& [step, seconds] : gStepSeconds) std::printf(" %s %.2f s", step.c_str(), seconds);
+  std::printf("\n");
+  gStepSeconds.clear();
+  gLastStep.clear();
 }
 
 // The same figures in one statement: turnover and sale value per item in the
@@ -96,6 +115,7 @@ void Run() {
     start = std::chrono::steady_clock::now();
     std::vector<int32_t> missing;
     RunTurnoverAnalysis(p, ShowStep, missing);
+    PrintSteps();
     const auto rows = ReadTurnoverRows(p);
     const double pipeline = Seconds(start);
     Real stock = 0;

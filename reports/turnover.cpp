@@ -89,21 +89,29 @@ void SumByItem(const std::string& result) {
        "SUM(SPN),SUM(SPB),SUM(ZN),SUM(ZB) FROM TMP_A GROUP BY NR_WEWN");
 }
 
-// Steps 1-C to 1-F: stock before the period, one statement per warehouse and kind.
+// The signed quantity of a line by its kind's stock sign; kinds that leave
+// stock alone are not named and count nothing.
+std::string StockQuantity() {
+  std::string plus, minus;
+  for (int16_t kind = kFirstDocumentKind; kind <= kLastDocumentKind; ++kind) {
+    std::string& list = StockSign(kind) > 0 ? plus : minus;
+    if (StockSign(kind) != 0) list += (list.empty() ? "" : ",") + std::to_string(kind);
+  }
+  return "CASE WHEN typ_dok IN (" + plus + ") THEN ilosc WHEN typ_dok IN (" + minus + ") THEN -ilosc ELSE 0 END";
+}
+
+// Steps 1-C to 1-F: stock before the period. Every kind with its sign goes
+// into one statement per warehouse, so each warehouse's lines are read once,
+// summed by item on the server.
 void StockBefore(const TurnoverParams& p, const std::string& result, AnalysisProgress progress) {
   DropIfThere("TMP_S");
   Exec("CREATE TEMPORARY TABLE TMP_S (NR_WEWN INT,IL NUMERIC(28,7) )");
   const int total = static_cast<int>(p.warehouses.size());
   for (int i = 0; i < total; ++i) {
     if (progress != nullptr) progress("1-C", i + 1, total);
-    const std::string lines = Sql(WarehouseTablePath(p.warehouses[static_cast<std::size_t>(i)], "specyfik"));
-    for (int16_t kind = kFirstDocumentKind; kind <= kLastDocumentKind; ++kind) {
-      const int sign = StockSign(kind);
-      if (sign == 0) continue;
-      Exec("INSERT INTO TMP_S SELECT nr_towaru," + std::string(sign < 0 ? "-" : "") + "ilosc FROM " + lines +
-           " WHERE typ_dok=" + std::to_string(kind) + " AND data_dok<" + IsoDate(p.from) +
-           " AND nr_towaru IN (SELECT nr_wewn FROM " + result + ")");
-    }
+    Exec("INSERT INTO TMP_S SELECT nr_towaru,SUM(" + StockQuantity() + ") FROM " +
+         Sql(WarehouseTablePath(p.warehouses[static_cast<std::size_t>(i)], "specyfik")) + " WHERE data_dok<" +
+         IsoDate(p.from) + " AND nr_towaru IN (SELECT nr_wewn FROM " + result + ") GROUP BY nr_towaru");
   }
   if (progress != nullptr) progress("1-D", total, total);
   Exec("UPDATE " + result + " SET stan_pocz=TMP_X.ST FROM (SELECT NR_WEWN,SUM(IL) AS ST FROM TMP_S GROUP BY NR_WEWN) AS TMP_X WHERE " +

@@ -1,7 +1,7 @@
 // Turnover and stock analyses over many warehouses. The documents of each
 // warehouse lie in tables of their own, so an analysis is a pipeline of SQL
 // statements into the session's temporary tables (TMP_A, TMP_S), one
-// statement per warehouse (and per kind for the stock), the joins done on the
+// statement per warehouse and step, the joins and sums done on the
 // server: no line of specyfik is ever walked by the program. The result is
 // the table "obrotydb" in the user's directory, one row per item:
 //   ilosc      turnover (A): quantities of the chosen kinds in the period,
