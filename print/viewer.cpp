@@ -96,6 +96,8 @@ bool PrintViewer(const ShortText& printFile, const ShortText& title) {
   if (!ReadPrintFile(printFile, bytes)) return false;
   ShowDoneBox("Trwa usuwanie z wydruku kodów sterujących drukarki...[          ]"_mz);
   const ViewText view = BuildViewText(bytes);
+  // Rows 1 to 24 are the report's and row 25 the keys': the title has no row
+  // of its own on this screen, so the viewer takes it and shows it nowhere.
   (void)title;
   ScreenCopyPtr saved;
   ScreenSave(saved);

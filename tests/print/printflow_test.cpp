@@ -112,6 +112,18 @@ TEST_F(PrintFlowTest, FileToPrintKeepsCodesAndFileToEditDropsThem) {
   }
 }
 
+TEST_F(PrintFlowTest, AFileInAMissingDirectoryIsRefusedWithTheQuestion) {
+  Type("3");
+  Press(keys::kBackspace, 12);
+  Type("brak/wyj.txt");
+  Press(keys::kEnter);
+  Type("1N");  // Mazovia; no second try
+  PrintTarget taken = PrintTarget::kNone;
+  EXPECT_FALSE(PrintDestination(printFile_, PrintTarget::kNone, taken));
+  EXPECT_TRUE(Seen("Nie można stworzyć takiego pliku. Wpisujesz jeszcze raz ?"_mz.View()));
+  EXPECT_FALSE(fs::exists(dir_ / "brak"));
+}
+
 TEST_F(PrintFlowTest, PrinterGoesThroughTheQueueCommandOfTheConfiguration) {
   fs::create_directories(dir_ / "dane");
   std::ofstream(dir_ / "dane/drukpar.txt") << "60#linie\nkolejka1#urzadzenie\n";
@@ -126,9 +138,12 @@ TEST_F(PrintFlowTest, PrinterGoesThroughTheQueueCommandOfTheConfiguration) {
 }
 
 TEST_F(PrintFlowTest, PageRangeRefusesTheFirstAboveTheLast) {
-  Script({keys::kBackspace, Ch('3'), Ch('6'), keys::kEnter, keys::kBackspace, keys::kBackspace, keys::kBackspace,
-          keys::kBackspace, keys::kBackspace, keys::kBackspace, keys::kBackspace, keys::kBackspace, keys::kBackspace,
-          Ch('3'), Ch('4'), keys::kEnter, keys::kEnter, keys::kEsc});
+  Press(keys::kBackspace);
+  Type("36");
+  Press(keys::kEnter);
+  Press(keys::kBackspace, 9);
+  Type("34");
+  Press(keys::kEnter, 2);  // the second Enter closes the message; Esc follows
   int32_t first = 0, last = 0;
   EXPECT_FALSE(PrintPageRange(first, last));
   EXPECT_TRUE(Seen("na przykład: od 34 do 36."_mz.View()));
