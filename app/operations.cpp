@@ -9,6 +9,7 @@
 #include "master/contractor_screens.h"
 #include "master/dictionary_screens.h"
 #include "master/items.h"
+#include "reports/analyses.h"
 #include "tui/msgbox.h"
 #include "users/users.h"
 
@@ -19,6 +20,9 @@ using OperationFn = void (*)(AppState&);
 void CashDocuments(AppState& state) {
   if (WarehouseReady(state)) PaymentDocuments(state.warehouse);
 }
+
+// The turnover analysis works over every warehouse: no current one is needed.
+void GoodsAnalyses(AppState&) { TurnoverAnalysisEntry(); }
 
 void DepositSettlement(AppState& state) {
   if (WarehouseReady(state)) AutoSettleDeposits(state.warehouse);
@@ -66,7 +70,7 @@ constexpr Operation kOperations[] = {
     {MenuOp::kWorkFiles, WorkFiles},
     {MenuOp::kGoodsCheck, NotYetAvailable},
     {MenuOp::kCashDocuments, CashDocuments},
-    {MenuOp::kGoodsAnalyses, NotYetAvailable},
+    {MenuOp::kGoodsAnalyses, GoodsAnalyses},
     {MenuOp::kDocumentAnalyses, NotYetAvailable},
     {MenuOp::kCashAnalyses, NotYetAvailable},
     {MenuOp::kAccountingAnalyses, NotYetAvailable},

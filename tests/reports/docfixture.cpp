@@ -1,0 +1,96 @@
+#include "docfixture.h"
+
+#include "base/dates.h"
+#include "master/tables.h"
+#include "sqltable/pgrecord.h"
+#include "sqltable/pgwrite.h"
+#include "users/users.h"
+
+namespace {
+
+// Opens a table with a record buffer; closes both when done.
+struct OpenRecord {
+  explicit OpenRecord(const ShortText& path) {
+    EXPECT_EQ(PGTblOpen(path, tbl, 0), 0) << path.View();
+    EXPECT_EQ(PGRecBufOpen(tbl, rec), 0);
+    EXPECT_EQ(PGRecBufEmpty(rec), 0);
+  }
+  ~OpenRecord() {
+    PGRecBufClose(rec);
+    PGTblClose(tbl);
+  }
+  void Append() { EXPECT_EQ(PGRecAppend(tbl, rec), 0) << PGLastOp.Str(); }
+  int16_t tbl = 0, rec = 0;
+};
+
+}  // namespace
+
+void DocumentsTest::SetUp() {
+  CatalogueTest::SetUp();
+  CreateFirmTables();
+  for (int32_t w = 1; w <= 3; ++w) CreateWarehouseTables(false, w);
+  UserRecord user;
+  user.number = 4;
+  SetCurrentUser(user);
+}
+
+void DocumentsTest::AddItem(int32_t item, const ShortText& name, int32_t supplier) {
+  OpenRecord r("dane\\kat_tow_");
+  EXPECT_EQ(PGPutAlpha(r.rec, KatTowCol::nazwa, name), 0);
+  EXPECT_EQ(PGPutLong(r.rec, KatTowCol::nr_wewn, item), 0);
+  EXPECT_EQ(PGPutLong(r.rec, KatTowCol::dostawca, supplier), 0);
+  EXPECT_EQ(PGPutAlpha(r.rec, KatTowCol::vat, "23"), 0);
+  r.Append();
+  catalogue_.insert(item);
+  suppliers_[static_cast<std::size_t>(item)] = supplier;
+}
+
+void DocumentsTest::AddWarehouse(int32_t number, const char* name) {
+  OpenRecord r("dane\\magazyny");
+  EXPECT_EQ(PGPutAlpha(r.rec, KontrahentCol::nazwa, name), 0);
+  EXPECT_EQ(PGPutLong(r.rec, KontrahentCol::numer, number), 0);
+  r.Append();
+}
+
+void DocumentsTest::SaveDocument(int32_t number, const std::vector<SavedLine>& lines) {
+  const SavedLine& first = lines.front();
+  {
+    OpenRecord h(WarehouseTablePath(first.warehouse, "naglowki"));
+    EXPECT_EQ(PGPutShort(h.rec, NaglowkiCol::typ_dok, first.kind), 0);
+    EXPECT_EQ(PGPutLong(h.rec, NaglowkiCol::nr_dok, number), 0);
+    EXPECT_EQ(PGPutAlpha(h.rec, NaglowkiCol::znak_dok, "A"), 0);
+    EXPECT_EQ(PGPutDate(h.rec, NaglowkiCol::data_dok, first.date), 0);
+    h.Append();
+  }
+  OpenRecord s(WarehouseTablePath(first.warehouse, "specyfik"));
+  int32_t position = 0;
+  for (const SavedLine& line : lines) {
+    EXPECT_EQ(PGPutShort(s.rec, SpecyfikCol::typ_dok, first.kind), 0);
+    EXPECT_EQ(PGPutLong(s.rec, SpecyfikCol::nr_dok, number), 0);
+    EXPECT_EQ(PGPutAlpha(s.rec, SpecyfikCol::znak_dok, "A"), 0);
+    EXPECT_EQ(PGPutLong(s.rec, SpecyfikCol::pozycja, ++position), 0);
+    EXPECT_EQ(PGPutDate(s.rec, SpecyfikCol::data_dok, first.date), 0);
+    EXPECT_EQ(PGPutLong(s.rec, SpecyfikCol::nr_towaru, line.item), 0);
+    EXPECT_EQ(PGPutExt(s.rec, SpecyfikCol::ilosc, line.quantity), 0);
+    EXPECT_EQ(PGPutExt(s.rec, SpecyfikCol::c_zak_netto, line.purchaseNet), 0);
+    EXPECT_EQ(PGPutExt(s.rec, SpecyfikCol::c_zak_brutto, line.purchaseGross), 0);
+    EXPECT_EQ(PGPutExt(s.rec, SpecyfikCol::c_spr_netto, line.saleNet), 0);
+    EXPECT_EQ(PGPutExt(s.rec, SpecyfikCol::c_spr_brutto, line.saleGross), 0);
+    s.Append();
+    SavedLine kept = line;
+    kept.warehouse = first.warehouse;
+    kept.kind = first.kind;
+    kept.date = first.date;
+    saved_.push_back(kept);
+  }
+}
+
+void DocumentsTest::SaveSmallFirm() {
+  AddItem(1, "Mleko", 100);
+  AddItem(2, "Chleb", 200);
+  AddWarehouse(1, "Sklep");
+  AddWarehouse(2, "Hurtownia");
+  const int32_t opening = EncodeDaySerial(2026, 1, 10), sale = EncodeDaySerial(2026, 2, 5);
+  SaveDocument(1, {{1, 12, opening, 1, 10, 1.5L, 2, 2.5L, 3}, {1, 12, opening, 2, 4, 3, 4, 4.5L, 5.5L}});
+  SaveDocument(2, {{1, 1, sale, 1, 3, 1.5L, 2, 2.5L, 3}, {1, 1, sale, 2, 1.5L, 3, 4, 4.5L, 5.5L}});
+}

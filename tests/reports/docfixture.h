@@ -1,0 +1,36 @@
+// A firm with three warehouses whose documents the test saves straight
+// through the table layer, keeping its own copy of every line so that the
+// expected figures are computed from the inputs, not read back.
+#pragma once
+
+#include <set>
+#include <vector>
+
+#include "base/real.h"
+#include "sqltable/sqltest.h"
+
+struct SavedLine {
+  int32_t warehouse = 0;
+  int16_t kind = 0;
+  int32_t date = 0;  // day serial
+  int32_t item = 0;
+  Real quantity = 0, purchaseNet = 0, purchaseGross = 0, saleNet = 0, saleGross = 0;
+};
+
+class DocumentsTest : public CatalogueTest {
+ protected:
+  void SetUp() override;
+  // A catalogue row: number, name, supplier.
+  void AddItem(int32_t item, const ShortText& name, int32_t supplier);
+  // A warehouse row of dane\magazyny.
+  void AddWarehouse(int32_t number, const char* name);
+  // One document: its header and its lines (warehouse, kind and date taken from the first line).
+  void SaveDocument(int32_t number, const std::vector<SavedLine>& lines);
+  // Two items, two warehouses; in warehouse 1 an opening balance in January
+  // (10 of item 1, 4 of item 2) and a retail sale on 5 February (3 and 1.5).
+  void SaveSmallFirm();
+
+  std::vector<SavedLine> saved_;
+  std::set<int32_t> catalogue_;
+  std::vector<int32_t> suppliers_ = std::vector<int32_t>(100, 0);  // supplier of item n
+};

@@ -1,0 +1,142 @@
+// The turnover report end to end: the dialog's refusals, the run, the file
+// written through the print flow byte for byte, and the DBF copy.
+#include <cstdarg>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "base/dates.h"
+#include "base/mazovia.h"
+#include "docfixture.h"
+#include "exchange/dbf/dbf.h"
+#include "print/keyscript.h"
+#include "reports/analyses.h"
+#include "reports/dbfsave.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+using namespace keyscript;
+
+std::string Line(const char* format, ...) __attribute__((format(printf, 1, 2)));
+std::string Line(const char* format, ...) {
+  char buf[256];
+  va_list args;
+  va_start(args, format);
+  std::vsnprintf(buf, sizeof buf, format, args);
+  va_end(args);
+  return std::string(buf) + "\r\n";
+}
+
+class ReportTest : public DocumentsTest {
+ protected:
+  void SetUp() override {
+    DocumentsTest::SetUp();
+    SaveSmallFirm();
+    Begin();
+  }
+  void TearDown() override {
+    End();
+    DocumentsTest::TearDown();
+  }
+  static std::string ReadAll(const fs::path& path) {
+    std::ifstream in(path, std::ios::binary);
+    std::ostringstream all;
+    all << in.rdbuf();
+    return all.str();
+  }
+  // The dialog up to the dates: the title typed, the dates replaced.
+  static void TitleAndDates(const char* from, const char* to) {
+    Type("Test");
+    Press(keys::kEnter);
+    Press(keys::kBackspace, 10);
+    Type(from);
+    Press(keys::kEnter);
+    Press(keys::kBackspace, 10);
+    Type(to);
+    Press(keys::kEnter);
+  }
+};
+
+TEST_F(ReportTest, ThePeriodMustBeRealDatesInOrder) {
+  const struct {
+    const char *from, *to;
+  } cases[] = {{"", ""}, {"01-02-2026", "31-01-2026"}, {"31-02-2026", "01-03-2026"}};
+  for (const auto& c : cases) {
+    gScript.clear();
+    gScreens.clear();
+    TitleAndDates(c.from, c.to);
+    Press(keys::kEnter);  // any message box
+    Press(keys::kEsc, 3);
+    TurnoverParams p;
+    EXPECT_FALSE(AskTurnoverParams(p)) << c.from;
+    EXPECT_GE(ScreensWith("za który chcesz otrzymać"_mz.View()), 2) << c.from << ": the dates are asked again";
+    EXPECT_EQ(ScreensWith("Wybierz magazyny"), 0) << c.from;
+  }
+}
+
+TEST_F(ReportTest, NoWarehouseOrNoKindEndsTheDialogue) {
+  TitleAndDates("01-02-2026", "28-02-2026");
+  Press(keys::F(10));  // nothing marked
+  TurnoverParams p;
+  EXPECT_FALSE(AskTurnoverParams(p));
+  EXPECT_GE(ScreensWith("Nie wybrano żadnego magazynu do zestawienia - nie ma czego analizować."_mz.View()), 1);
+  gScript.clear();
+  TitleAndDates("01-02-2026", "28-02-2026");
+  Press(keys::kEnter);  // warehouse 1 marked
+  Press(keys::F(10));
+  Press(keys::kEnter);  // the first set (sales) unmarked
+  Press(keys::F(10));
+  TurnoverParams q;
+  EXPECT_FALSE(AskTurnoverParams(q));
+  EXPECT_EQ(q.warehouses, std::vector<int32_t>{1});
+  EXPECT_GE(ScreensWith("Nie skonfigurowano żadnego dokumentu do tej analizy."_mz.View()), 1);
+}
+
+TEST_F(ReportTest, TheReportGoesToAFileByteForByteAndToDbf) {
+  TitleAndDates("01-02-2026", "28-02-2026");
+  Press(keys::kEnter);  // warehouse 1
+  Press(keys::F(10));
+  Press(keys::F(10));  // sales, marked at the start
+  Type("1");           // sort by name
+  Type("N");           // ascending
+  TurnoverParams p;
+  ASSERT_TRUE(AskTurnoverParams(p));
+  EXPECT_EQ(p.kinds, (std::vector<int16_t>{1, 2, 4}));
+
+  gScript.clear();
+  Type("3");  // file to print
+  Press(keys::kBackspace, 12);
+  Type("raport.txt");
+  Press(keys::kEnter);
+  Type("1");  // Mazovia
+  Type("T");  // the DBF copy too
+  ASSERT_TRUE(RunTurnoverReport(p));
+
+  const std::string dashes(110, '-');
+  std::string expected = Line("%s", "Dynamika obrotów dla: Test"_mz.Str().c_str()) + Line("Okres: od 01-02-2026 do 28-02-2026") +
+                         Line("%s", dashes.c_str()) +
+                         Line("%s", "Nr wewn. Nazwa towaru                         Obrót (A)      Stan (B)   %(A/B) "
+                                    "Wart.zak.brutto Wart.sprz.brutto"_mz.Str().c_str()) +
+                         Line("%s", dashes.c_str());
+  // Chleb: 1.5 sold of 4 at the start; Mleko: 3 of 10. Issues count minus.
+  expected += Line("%8d %-31s %13.3f %13.3f %8.2f %15.2f %16.2f", 2, "Chleb", -1.5, 4.0, -37.5, -6.0, -8.25);
+  expected += Line("%8d %-31s %13.3f %13.3f %8.2f %15.2f %16.2f", 1, "Mleko", -3.0, 10.0, -30.0, -6.0, -9.0);
+  expected += Line("%s", dashes.c_str());
+  expected += Line("%s%16.3f", "SUMA ILOŚCI                               :"_mz.Str().c_str(), -4.5);
+  expected += Line("%s%16.2f", "SUMA WG CEN ZAKUPU BRUTTO                 :"_mz.Str().c_str(), -12.0);
+  expected += Line("%s%16.2f", "SUMA WG CEN ZAKUPU NETTO :", -9.0);
+  expected += Line("%s%16.2f", "SUMA WG CEN SPRZEDAŻY BRUTTO :"_mz.Str().c_str(), -17.25);
+  EXPECT_EQ(ReadAll(fs::path(Db().home) / "raport.txt"), expected);
+
+  DbfFile dbf;
+  ASSERT_EQ(DbfOpen(dbf, TurnoverDbfPath()), 0);
+  EXPECT_EQ(dbf.recordCount, 2);
+  ASSERT_EQ(DbfReadRecord(dbf, 2), 0);
+  EXPECT_EQ(DbfGetField(dbf, 3), ShortText("Chleb"));
+  EXPECT_EQ(DbfGetField(dbf, 5), ShortText("           4.000"));
+}
+
+}  // namespace

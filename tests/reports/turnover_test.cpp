@@ -1,0 +1,165 @@
+// The turnover analysis against figures the test computes from the lines it saved.
+#include <algorithm>
+#include <cmath>
+#include <map>
+
+#include "base/dates.h"
+#include "base/mazovia.h"
+#include "docfixture.h"
+#include "reports/turnover.h"
+
+namespace {
+
+// What each kind does to stock, written out here on its own.
+const std::set<int16_t> kIssues = {1, 2, 4, 8, 9, 13, 14, 15};
+const std::set<int16_t> kReceipts = {3, 5, 6, 7, 10, 11, 12, 18};
+
+struct Expected {
+  Real turnover = 0, stock = 0, purchaseGross = 0, saleGross = 0, saleNet = 0;
+};
+
+int32_t Day(int y, int m, int d) { return EncodeDaySerial(y, m, d); }
+
+class TurnoverTest : public DocumentsTest {
+ protected:
+  void SetUp() override {
+    DocumentsTest::SetUp();
+    const ShortText names[] = {"", "Mleko", "Chleb", "Masło"_mz, "Ser", "Jabłka"_mz};
+    for (int32_t item = 1; item <= 5; ++item) AddItem(item, names[item], item % 2 == 0 ? 100 : 200);
+    // Item 6 has lines but no catalogue row. Item 5 has lines only in the period.
+    int32_t number = 0;
+    for (int16_t kind = 1; kind <= 18; ++kind) {
+      for (int32_t w = 1; w <= 2; ++w) {
+        for (int month = 1; month <= 3; ++month) {
+          const int32_t date = Day(2026, month, 1 + (kind * 7 + w * 3) % 28);
+          std::vector<SavedLine> lines;
+          for (int32_t item = 1; item <= 6; ++item) {
+            if (item == 5 && month != 2) continue;
+            if ((item + kind + month) % 3 == 0) continue;
+            const Real q = static_cast<Real>((kind * 13 + item * 7 + month * 5 + w) % 17 + 1) / 4;
+            lines.push_back({w, kind, date, item, q, Real(item) + 0.5L, Real(item) * 1.23L, Real(item) * 2, Real(item) * 2.46L});
+          }
+          if (!lines.empty()) SaveDocument(++number, lines);
+        }
+      }
+    }
+    // Warehouse 3 holds one line before the period only.
+    SaveDocument(++number, {{3, 12, Day(2025, 12, 31), 1, 9, 1, 1, 1, 1}});
+  }
+
+  std::map<int32_t, Expected> Compute(const TurnoverParams& p) const {
+    std::map<int32_t, Expected> out;
+    const auto chosen = [&](int32_t w) { return std::count(p.warehouses.begin(), p.warehouses.end(), w) > 0; };
+    const auto itemWanted = [&](int32_t item) {
+      if (!p.items.empty() && std::count(p.items.begin(), p.items.end(), item) == 0) return false;
+      return p.suppliers.empty() || std::count(p.suppliers.begin(), p.suppliers.end(), suppliers_[static_cast<std::size_t>(item)]) > 0;
+    };
+    for (const SavedLine& l : saved_) {
+      const bool inKinds = std::count(p.kinds.begin(), p.kinds.end(), l.kind) > 0;
+      if (!chosen(l.warehouse) || !inKinds || l.date < p.from || l.date > p.to || !itemWanted(l.item)) continue;
+      const Real q = kIssues.count(l.kind) && !p.issuesPositive ? -l.quantity : l.quantity;
+      Expected& e = out[l.item];
+      e.turnover += q;
+      e.purchaseGross += q * l.purchaseGross;
+      e.saleGross += q * l.saleGross;
+      e.saleNet += q * l.saleNet;
+    }
+    for (const SavedLine& l : saved_) {
+      if (!chosen(l.warehouse) || l.date >= p.from || out.count(l.item) == 0) continue;
+      out[l.item].stock += kIssues.count(l.kind) ? -l.quantity : kReceipts.count(l.kind) ? l.quantity : 0;
+    }
+    return out;
+  }
+
+  static TurnoverParams February() {
+    TurnoverParams p;
+    p.from = Day(2026, 2, 1);
+    p.to = Day(2026, 2, 28);
+    p.warehouses = {1, 2, 3};
+    p.kinds = {1, 2, 4};
+    return p;
+  }
+};
+
+void ExpectNear(Real actual, Real expected, const std::string& what) {
+  EXPECT_LT(std::fabs(static_cast<double>(actual - expected)), 1e-4) << what << ": " << static_cast<double>(actual)
+                                                                     << " != " << static_cast<double>(expected);
+}
+
+TEST_F(TurnoverTest, EveryItemAndTotalMatchesTheSavedLines) {
+  struct Case {
+    const char* name;
+    void (*change)(TurnoverParams&);
+  };
+  const Case cases[] = {
+      {"sales of all warehouses", [](TurnoverParams&) {}},
+      {"every kind, issues counted plus, warehouses 1 and 3",
+       [](TurnoverParams& p) {
+         p.kinds.clear();
+         for (int16_t k = 1; k <= 18; ++k) p.kinds.push_back(k);
+         p.issuesPositive = true;
+         p.warehouses = {1, 3};
+       }},
+      {"receipts of two items", [](TurnoverParams& p) { p.kinds = {6, 7, 10, 11}; p.items = {2, 3}; }},
+      {"issues of one supplier's items", [](TurnoverParams& p) { p.kinds = {1, 2, 4, 14, 15}; p.suppliers = {100}; }},
+      {"a period without documents", [](TurnoverParams& p) { p.from = p.to = Day(2027, 5, 5); }},
+      {"one day", [](TurnoverParams& p) { p.kinds = {6, 7, 8}; p.to = p.from = Day(2026, 2, 24); }},
+  };
+  for (const Case& c : cases) {
+    TurnoverParams p = February();
+    c.change(p);
+    std::vector<int32_t> missing;
+    RunTurnoverAnalysis(p, nullptr, missing);
+    const std::map<int32_t, Expected> expected = Compute(p);
+    const std::vector<TurnoverRow> rows = ReadTurnoverRows(p);
+    ASSERT_EQ(rows.size(), expected.size()) << c.name;
+    Expected total;
+    for (const TurnoverRow& r : rows) {
+      ASSERT_EQ(expected.count(r.item), 1u) << c.name << " item " << r.item;
+      const Expected& e = expected.at(r.item);
+      const std::string what = std::string(c.name) + " item " + std::to_string(r.item);
+      ExpectNear(r.turnover, e.turnover, what + " turnover");
+      ExpectNear(r.stockBefore, e.stock, what + " stock");
+      ExpectNear(r.percent, e.stock == 0 ? 0 : 100 * e.turnover / e.stock, what + " percent");
+      ExpectNear(r.purchaseGross, e.purchaseGross, what + " purchase");
+      ExpectNear(r.saleGross, e.saleGross, what + " sale");
+      total.turnover += e.turnover;
+      total.saleNet += e.saleNet;
+    }
+    const TurnoverTotals sums = SumTurnover(rows);
+    ExpectNear(sums.turnover, total.turnover, std::string(c.name) + " total");
+    ExpectNear(sums.saleNet, total.saleNet, std::string(c.name) + " total sale net");
+    EXPECT_EQ(missing, expected.count(6) ? std::vector<int32_t>{6} : std::vector<int32_t>{}) << c.name;
+  }
+  // No temporary table outlives a run.
+  EXPECT_EQ(Scalar("SELECT count(*) FROM pg_class WHERE relname LIKE 'tmp\\_%' AND relpersistence='t'"), "0");
+}
+
+TEST_F(TurnoverTest, AnItemWithoutStockBeforeThePeriodHasPercentZero) {
+  TurnoverParams p = February();
+  std::vector<int32_t> missing;
+  RunTurnoverAnalysis(p, nullptr, missing);
+  const auto rows = ReadTurnoverRows(p);
+  const auto five = std::find_if(rows.begin(), rows.end(), [](const TurnoverRow& r) { return r.item == 5; });
+  ASSERT_NE(five, rows.end());
+  EXPECT_NE(five->turnover, 0);
+  EXPECT_EQ(five->stockBefore, 0);
+  EXPECT_EQ(five->percent, 0);
+  EXPECT_EQ(five->name, "Jabłka"_mz);
+}
+
+TEST_F(TurnoverTest, SortOrdersFollowTheChoice) {
+  TurnoverParams p = February();
+  std::vector<int32_t> missing;
+  RunTurnoverAnalysis(p, nullptr, missing);
+  p.sort = TurnoverSort::kTurnover;
+  p.descending = true;
+  auto rows = ReadTurnoverRows(p);
+  EXPECT_TRUE(std::is_sorted(rows.begin(), rows.end(), [](auto& a, auto& b) { return a.turnover > b.turnover; }));
+  p.sort = TurnoverSort::kStock;
+  p.descending = false;
+  rows = ReadTurnoverRows(p);
+  EXPECT_TRUE(std::is_sorted(rows.begin(), rows.end(), [](auto& a, auto& b) { return a.stockBefore < b.stockBefore; }));
+}
+
+}  // namespace

@@ -1,0 +1,80 @@
+// One walk of the real klote in tmux: Analizy, the turnover analysis of the
+// small firm to the screen viewer, a move in it, and back to the menu.
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <thread>
+
+#include "docfixture.h"
+
+namespace {
+
+class ViewerWalkTest : public DocumentsTest {
+ protected:
+  void SetUp() override {
+    DocumentsTest::SetUp();
+    if (std::system("command -v tmux >/dev/null 2>&1") != 0) GTEST_SKIP() << "tmux is not installed";
+    socket_ = "kloterep" + std::to_string(::getpid());
+    SaveSmallFirm();
+  }
+  void TearDown() override {
+    (void)Tmux("kill-server");
+    DocumentsTest::TearDown();
+  }
+  int Tmux(const std::string& args) { return std::system(("tmux -L " + socket_ + " " + args + " 2>/dev/null").c_str()); }
+  std::string Pane() {
+    std::string text;
+    if (FILE* p = ::popen(("tmux -L " + socket_ + " capture-pane -p -t k 2>/dev/null").c_str(), "r")) {
+      char buf[4096];
+      for (std::size_t n; (n = std::fread(buf, 1, sizeof buf, p)) > 0;) text.append(buf, n);
+      ::pclose(p);
+    }
+    return text;
+  }
+  // Up to ten seconds for the text to show.
+  bool Shows(const std::string& text) {
+    for (int i = 0; i < 1000; ++i, std::this_thread::sleep_for(std::chrono::milliseconds(10)))
+      if (Pane().find(text) != std::string::npos) return true;
+    return false;
+  }
+  void Keys(const std::string& keys) { (void)Tmux("send-keys -t k " + keys); }
+  std::string socket_;
+};
+
+TEST_F(ViewerWalkTest, TurnoverAnalysisOnTheScreen) {
+  const char* options = std::getenv("PGOPTIONS");
+  const std::string command = "cd " + Db().home + " && HOME=" + Db().home + " PGOPTIONS='" + (options ? options : "") +
+                              "' TERM=xterm TERM_KLOTE_CP=UTF " KLOTE_BINARY_DIR "/app/main/klote; echo KLOTE-END; sleep 20";
+  ASSERT_EQ(Tmux("-f /dev/null new-session -d -s k -x 80 -y 25 \"" + command + "\" \\; set-option -g status off"), 0);
+  ASSERT_TRUE(Shows("F5 Analizy")) << Pane();
+  Keys("F5 1");
+  ASSERT_TRUE(Shows("Podaj tytuł wydruku:")) << Pane();
+  Keys("Test Enter BSpace BSpace BSpace BSpace BSpace BSpace BSpace BSpace BSpace BSpace 01-02-2026 Enter");
+  Keys("BSpace BSpace BSpace BSpace BSpace BSpace BSpace BSpace BSpace BSpace 28-02-2026 Enter");
+  ASSERT_TRUE(Shows("Wybierz magazyny, na których dokonywano operacji:")) << Pane();
+  Keys("Enter F10");
+  ASSERT_TRUE(Shows("Sprzedaż")) << Pane();
+  Keys("F10");
+  ASSERT_TRUE(Shows("Podaj sposób sortowania:")) << Pane();
+  Keys("1 N");
+  ASSERT_TRUE(Shows("Skierować wydruk:")) << Pane();
+  Keys("2");
+  ASSERT_TRUE(Shows("Dynamika obrotów dla: Test")) << Pane();
+  EXPECT_TRUE(Shows("       2 Chleb                                  -1.500         4.000   -37.50")) << Pane();
+  EXPECT_TRUE(Shows("-ruch obrazu")) << Pane();
+  // The report fits one screen: Down keeps it; Right moves it ten columns.
+  Keys("Down Right");
+  ASSERT_TRUE(Shows("\n01-02-2026 do 28-02-2026\n")) << Pane();
+  EXPECT_EQ(Pane().rfind("brotów dla: Test\n", 0), 0u) << Pane();
+  EXPECT_TRUE(Shows("\nhleb      ")) << Pane();
+  Keys("Escape");
+  ASSERT_TRUE(Shows("Czy zapisać zestawienie w standardzie DBF-3 ?")) << Pane();
+  Keys("N");
+  ASSERT_TRUE(Shows("Obroty i stany towarów w wybranym okresie, z podsumowaniami.")) << Pane();
+  Keys("Escape");
+  EXPECT_TRUE(Shows("KLOTE-END")) << Pane();
+}
+
+}  // namespace
