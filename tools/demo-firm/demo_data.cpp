@@ -38,7 +38,7 @@ constexpr std::array<const char*, kDemoContractors> kCustomerNames = {
     "Przedszkole nr 5 w Łodzi",       "Kawiarnia Ptyś Małgorzata Kęska", "Sklep Jędrzej Maćkowiak",
     "Stołówka Zakładowa Świt",        "Pensjonat Góralski Dwór",        "Spółdzielnia Społem Żoliborz",
     "Sklep Agnieszka Ślusarczyk",     "Catering Pyszności Sp. j.",      "Market Ogrodnik Tomasz Żak",
-    "Zajazd Pod Świerkami",           "Sklep Ekologiczny Zielony Listek", "Agroturystyka Łąka",
+    "Zajazd Pod Świerkami",           "Sklep Ekologiczny Zielony Łan", "Agroturystyka Łąka",
     "Kiosk Paweł Czyż",               "Szkoła Podstawowa nr 12 w Gdańsku",
 };
 
