@@ -200,6 +200,7 @@ namespace {
 // added by the form, found again by a fragment of its name, and the way out.
 TEST_F(KloteE2eTest, CustomerCatalogueAddAndFindByName) {
   Start(Db().home);
+  LogInAsManager();
   ASSERT_TRUE(ShowsHeading(kHeadings[0])) << Joined(Rows());
   Keys("F6 2");
   ASSERT_TRUE(WaitForText("odbiorcy")) << Joined(Rows());
