@@ -7,7 +7,7 @@
 #include "config/fieldlists.h"
 #include "config/konfigur.h"
 #include "master/contractor_screens.h"
-#include "master/tables.h"
+#include "master/firmdb.h"
 #include "sqltable/dbapp.h"
 #include "sqltable/pgtable.h"
 #include "tui/screen.h"
@@ -40,27 +40,10 @@ bool ReadConfiguration(AppState&) {
   return true;
 }
 
-// The firm's tables are made only when none of them is there: making them
-// empties them, so a firm that has some is never touched.
-bool FirmTablesMissing() {
-  for (const char* path : {"dane\\kat_tow_", "dane\\naglowki", "dane\\magazyny", "dane\\odbiorcy"}) {
-    bool exists = false;
-    CheckDBError(PGTblExist(ShortText(path), exists));
-    if (exists) return false;
-  }
-  return true;
-}
-
-// The one connection of the process. A new database gets its catalogue, the
-// users' list with the System Manager and the firm's tables; any failure is
-// the layer's message and the end of the program.
+// The one connection of the process and what a new database lacks; any
+// failure is the layer's message and the end of the program.
 bool ConnectDatabase(AppState&) {
-  CheckDBError(PGSetDefaults());
-  int16_t code = PGInit();
-  if (code == kPGNoCatalogue) code = PGinitializett();
-  CheckDBError(code);
-  CheckDBError(UsersTableEnsure());
-  if (FirmTablesMissing()) CreateFirmTables();
+  OpenFirmDatabase();
   return true;
 }
 

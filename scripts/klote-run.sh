@@ -9,7 +9,8 @@
 #
 #   scripts/klote-run.sh           klote in this terminal
 #   scripts/klote-run.sh --check   without a person: klote in tmux, logged in
-#                                  as the System Manager, to the menu bar and
+#                                  as the System Manager, the demo firm's
+#                                  first warehouse chosen, to the menu bar and
 #                                  out with Esc; fails when the login list or
 #                                  the bar does not show or the program does
 #                                  not end
@@ -86,10 +87,17 @@ wait_for() {  # wait_for <text>: up to 10 s
   screen >&2
   exit 1
 }
-# The login list: the System Manager, whose empty password admits him without a prompt.
+# The login list: the System Manager first, whose empty password admits him without a prompt.
 wait_for "Wybierz, jako który użytkownik będziesz pracować:"
 wait_for "Kierownik            | Systemu"
+[ -x "$demo_firm" ] && wait_for "Grzegorz             | Wiśniewski"
 tmux_ send-keys -t klote Enter
+if [ -x "$demo_firm" ]; then
+  # The demo firm has two warehouses: the current one is chosen from their list.
+  wait_for "Wybierz magazyn, na którego konto wprowadzać będziesz dane:"
+  wait_for "Magazyn główny"
+  tmux_ send-keys -t klote Enter
+fi
 wait_for "F2 Dokumenty   F3 Towary   F4 Kasa   F5 Analizy   F6 Inne       Esc Wyjście"
 echo "== klote shows the menu bar:"
 screen | sed '/^ *$/d'

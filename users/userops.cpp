@@ -108,22 +108,6 @@ bool NameTaken(UsersTable& t, const UserRecord& user) {
 // How a locked change ended; the lock is gone by the time the caller speaks.
 enum class Outcome { kDone, kRefused, kGone, kFailed };
 
-// Appends the row with the next number and makes its directory.
-Outcome AppendUser(UserRecord& user) {
-  UsersLock lock;
-  UsersTable t;
-  Checked(t.code());
-  if (NameTaken(t, user)) return Outcome::kRefused;
-  user.number = NextNumber(t);
-  user.status = "N";
-  Checked(t.Fill(user));
-  Checked(PGPutDate(t.rec(), userfld::kDataDopisania, users_detail::TodaySerial()));
-  Checked(PGRecAppend(t.tbl(), t.rec()));
-  if (!UserDirectoryCreate(user.number)) return Outcome::kFailed;  // the lock rolls the row back
-  lock.Commit();
-  return Outcome::kDone;
-}
-
 // Deletes the row unless its user works (read again under the lock).
 Outcome DeleteRow(int32_t number, UserRecord& user) {
   UsersLock lock;
@@ -192,6 +176,21 @@ bool Store(const UserRecord& user) {
 
 }  // namespace
 
+UserAppendOutcome UserAppend(UserRecord& user) {
+  UsersLock lock;
+  UsersTable t;
+  Checked(t.code());
+  if (NameTaken(t, user)) return UserAppendOutcome::kNameTaken;
+  user.number = NextNumber(t);
+  user.status = "N";
+  Checked(t.Fill(user));
+  Checked(PGPutDate(t.rec(), userfld::kDataDopisania, users_detail::TodaySerial()));
+  Checked(PGRecAppend(t.tbl(), t.rec()));
+  if (!UserDirectoryCreate(user.number)) return UserAppendOutcome::kFailed;  // the lock rolls the row back
+  lock.Commit();
+  return UserAppendOutcome::kDone;
+}
+
 bool UserAdd() {
   if (!MayChangeOthers()) {
     Say("Nie masz prawa do wpisania nowego użytkownika.@Zrobić to może ktoś, kto ma uprawnienia maksymalne w programie,@lub `Kierownik Systemu\"."_mz);
@@ -199,9 +198,9 @@ bool UserAdd() {
   }
   UserRecord user;
   if (!EditNames("Nowy użytkownik:"_mz, user)) return false;
-  const Outcome outcome = AppendUser(user);
-  if (outcome == Outcome::kRefused) Say("Użytkownik istnieje. Dopisanie niemożliwe !"_mz);
-  if (outcome != Outcome::kDone) return false;
+  const UserAppendOutcome outcome = UserAppend(user);
+  if (outcome == UserAppendOutcome::kNameTaken) Say("Użytkownik istnieje. Dopisanie niemożliwe !"_mz);
+  if (outcome != UserAppendOutcome::kDone) return false;
   (void)UsersWriteDbfCopy();
   return true;
 }

@@ -100,6 +100,15 @@ bool PasswordLocked(const ShortText& stored);
 // found false (and nothing written) when it is gone.
 [[nodiscard]] int16_t UserStore(const UserRecord& user, bool& found);
 
+// How UserAppend ended.
+enum class UserAppendOutcome : uint8_t { kDone, kNameTaken, kFailed };
+// Appends the user without a screen: the next number, status "N", today as
+// the day of adding, the password, rights and maximum-rights mark as given,
+// and the directory with user 0's personal copies; user.number receives the
+// number. A name (first name and surname) already on the list is refused; a
+// directory that cannot be made (its message shown) rolls the row back.
+[[nodiscard]] UserAppendOutcome UserAppend(UserRecord& user);
+
 // --- The current user: who is logged in and with what rights ---
 // Takes the logged-in user's number, name and rights from the row.
 void SetCurrentUser(const UserRecord& user);
