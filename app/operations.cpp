@@ -4,6 +4,7 @@
 #include <iterator>
 
 #include "documents/docentry.h"
+#include "documents/fiscalsetup.h"
 #include "documents/payments.h"
 #include "exchange/workfile.h"
 #include "master/contractor_screens.h"
@@ -54,6 +55,8 @@ void ChooseWarehouseEntry(AppState& state) {
 }
 
 void ContractorCatalogues(AppState&) { ContractorCataloguesMenu(); }
+// The operator's own fiscal printer settings; they take effect at the next start.
+void FiscalPrinterSetup(AppState&) { (void)EditFiscalConfig(); }
 void OtherCatalogues(AppState&) { DictionaryCataloguesMenu(); }
 
 struct Operation {
@@ -84,7 +87,7 @@ constexpr Operation kOperations[] = {
     {MenuOp::kAccountingExport, NotYetAvailable},
     {MenuOp::kProgramConfig, NotYetAvailable},
     {MenuOp::kMainPrinter, NotYetAvailable},
-    {MenuOp::kFiscalPrinter, NotYetAvailable},
+    {MenuOp::kFiscalPrinter, FiscalPrinterSetup},
     {MenuOp::kReceiptPrinter, NotYetAvailable},
     {MenuOp::kDeleteDocuments, NotYetAvailable},
     {MenuOp::kDepositSettlement, DepositSettlement},

@@ -6,6 +6,7 @@
 #include "app/menu.h"
 #include "config/fieldlists.h"
 #include "config/konfigur.h"
+#include "documents/fiscalsetup.h"
 #include "master/contractor_screens.h"
 #include "master/firmdb.h"
 #include "sqltable/dbapp.h"
@@ -50,8 +51,12 @@ bool ConnectDatabase(AppState&) {
 // The users' list in login mode and the session; Esc ends the program.
 bool LogIn(AppState&) { return SessionLogin(); }
 
-// Placeholder until the printer configuration is read here.
-bool ReadPrinterConfiguration(AppState&) { return true; }
+// The logged-in user's fiscal printer settings, handed to the drivers; the
+// other printers' settings are read where they are used.
+bool ReadPrinterConfiguration(AppState&) {
+  LoadUserFiscalConfig();
+  return true;
+}
 
 // The current warehouse: the only one of the catalogue, or the operator's
 // choice among several; none when the catalogue is empty or the choice is

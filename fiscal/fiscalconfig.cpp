@@ -223,10 +223,12 @@ void ParseFiscalServerConfig(const std::vector<ShortText>& lines, FiscalConfig& 
   if (c.elzabDelay > 65535) c.elzabDelay = kDefaultElzabDelay;
 }
 
-FiscalConfig ReadFiscalConfig(const ShortText& directory) {
+FiscalConfig ReadFiscalConfig(const ShortText& directory) { return ReadFiscalConfig(directory, directory); }
+
+FiscalConfig ReadFiscalConfig(const ShortText& directory, const ShortText& serverDirectory) {
   FiscalConfig c;
   bool found = false;
-  ParseFiscalServerConfig(ReadLines(directory + "konffiss.txt", found), c);
+  ParseFiscalServerConfig(ReadLines(serverDirectory + "konffiss.txt", found), c);
   if (!found) c.helperScript.Clear();
   const std::vector<ShortText> lines = ReadLines(directory + "konffisk.txt", found);
   ParseFiscalConfig(lines, c);
@@ -234,8 +236,12 @@ FiscalConfig ReadFiscalConfig(const ShortText& directory) {
 }
 
 int WriteFiscalConfig(const ShortText& directory, const FiscalConfig& config) {
+  return WriteFiscalConfig(directory, directory, config);
+}
+
+int WriteFiscalConfig(const ShortText& directory, const ShortText& serverDirectory, const FiscalConfig& config) {
   const int rc = WriteLines(directory + "konffisk.txt", FormatFiscalConfig(config));
-  return rc != 0 ? rc : WriteLines(directory + "konffiss.txt", FormatFiscalServerConfig(config));
+  return rc != 0 ? rc : WriteLines(serverDirectory + "konffiss.txt", FormatFiscalServerConfig(config));
 }
 
 FiscalConfig& CurrentFiscalConfig() {

@@ -61,8 +61,14 @@ void ParseFiscalServerConfig(const std::vector<ShortText>& lines, FiscalConfig& 
 // Reads both files from the directory ("" for the current one, else ending in a
 // separator); a missing konffisk.txt gives type 0. Never fails.
 FiscalConfig ReadFiscalConfig(const ShortText& directory);
+// The same with konffiss.txt taken from its own directory: konffisk.txt is a
+// personal copy of each user, konffiss.txt belongs to the workstation.
+FiscalConfig ReadFiscalConfig(const ShortText& directory, const ShortText& serverDirectory);
 // Writes both files into the directory; 0 or the IO result of the failing step.
 [[nodiscard]] int WriteFiscalConfig(const ShortText& directory, const FiscalConfig& config);
+// Writes konffisk.txt into the directory and konffiss.txt into serverDirectory.
+[[nodiscard]] int WriteFiscalConfig(const ShortText& directory, const ShortText& serverDirectory,
+                                    const FiscalConfig& config);
 
 // The settings in force in this process (read once at start-up, or by tests).
 FiscalConfig& CurrentFiscalConfig();

@@ -163,4 +163,17 @@ TEST_F(MenuTest, EntriesRunTheirOperationAndComeBackToTheirList) {
   }
 }
 
+// Inne's seventh entry asks about the operator's fiscal printer; "no" ends it
+// without a file written.
+TEST_F(MenuTest, FiscalPrinterEntryAsksToChangeTheSettings) {
+  gSeen.clear();
+  gNext = 0;
+  gScript = {keys::F(6), {'7', 8}, {'N', 49}, keys::kEsc};
+  MenuBar(MenuKind::kWarehouse, state_);
+  ASSERT_EQ(gSeen.size(), gScript.size());
+  const std::string question = "Czy zmienić ustawienia drukarki fiskalnej ?"_mz.Str();
+  EXPECT_NE(gSeen[2].screen.find(question), std::string::npos) << gSeen[2].screen;
+  EXPECT_EQ(gSeen.back().screen.find(question), std::string::npos);
+}
+
 }  // namespace

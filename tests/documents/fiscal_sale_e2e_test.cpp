@@ -20,9 +20,11 @@
 
 #include "base/codepage.h"
 #include "base/mazovia.h"
+#include "base/jobfile.h"
 #include "documents/fiscalise.h"
 #include "elzab_sim_process.h"
 #include "fiscal/elzab_line.h"
+#include "fiscal/fiscaljob.h"
 #include "fiscal/portio.h"
 #include "fiscal/serial.h"
 #include "master/columns.h"
@@ -416,6 +418,102 @@ TEST_F(FiscalSaleTest, UnmappedRateRefusedAndDocumentGone) {
   // A document no flag sends to the printer stays out of it.
   config_.documentFlags[0] = 0;
   EXPECT_EQ(FiscalSaveDocument(config_, payment, sale), FiscalSaveOutcome::kNotFiscal);
+}
+
+// A sale of n lines of quantity 1, prices 0.10, 0.20, ... zl, all at rate "23".
+FiscalSale LongSale(int n) {
+  FiscalSale sale;
+  sale.number = "17";
+  sale.cashierNumber = 7;
+  sale.cashierName = "Nowak";
+  for (int i = 1; i <= n; ++i) {
+    FiscalSaleLine line;
+    line.name1 = ShortText("Towar nr ") + ShortText(std::to_string(i).c_str());
+    line.vat = "23";
+    line.price = i / 10.0L;
+    line.quantity = 1;
+    line.unit = "szt";
+    sale.lines.push_back(line);
+  }
+  return sale;
+}
+
+// The receipts of a journal: "RECEIPT n", the count of its lines, its total and paid.
+Lines ReceiptShapes(const Lines& journal) {
+  Lines out;
+  int lines = 0;
+  for (const std::string& l : journal) {
+    if (l.rfind("LINE ", 0) == 0) ++lines;
+    if (l.rfind("RECEIPT", 0) == 0) out.push_back(l), lines = 0;
+    if (l.rfind("TOTAL", 0) == 0) out.push_back(std::to_string(lines) + " lines, " + l);
+  }
+  return out;
+}
+
+// What the parts of a split sale of n lines hold with the limit: each its own sum, paid in cash.
+Lines ExpectedParts(int n, int limit) {
+  Lines out;
+  for (int first = 1; first <= n; first += limit) {
+    const int count = std::min(limit, n - first + 1);
+    int64_t total = 0;
+    for (int i = first; i < first + count; ++i) total += i * 10;
+    out.push_back("RECEIPT " + std::to_string(count));
+    // The receipt's sum: zloty, and two places of grosz when there are any.
+    std::string sum = std::to_string(total / 100);
+    if (total % 100 != 0) sum += "." + std::to_string(total % 100 / 10) + std::to_string(total % 10);
+    out.push_back(std::to_string(count) + " lines, TOTAL " + sum + "/ PAID " + sum + "/");
+  }
+  return out;
+}
+
+TEST_F(FiscalSaleTest, PosnetSplitsASaleOverTheLimitIntoNumberedParts) {
+  struct Case { int firmware, lines, limit; };
+  for (const Case& c : {Case{kFirmwareNew, 81, 80}, Case{kFirmwareOld, 21, 20}, Case{kFirmwareNew, 80, 80}}) {
+    SCOPED_TRACE(c.lines);
+    ::unlink((dir_ + "/tty0").c_str());
+    StartPosnet();
+    config_.firmware = c.firmware;
+    const std::size_t seen = ScreenBytes().size();  // the terminal's bytes only grow
+    if (c.lines > c.limit) Answer({kEnter, kEnter});  // the notice of the split, the pause between parts
+    ASSERT_TRUE(PosnetSale(config_, " gotówką"_mz, LongSale(c.lines), 40));
+    const Lines journal = posnet_->Journal();
+    EXPECT_EQ(ReceiptShapes(journal), ExpectedParts(c.lines, c.limit));
+    const bool split = c.lines > c.limit;
+    EXPECT_EQ(ScreenBytes().find("na >" + std::to_string(c.limit) + " ilo", seen) != std::string::npos, split);
+    EXPECT_EQ(std::any_of(journal.begin(), journal.end(),
+                          [](const std::string& l) { return l.find("P 17/2") != std::string::npos; }),
+              split);
+    EXPECT_EQ(std::any_of(journal.begin(), journal.end(),
+                          [](const std::string& l) { return l.find("PARAGON FISKALNY") != std::string::npos; }),
+              c.firmware == kFirmwareOld);
+  }
+}
+
+// Printer 3 is redirected by srvfisk/3.cfg; the one-shot server reads the same path.
+TEST_F(FiscalSaleTest, ServerJobsGoWhereTheCfgSaysAndStopAtFiftyLines) {
+  StartPosnet();
+  ASSERT_EQ(::symlink(KLOTE_BINARY_DIR "/server/fisksrv", "fisksrv"), 0);
+  ASSERT_EQ(::mkdir("spool", 0777), 0);
+  const std::string job = dir_ + "/spool/x";
+  { std::ofstream(dir_ + "/srvfisk/3.cfg") << job << "\n"; }
+  config_ = Config(kFiscalServer);
+  config_.port = 3;
+  config_.serverRow = ShortText(("2,1," + job + ",,0").c_str());
+  EXPECT_EQ(JobFilePath(config_), ShortText(job.c_str()));
+
+  EXPECT_TRUE(ServerSale(config_, " gotówką"_mz, LongSale(kReceiptMaxLines)));
+  EXPECT_EQ(ReceiptShapes(posnet_->Journal()), ExpectedParts(kReceiptMaxLines, kReceiptMaxLines));
+  EXPECT_FALSE(PathExists(job));
+  EXPECT_FALSE(PathExists("srvfisk/3"));
+
+  // One line more: refused with the advice before a line is written, the job withdrawn.
+  const std::size_t before = posnet_->Journal().size();
+  (void)ScreenBytes();
+  Answer({kEnter});
+  EXPECT_TRUE(ServerSale(config_, " gotówką"_mz, LongSale(kReceiptMaxLines + 1)));
+  EXPECT_NE(ScreenBytes().find("Do serwera drukarek mog"), std::string::npos);
+  EXPECT_EQ(posnet_->Journal().size(), before);
+  EXPECT_FALSE(PathExists(job));
 }
 
 }  // namespace
