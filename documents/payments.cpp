@@ -26,8 +26,6 @@ bool IsLinkableKind(int kind) {
 
 int KindSign(char incomeMark) { return incomeMark == 'N' ? -1 : 1; }
 
-Real RoundMoney(Real value) { return RoundHalfAway(100 * value) / 100; }
-
 bool PaymentFitsDocument(char paymentLetter, int goodsKind, char goodsLetter) {
   const ContractorCatalogue c = KindContractor(goodsKind, goodsLetter);
   if (paymentLetter == 'd' || paymentLetter == 'w') return c == ContractorCatalogue::kSuppliers;

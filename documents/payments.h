@@ -23,6 +23,7 @@
 #include "base/mazovia.h"
 #include "base/real.h"
 #include "base/shorttext.h"
+#include "documents/doccalc.h"
 #include "documents/docnumber.h"
 
 inline constexpr int kFirstPaymentKind = 100;
@@ -53,8 +54,6 @@ bool IsRootKind(int kind);
 bool IsLinkableKind(int kind);
 // +1 for column 6 'T' (income), -1 for 'N' (expense).
 int KindSign(char incomeMark);
-// RoundHalfAway(100 * x) / 100.
-Real RoundMoney(Real value);
 // Whether a payment whose kind has contractor letter paymentLetter may settle
 // a document of goodsKind: 'd' and 'w' go with suppliers, 'O' and 'W' with
 // customers (of the kind's catalogue, dok_plat's letter of the goods kind first).
