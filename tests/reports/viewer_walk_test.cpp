@@ -48,6 +48,10 @@ TEST_F(ViewerWalkTest, TurnoverAnalysisOnTheScreen) {
   const std::string command = "cd " + Db().home + " && HOME=" + Db().home + " PGOPTIONS='" + (options ? options : "") +
                               "' TERM=xterm TERM_KLOTE_CP=UTF " KLOTE_BINARY_DIR "/app/main/klote; echo KLOTE-END; sleep 20";
   ASSERT_EQ(Tmux("-f /dev/null new-session -d -s k -x 80 -y 25 \"" + command + "\" \\; set-option -g status off"), 0);
+  ASSERT_TRUE(Shows("Wybierz, jako który użytkownik będziesz pracować:")) << Pane();
+  Keys("Enter");  // the System Manager, whose empty password admits him at once
+  ASSERT_TRUE(Shows("Wybierz magazyn, na którego konto wprowadzać będziesz dane:")) << Pane();
+  Keys("Enter");  // the analysis works over every warehouse: any will do as the current one
   ASSERT_TRUE(Shows("F5 Analizy")) << Pane();
   Keys("F5 1");
   ASSERT_TRUE(Shows("Podaj tytuł wydruku:")) << Pane();
