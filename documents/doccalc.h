@@ -27,7 +27,7 @@ inline constexpr int kMaxVatGroups = 29;
 inline constexpr ShortText kTooManyVatGroupsText =
     "Wykryto więcej, niż 29 stawek VAT.@Obliczenie będzie niepoprawne."_mz;
 
-// One line of a specification as praca___ holds it: the 24 catalogue
+// One document line as praca___ holds it: the 24 catalogue
 // columns (with the line's own prices in cena_z_*, cena_s_*) and the quantity.
 struct DocLine {
   int64_t rowId = 0;  // the row of praca___; 0 for a line not stored
@@ -125,7 +125,7 @@ Real AllowedIssue(Real asked, Real stock, bool mayGoBelowZero, bool& reduced);
 
 // --- Entry ---
 // Available stock of an item: the warehouse's quantity less what the
-// specification already holds of it (other lines than skipRow).
+// line list already holds of it (other lines than skipRow).
 Real AvailableStock(Real stock, std::span<const DocLine> lines, int32_t item, int64_t skipRow);
 // Whether the kind's quantities are checked against stock when entered.
 bool KindChecksAvailability(int kind);

@@ -1,9 +1,9 @@
 // Entry of new goods documents: the choice of the kind and the entry
 // function with its two windows, the catalogue with the current
-// warehouse's stock above and the specification being written below. The
-// specification lives in the user's work table praca___, so it survives a
+// warehouse's stock above and the line list being written below. The
+// line list lives in the user's work table praca___, so it survives a
 // failure of the program and the next entry goes on with it; the user leaves
-// only with a saved or a dropped specification.
+// only with a saved or a dropped line list.
 #pragma once
 
 #include <cstdint>
@@ -26,6 +26,6 @@ int ChooseDocumentKind();
 // The name of a kind: its row of dok_plat, else the configured document name.
 ShortText KindName(int kind);
 
-// The entry function over the warehouse: the kind, then the specification
+// The entry function over the warehouse: the kind, then the line list
 // until it is saved or dropped.
 void DocumentEntry(int32_t warehouse);

@@ -1,4 +1,4 @@
-// The save of a new goods document: the specification that the user wrote
+// The save of a new goods document: the line list that the user wrote
 // into the work table praca___ becomes one header in naglowki, its lines in
 // specyfik and the changed rows of stany_mg of the warehouse.
 //
@@ -72,7 +72,7 @@ enum class SaveOutcome : int8_t {
   kGivenUp,     // Esc or "tak" at a question: nothing written, the lines stay
   kKeyTaken,    // the number was taken meanwhile; nothing written
   kNoNumber,    // no number can be given in the year of the date
-  kNoLines,     // the specification is empty
+  kNoLines,     // the line list is empty
 };
 
 struct SaveResult {

@@ -1,5 +1,5 @@
-// The entry function: the catalogue above, the specification below, and the
-// keys that move between them, put items on the specification, change or
+// The entry function: the catalogue above, the line list below, and the
+// keys that move between them, put items on the line list, change or
 // remove lines, save and leave.
 #include <algorithm>
 #include <ctime>
@@ -23,7 +23,7 @@
 namespace {
 
 constexpr int kUpperTop = 3, kUpperRows = 9;   // catalogue rows 3..11
-constexpr int kLowerTop = 14, kLowerRows = 9;  // specification rows 14..22
+constexpr int kLowerTop = 14, kLowerRows = 9;  // line list rows 14..22
 
 const ShortText kQuantityTitle = "Podaj ilość:"_mz;
 const ShortText kNoStockText = "Jest, ale ma stan zerowy lub ujemny."_mz;
@@ -47,9 +47,9 @@ struct Entry {
   int kind = 0;
   ShortText work;
   std::vector<ItemListRow> items;  // the catalogue's screenful
-  std::vector<DocLine> lines;      // the specification
+  std::vector<DocLine> lines;      // the line list
   int itemAt = 0, lineAt = 0;
-  bool lower = false;              // the specification has the keys
+  bool lower = false;              // the line list has the keys
 };
 
 void ReadItems(Entry& e, const ItemListKey& from, bool forward) {
@@ -136,7 +136,7 @@ bool AskQuantity(Real& q) {
   return AmountInRange(q);
 }
 
-// Enter on the catalogue: the item goes on the specification with its prices.
+// Enter on the catalogue: the item goes on the line list with its prices.
 void AddItem(Entry& e) {
   if (e.items.empty()) return;
   const ItemListRow& row = e.items[static_cast<std::size_t>(e.itemAt)];
@@ -154,7 +154,7 @@ void AddItem(Entry& e) {
   e.lineAt = static_cast<int>(e.lines.size()) - 1;
 }
 
-// Enter on the specification: a new quantity; the old one stays when the stock refuses.
+// Enter on the line list: a new quantity; the old one stays when the stock refuses.
 void ChangeLine(Entry& e) {
   if (e.lines.empty()) return;
   const DocLine& line = e.lines[static_cast<std::size_t>(e.lineAt)];

@@ -1,4 +1,4 @@
-// The user's work table praca___: the specification being written.
+// The user's work table praca___: the line list being written.
 #include <cstdio>
 #include <cstdlib>
 

@@ -31,18 +31,18 @@ struct OutField {
 };
 
 // Type letters to DBF columns. Blobs other than memos have no column.
-bool MapField(const ShortText& name, const PGTypeInfo& t, DbfFieldSpec& spec) {
-  spec.name = BasicShortText<10>(name.View().substr(0, 10));
+bool MapField(const ShortText& name, const PGTypeInfo& t, DbfFieldSpec& def) {
+  def.name = BasicShortText<10>(name.View().substr(0, 10));
   switch (t.letter) {
-    case 'A': spec = {spec.name, 'C', t.size > 254 ? 254 : (t.size > 0 ? t.size : 1), 0}; return true;
-    case 'M': spec = {spec.name, 'C', 254, 0}; return true;  // a memo as its text
-    case 'D': spec = {spec.name, 'D', 8, 0}; return true;
-    case 'S': spec = {spec.name, 'N', 6, 0}; return true;
-    case 'I': spec = {spec.name, 'N', 11, 0}; return true;
-    case 'Y': spec = {spec.name, 'N', 20, 0}; return true;   // counts kept whole
-    case 'X': spec = {spec.name, 'N', 28, 7}; return true;   // the exact decimal as the server holds it
+    case 'A': def = {def.name, 'C', t.size > 254 ? 254 : (t.size > 0 ? t.size : 1), 0}; return true;
+    case 'M': def = {def.name, 'C', 254, 0}; return true;  // a memo as its text
+    case 'D': def = {def.name, 'D', 8, 0}; return true;
+    case 'S': def = {def.name, 'N', 6, 0}; return true;
+    case 'I': def = {def.name, 'N', 11, 0}; return true;
+    case 'Y': def = {def.name, 'N', 20, 0}; return true;   // counts kept whole
+    case 'X': def = {def.name, 'N', 28, 7}; return true;   // the exact decimal as the server holds it
     case 'N':
-    case '$': spec = {spec.name, 'N', 20, 4}; return true;
+    case '$': def = {def.name, 'N', 20, 4}; return true;
     default: return false;
   }
 }

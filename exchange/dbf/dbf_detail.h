@@ -32,7 +32,7 @@ struct Layout {
 // whole file when shorter). 0, or 128/129, or kDbfUnexpectedEnd when the
 // bytes end before the header does.
 int ParseHeader(std::span<const unsigned char> bytes, Layout& out);
-// Lays out the fields from offset 1; 0, or 128/129 for a spec that no dBASE 3
+// Lays out the fields from offset 1; 0, or 128/129 for a field list that no dBASE 3
 // file can hold.
 int LayoutFields(std::span<const DbfFieldSpec> specs, Layout& out);
 // The bytes of a dBASE 3 header for the layout, descriptors and end mark included.

@@ -111,14 +111,14 @@ int ParseHeader(std::span<const unsigned char> bytes, Layout& out) {
 int LayoutFields(std::span<const DbfFieldSpec> specs, Layout& out) {
   out.fields.clear();
   int offset = 1;
-  for (const DbfFieldSpec& spec : specs) {
-    if (!KnownFieldType(spec.type)) return kDbfBadFieldType;
-    if (spec.name.Empty() || spec.width < 1 || spec.width > 255 || spec.decimals < 0 ||
-        (spec.decimals > 0 && spec.decimals >= spec.width - 1))
+  for (const DbfFieldSpec& def : specs) {
+    if (!KnownFieldType(def.type)) return kDbfBadFieldType;
+    if (def.name.Empty() || def.width < 1 || def.width > 255 || def.decimals < 0 ||
+        (def.decimals > 0 && def.decimals >= def.width - 1))
       return kDbfNotDbase;
-    out.fields.push_back(DbfField{spec.name, spec.type, static_cast<uint8_t>(spec.width),
-                                  static_cast<uint8_t>(spec.decimals), static_cast<uint16_t>(offset)});
-    offset += spec.width;
+    out.fields.push_back(DbfField{def.name, def.type, static_cast<uint8_t>(def.width),
+                                  static_cast<uint8_t>(def.decimals), static_cast<uint16_t>(offset)});
+    offset += def.width;
     if (offset > 0xFFFF) return kDbfNotDbase;
   }
   const int64_t headerSize = 32 + kDbase3DescriptorSize * static_cast<int64_t>(specs.size()) + 1;

@@ -193,7 +193,7 @@ TEST_F(SaveDbTest, IssuesWithoutTheRightAreCutToStockAndAllCutIsTotalZero) {
   EXPECT_EQ(Stock(4), -3);
   EXPECT_EQ(Stock(kItems), -2);
   EXPECT_FALSE(r.reduced);
-  // An empty specification saves nothing.
+  // An empty line list saves nothing.
   ASSERT_EQ(SaveDocument(kWarehouse, third, {LineOf(4, 0)}, right, r), 0);
   EXPECT_EQ(r.outcome, SaveOutcome::kNoLines);
 }

@@ -111,8 +111,8 @@ TEST_F(DbfWriteTest, NumbersKeepTheirPlacesOrAreRefused) {
       {4, 1, 2.25L, " 2.3"}, {4, 1, -2.25L, "-2.3"}, {3, 0, 0, "  0"}, {3, 0, -0.4L, "  0"},
   };
   for (const auto& c : cases) {
-    const DbfFieldSpec spec[] = {{"N", 'N', c.width, c.decimals}};
-    ASSERT_EQ(DbfCreate(table_, "n.dbf", spec), 0);
+    const DbfFieldSpec def[] = {{"N", 'N', c.width, c.decimals}};
+    ASSERT_EQ(DbfCreate(table_, "n.dbf", def), 0);
     ASSERT_EQ(DbfPutField(table_, 1, "old"), 0);
     const int code = DbfPutNumber(table_, 1, c.value);
     EXPECT_EQ(code, c.stored ? 0 : kDbfBufferError) << c.width << "," << c.decimals << " " << double(c.value);
@@ -149,13 +149,13 @@ TEST_F(DbfWriteTest, TextDatesAndBadFieldNumbers) {
 
 TEST_F(DbfWriteTest, BadFieldListsAreRefused) {
   const struct {
-    DbfFieldSpec spec;
+    DbfFieldSpec def;
     int code;
   } cases[] = {{{"A", 'X', 5, 0}, kDbfBadFieldType}, {{"A", 'C', 0, 0}, kDbfNotDbase},
                {{"A", 'C', 256, 0}, kDbfNotDbase}, {{"", 'C', 5, 0}, kDbfNotDbase},
                {{"A", 'N', 5, 4}, kDbfNotDbase}, {{"A", 'C', 255, 0}, 0}};
   for (const auto& c : cases) {
-    EXPECT_EQ(DbfCreate(table_, "bad.dbf", std::span(&c.spec, 1)), c.code) << c.spec.type << c.spec.width;
+    EXPECT_EQ(DbfCreate(table_, "bad.dbf", std::span(&c.def, 1)), c.code) << c.def.type << c.def.width;
     DbfClose(table_);
   }
   EXPECT_EQ(DbfCreate(table_, "none.dbf", std::span<const DbfFieldSpec>()), kDbfNotDbase);
