@@ -2,10 +2,12 @@
 // questions. The form is a box of labelled fields; Enter, Tab and the arrows
 // move between them, F10 or Enter on the last confirms, Esc gives up.
 #include <string>
+#include <vector>
 
 #include "base/mazovia.h"
 #include "base/numbers.h"
 #include "base/text.h"
+#include "config/konfigur.h"
 #include "master/contractor_screens.h"
 #include "master/contractors_detail.h"
 #include "tui/editfield.h"
@@ -20,7 +22,9 @@ namespace {
 using C = KontrahentCol;
 
 constexpr int kLabelWidth = 15;
-constexpr int kFieldNumber = 0;  // the number is not a text column of the form
+constexpr int kFieldNumber = 0;
+// The configuration line of the repeat check: the percent of likeness, 0 off.
+constexpr int kRepeatCheckLine = 83;  // the number is not a text column of the form
 
 struct FormField {
   int column;  // KontrahentCol, kFieldNumber for the number
@@ -143,7 +147,50 @@ ShortText KindNominative(ContractorKind kind) {
                                             : kind == ContractorKind::kSupplier ? " dostawcy:"_mz : " odbiorcy:"_mz;
 }
 
+// The field of a repeat check as its question names it.
+ShortText RepeatFieldName(KontrahentCol::Column column) {
+  switch (column) {
+    case C::nip: return "NIP-u@"_mz;
+    case C::regon: return "REGON-u@"_mz;
+    case C::miasto: return "miasta@"_mz;
+    case C::ulica: return "ulicy@"_mz;
+    default: return "nazwy@"_mz;
+  }
+}
+
+ShortText KindOnList(ContractorKind kind) {
+  return kind == ContractorKind::kWarehouse ? "magazyn"_mz : kind == ContractorKind::kSupplier ? "dostawca"_mz : "odbiorca"_mz;
+}
+
+// With the repeat check configured (a percent of likeness), a question for
+// each field that a stored row holds alike; false when the operator stops.
+bool RepeatCheckPassed(ContractorKind kind, const Contractor& c) {
+  const int percent = ConfigInt(kRepeatCheckLine);
+  if (percent <= 0) return true;
+  std::vector<RepeatMatch> matches;
+  contractors_detail::Checked(ContractorSimilarRows(kind, c, percent, matches));
+  for (const RepeatMatch& m : matches) {
+    if (!MessageBox("Kontrola powtórzenia "_mz + RepeatFieldName(m.column) + "Jest już na liście "_mz + KindOnList(kind) +
+                        "@podobnym do `"_mz + TrimRight(m.value, ' ') + "@Czy pomimo to chcesz kontynuować dopisywanie ?"_mz,
+                    1))
+      return false;
+  }
+  return true;
+}
+
 }  // namespace
+
+bool LinkWarehouseAsked(ContractorKind kind, int32_t contractor, int32_t warehouse) {
+  int32_t other = 0;
+  contractors_detail::Checked(WarehouseHolder(kind, contractor, warehouse, other));
+  if (other != 0 && !MessageBox("Inny kontrahent (nr "_mz + ShortText(std::to_string(other)) +
+                                    ") ma przyporządkowany@ten sam magazyn (nr "_mz +
+                                    ShortText(std::to_string(warehouse)) + ")" + "@Czy tak ma być ?"_mz,
+                                1))
+    return false;
+  contractors_detail::Checked(ContractorLinkWarehouse(kind, contractor, warehouse));
+  return true;
+}
 
 bool AddContractor(ContractorKind kind) {
   const NumberRange range = ConfiguredNumberRange(kind);
@@ -151,6 +198,7 @@ bool AddContractor(ContractorKind kind) {
   if (kind != ContractorKind::kWarehouse) c[C::czy_podmiot_gosp] = ShortText("T");
   for (;;) {
     if (!EditUntilNamed(kind, "Dopisanie nowego"_mz + KindNominative(kind), c)) return false;
+    if (!RepeatCheckPassed(kind, c)) return false;
     const int32_t asked = c.number;
     switch (ContractorAdd(kind, c, range)) {
       case ContractorOutcome::kDone: return true;

@@ -32,6 +32,10 @@ void ContractorCataloguesMenu();
 bool AddContractor(ContractorKind kind);
 // ChangeContractor: the form of the row of the number; true when it was written.
 bool ChangeContractor(ContractorKind kind, int32_t number);
+// Links the contractor to the warehouse; when another contractor of the
+// catalogue holds it, only after a yes to "Inny kontrahent (nr ...) ma
+// przyporządkowany ten sam magazyn". True when the link stands.
+bool LinkWarehouseAsked(ContractorKind kind, int32_t contractor, int32_t warehouse);
 // DeleteContractor: the questions and the delete; true when the row went.
 bool DeleteContractor(ContractorKind kind, int32_t number);
 

@@ -133,6 +133,10 @@ bool IdenticalRowExists(CatalogueTable& t, const Contractor& c) {
 
 }  // namespace
 
+ShortText ContractorLinkPath(ContractorKind kind) {
+  return ShortText(kind == ContractorKind::kSupplier ? "dane\\dost_mag" : "dane\\odb_mag_");
+}
+
 ShortText ContractorTablePath(ContractorKind kind) {
   switch (kind) {
     case ContractorKind::kWarehouse: return ShortText("dane\\magazyny");

@@ -14,6 +14,7 @@
 
 #include <array>
 #include <cstdint>
+#include <vector>
 
 #include "base/real.h"
 #include "base/shorttext.h"
@@ -39,6 +40,9 @@ struct Contractor {
 
 // The table of a catalogue: "dane\magazyny", "dane\odbiorcy" or "dane\dostawcy".
 ShortText ContractorTablePath(ContractorKind kind);
+// The table linking the catalogue's rows to warehouses: "dane\odb_mag_" or
+// "dane\dost_mag" (customers and suppliers only).
+ShortText ContractorLinkPath(ContractorKind kind);
 // The kind in the genitive as messages use it: "magazynu", "odbiorcy", "dostawcy".
 ShortText ContractorKindGenitive(ContractorKind kind);
 
@@ -101,3 +105,24 @@ NumberRange ConfiguredNumberRange(ContractorKind kind);
 // Deletes the row; unless evenInUse, refuses (kInUse) when documents name
 // it. A warehouse's own tables go with it.
 [[nodiscard]] ContractorOutcome ContractorDelete(ContractorKind kind, int32_t number, bool evenInUse = false);
+
+// --- Checks of repeated data ---
+// How alike two texts are, 0 to 100: capitals compared, blanks, dashes,
+// dots and commas left out; 100 for equal texts, else the share of the
+// pairs of neighbouring letters that both hold. 0 when either is empty.
+int SimilarityPercent(const ShortText& a, const ShortText& b);
+// A field of a new row that a stored row holds alike, with the stored value.
+struct RepeatMatch {
+  KontrahentCol::Column column;
+  ShortText value;
+};
+// For each of name, NIP, REGON, town and street that c fills, the first
+// stored row whose value is at least percent alike (configuration line 83).
+[[nodiscard]] int16_t ContractorSimilarRows(ContractorKind kind, const Contractor& c, int percent,
+                                            std::vector<RepeatMatch>& matches);
+
+// --- Links of customers and suppliers to warehouses ---
+// The other contractor of the catalogue linked to the warehouse, 0 when none.
+[[nodiscard]] int16_t WarehouseHolder(ContractorKind kind, int32_t contractor, int32_t warehouse, int32_t& other);
+// Links the contractor to the warehouse (a link already there stays one).
+[[nodiscard]] int16_t ContractorLinkWarehouse(ContractorKind kind, int32_t contractor, int32_t warehouse);

@@ -1,0 +1,89 @@
+// The checks before a write: likeness of texts, the repeat question of the
+// add form by configured percent, and the warehouse one contractor holds.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "config/konfigur.h"
+#include "contractors_fixture.h"
+#include "master/contractor_screens.h"
+#include "tui/keyboard.h"
+
+namespace {
+
+TEST(ContractorChecks, SimilarityPercent) {
+  struct Case {
+    const char* a;
+    const char* b;
+    int percent;
+  } cases[] = {
+      {"Kowalski", "KOWALSKI", 100},         {"526-025-02-74", "5260250274", 100}, {"", "", 0},
+      {"Kowalski", "", 0},                   {"Kowalski", "Kowalsky", 200 * 6 / 14},  // KO OW WA AL LS SK | KI/KY
+      {"AB", "BA", 0},                       {"A", "A", 100},                      {"A", "B", 0},
+      {"ABAB", "AB", 200 * 1 / 4},  // AB BA AB against AB: one pair in common
+  };
+  for (const Case& c : cases) EXPECT_EQ(SimilarityPercent(ShortText(c.a), ShortText(c.b)), c.percent) << c.a << "|" << c.b;
+}
+
+using ContractorCheckScreens = ContractorsTest;
+
+TEST_F(ContractorCheckScreens, RepeatCheckAsksForEachAlikeFieldAndNoStopsTheAdd) {
+  Contractor stored = Named(ShortText("Kowalski"), ShortText("Radom"));
+  stored[KontrahentCol::nip] = ShortText("526-025-02-74");
+  ASSERT_EQ(ContractorAdd(ContractorKind::kCustomer, stored, NumberRange{}), ContractorOutcome::kDone);
+  const KeyPair f10 = keys::F(10), yes = KeyOfByte('T'), no = KeyOfByte('N');
+  struct Case {
+    const char* what;
+    int percent;
+    std::vector<KeyStep> steps;
+    std::string rows;
+    ShortText shown;
+  };
+  const std::vector<KeyPair> ins{keys::kIns};
+  const Case cases[] = {
+      {"off: added without a question", 0, {{ins}, {Typed(ShortText("Kowalsky"), {f10})}, {{keys::kEsc}}},
+       "1:Kowalski:Radom\n2:Kowalsky:", ShortText()},
+      {"alike name, no", 60, {{ins}, {Typed(ShortText("Kowalsky"), {f10})}, {{no}}, {{keys::kEsc}}}, "1:Kowalski:Radom",
+       "Kontrola powtórzenia nazwy@Jest już na liście odbiorca@podobnym do `Kowalski@Czy pomimo to chcesz kontynuować dopisywanie ?"_mz},
+      {"alike name, yes", 60, {{ins}, {Typed(ShortText("Kowalsky"), {f10})}, {{yes}}, {{keys::kEsc}}},
+       "1:Kowalski:Radom\n2:Kowalsky:", ShortText()},
+      {"not alike enough", 90, {{ins}, {Typed(ShortText("Kowalsky"), {f10})}, {{keys::kEsc}}},
+       "1:Kowalski:Radom\n2:Kowalsky:", ShortText()},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.what);
+    ASSERT_TRUE(Psql("DELETE FROM dane_odbiorcy WHERE numer > 1"));
+    ConfigSettings().SetNumber(83, static_cast<int16_t>(c.percent));
+    Play(c.steps);
+    ContractorCatalogue(ContractorKind::kCustomer);
+    EXPECT_EQ(Rows(ContractorKind::kCustomer), c.rows);
+    if (!c.shown.Empty()) {
+      EXPECT_TRUE(Shown(c.shown));
+    }
+  }
+  // The NIP is compared without its dashes.
+  Contractor again = Named(ShortText("Zupełnie inny"_mz));
+  again[KontrahentCol::nip] = ShortText("5260250274");
+  std::vector<RepeatMatch> matches;
+  ASSERT_EQ(ContractorSimilarRows(ContractorKind::kCustomer, again, 100, matches), 0);
+  ASSERT_EQ(matches.size(), 1u);
+  EXPECT_EQ(matches[0].column, KontrahentCol::nip);
+  EXPECT_EQ(matches[0].value.Str(), "526-025-02-74");
+  ConfigSettings().SetNumber(83, 0);
+}
+
+TEST_F(ContractorCheckScreens, AWarehouseHeldByAnotherContractorIsLinkedOnlyAfterYes) {
+  const auto links = [] { return Scalar("SELECT string_agg(nr_kon || '-' || nr_mag, ',' ORDER BY nr_kon) FROM dane_odb_mag_"); };
+  ASSERT_TRUE(LinkWarehouseAsked(ContractorKind::kCustomer, 1, 5));
+  ASSERT_TRUE(LinkWarehouseAsked(ContractorKind::kCustomer, 1, 5));  // the same link again stays one
+  EXPECT_EQ(links(), "1-5");
+  Play({{{KeyOfByte('N')}}});
+  EXPECT_FALSE(LinkWarehouseAsked(ContractorKind::kCustomer, 2, 5));
+  EXPECT_TRUE(Shown("Inny kontrahent (nr 1) ma przyporządkowany@ten sam magazyn (nr 5)@Czy tak ma być ?"_mz));
+  EXPECT_EQ(links(), "1-5");
+  Play({{{KeyOfByte('T')}}});
+  EXPECT_TRUE(LinkWarehouseAsked(ContractorKind::kCustomer, 2, 5));
+  EXPECT_EQ(links(), "1-5,2-5");
+}
+
+}  // namespace
