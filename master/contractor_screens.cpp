@@ -94,7 +94,8 @@ bool IsTownOrder(ListOrder order) { return !OrderName(order).Empty(); }
 
 class ListScreen {
  public:
-  ListScreen(ContractorKind kind, ListState& s) : kind_(kind), s_(s) {}
+  ListScreen(ContractorKind kind, ListState& s, const std::vector<int32_t>* marks = nullptr)
+      : kind_(kind), s_(s), marks_(marks) {}
 
   // A screenful from the key on (forward) or up to it (backward), the bar on its first (last) row.
   void LoadFrom(const ListKey& key, bool forward) {
@@ -123,8 +124,9 @@ class ListScreen {
     for (int i = 0; i < kVisibleRows; ++i) {
       const bool filled = i < static_cast<int>(s_.rows.size());
       TextAttr(filled && i == s_.bar ? kBarAttr : kAttrBoxBody);
-      WriteAt(2, 4 + i,
-              filled ? RowText(s_.rows[static_cast<std::size_t>(i)]) : PadRight("", " ", kColumns.Length()));
+      ShortText row = filled ? RowText(s_.rows[static_cast<std::size_t>(i)]) : PadRight("", " ", kColumns.Length());
+      if (filled && marks_ && WarehouseMarked(*marks_, s_.rows[static_cast<std::size_t>(i)].number)) row.Data()[0] = '*';
+      WriteAt(2, 4 + i, row);
     }
     TextAttr(kAttrBoxBody);
     const ShortText line = IsTownOrder(s_.order) ? "Kolejność przeglądania wg "_mz + OrderName(s_.order) : ShortText();
@@ -203,6 +205,7 @@ class ListScreen {
 
   ContractorKind kind_;
   ListState& s_;
+  const std::vector<int32_t>* marks_;
 };
 
 // A box with the text and a field of the width on its last line; the edited value, false on Esc or nothing.
@@ -341,6 +344,51 @@ int32_t RunList(ContractorKind kind, const ShortText& title, bool choosing) {
 }
 
 }  // namespace
+
+bool WarehouseMarked(const std::vector<int32_t>& marks, int32_t number) {
+  return std::find(marks.begin(), marks.end(), number) != marks.end();
+}
+
+bool ToggleWarehouseMark(std::vector<int32_t>& marks, int32_t number) {
+  const auto at = std::find(marks.begin(), marks.end(), number);
+  if (at != marks.end()) {
+    marks.erase(at);
+    return true;
+  }
+  if (static_cast<int>(marks.size()) >= kMaxMarkedWarehouses) return false;
+  marks.push_back(number);
+  return true;
+}
+
+bool MergeWarehouseSelection(std::vector<int32_t>& marks) {
+  BoxKeeper keeper;
+  std::vector<int32_t> chosen = marks;
+  ListState state;
+  state.order = ListOrder::kNumber;
+  ListScreen list(ContractorKind::kWarehouse, state, &chosen);
+  list.Reload();
+  ShortText text =
+      PadRight("Podaj, czy dodawać stan tego magazynu do widocznego w opcji `Wprowadzanie\":"_mz, " ", kColumns.Length()) +
+      "@" + kColumns;
+  for (int i = 0; i <= kVisibleRows; ++i) text += '@';
+  MessageBox(text, 2);
+  for (;;) {
+    list.Draw();
+    const unsigned char code = KeyCodeOf(ReadKeyUpper());
+    if (list.Move(code)) continue;
+    if (code == 27) return false;
+    if (code == 13) {
+      marks = chosen;
+      return true;
+    }
+    if (code == ' ' && list.BarNumber() != 0) {
+      if (!ToggleWarehouseMark(chosen, list.BarNumber()))
+        MessageBox("Można zaznaczyć do 320 magazynów, a ten limit wyczerpano."_mz, 0);
+      continue;
+    }
+    Beep(1000);
+  }
+}
 
 void ContractorCatalogue(ContractorKind kind) { (void)RunList(kind, Title(kind, ChoosePurpose::kAny), false); }
 

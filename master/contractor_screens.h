@@ -6,6 +6,7 @@
 #pragma once
 
 #include <cstdint>
+#include <vector>
 
 #include "master/contractors.h"
 
@@ -44,3 +45,15 @@ bool DeleteContractor(ContractorKind kind, int32_t number);
 // true then. At the start of the program a catalogue of one warehouse gives
 // it without asking and an empty one gives false without a box.
 bool ChooseCurrentWarehouse(bool atStart, int32_t& number, bool& special);
+
+// The most warehouses marked at once, as the grouped view of stock takes them.
+inline constexpr int kMaxMarkedWarehouses = 320;
+// Whether the number is among the marks.
+bool WarehouseMarked(const std::vector<int32_t>& marks, int32_t number);
+// Marks the warehouse, or unmarks a marked one; false (nothing changed) when
+// kMaxMarkedWarehouses are marked already.
+bool ToggleWarehouseMark(std::vector<int32_t>& marks, int32_t number);
+// MergeWarehouseSelection: the warehouses in number order, Space marking the
+// one under the bar (a "*" before it) for the stock added to the one shown in
+// the entry; Enter gives the marks back in marks, Esc leaves them as they were.
+bool MergeWarehouseSelection(std::vector<int32_t>& marks);

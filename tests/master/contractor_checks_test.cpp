@@ -2,7 +2,9 @@
 // add form by configured percent, and the warehouse one contractor holds.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
+#include <vector>
 
 #include "config/konfigur.h"
 #include "contractors_fixture.h"
@@ -84,6 +86,32 @@ TEST_F(ContractorCheckScreens, AWarehouseHeldByAnotherContractorIsLinkedOnlyAfte
   Play({{{KeyOfByte('T')}}});
   EXPECT_TRUE(LinkWarehouseAsked(ContractorKind::kCustomer, 2, 5));
   EXPECT_EQ(links(), "1-5,2-5");
+}
+
+}  // namespace
+
+namespace {
+
+// 321 warehouses: the 321st mark is refused with the system's message, Esc keeps the marks as they came.
+TEST_F(ContractorCheckScreens, TheThreeHundredTwentyFirstWarehouseCannotBeMarked) {
+  ASSERT_TRUE(Psql("INSERT INTO dane_magazyny (nazwa, nazwa_inne, numer) SELECT 'Magazyn ' || g, '', g "
+                   "FROM generate_series(1, 321) g"));
+  std::vector<int32_t> start;
+  for (int32_t n = 2; n <= kMaxMarkedWarehouses; ++n) start.push_back(n);
+  std::vector<int32_t> marks = start;
+  Play({{{keys::kHome, KeyOfByte(' '), keys::kDown, KeyOfByte(' '), KeyOfByte(' '), keys::kEnd, KeyOfByte(' ')}},
+        {{keys::kEnter}},
+        {{keys::kEnter}}});
+  EXPECT_TRUE(MergeWarehouseSelection(marks));
+  EXPECT_TRUE(Shown("Można zaznaczyć do 320 magazynów, a ten limit wyczerpano."_mz));
+  std::sort(marks.begin(), marks.end());
+  ASSERT_EQ(marks.size(), static_cast<std::size_t>(kMaxMarkedWarehouses));
+  EXPECT_EQ(marks.front(), 1);
+  EXPECT_EQ(marks.back(), kMaxMarkedWarehouses);
+  marks = start;
+  Play({{{keys::kHome, KeyOfByte(' '), keys::kEsc}}});
+  EXPECT_FALSE(MergeWarehouseSelection(marks));
+  EXPECT_EQ(marks, start);
 }
 
 }  // namespace
