@@ -267,3 +267,42 @@ bool DeleteContractor(ContractorKind kind, int32_t number) {
   }
   return true;
 }
+
+namespace {
+
+// The deleted customers, a boxful at a time; Esc ends.
+void ShowDeleted(const std::vector<Contractor>& deleted) {
+  constexpr std::size_t kPerBox = 16;
+  for (std::size_t from = 0; from < deleted.size(); from += kPerBox) {
+    ShortText text;
+    for (std::size_t i = from; i < deleted.size() && i < from + kPerBox; ++i)
+      text += (text.Empty() ? "" : "@") + PadLeft(ShortText(std::to_string(deleted[i].number)), ' ', 10) + " " +
+              PadRight(deleted[i][C::nazwa], " ", 50);
+    BoxKeeper keeper;
+    MessageBox(text, 2);
+    if (KeyCodeOf(ReadKeyUpper()) == 27) return;
+  }
+}
+
+}  // namespace
+
+bool DeleteCustomersWithoutTurnover() {
+  if (!CurrentUserIsManager()) {
+    MessageBox("Funkcja kasowania odbiorców, z którymi nie ma obrotów@jest zarezerwowana dla `Kierownika Systemu\""_mz, 0);
+    return false;
+  }
+  if (!MessageBox("Poinformuj użytkowników, że nie wolno im zapisywać, lub kasować@dokumentów, które dotyczą odbiorców.@Czy poinformowałeś(aś) ?"_mz,
+                  1)) {
+    MessageBox("W takim razie nie możesz użyć funkcji kasowania odbiorców,@z którymi nie ma obrotów."_mz, 0);
+    return false;
+  }
+  if (!MessageBox("Czy na pewno chcesz skasować odbiorców, z którymi nie ma obrotów ?"_mz, 1)) return false;
+  std::vector<Contractor> deleted;
+  {
+    BoxKeeper keeper;
+    MessageBox("Trwa kontrola i kasowanie...[      %][          ][          ]"_mz, 2);
+    contractors_detail::Checked(ContractorDeleteUnused(ContractorKind::kCustomer, deleted));
+  }
+  if (!deleted.empty() && MessageBox("Czy pokazać ich listę ?"_mz, 1)) ShowDeleted(deleted);
+  return true;
+}

@@ -40,6 +40,10 @@ bool LinkWarehouseAsked(ContractorKind kind, int32_t contractor, int32_t warehou
 // DeleteContractor: the questions and the delete; true when the row went.
 bool DeleteContractor(ContractorKind kind, int32_t number);
 
+// The System Manager's delete of every customer that no document names,
+// after the questions; the list of those deleted on request. True when the delete ran.
+bool DeleteCustomersWithoutTurnover();
+
 // The choice of the current warehouse ("Wybierz magazyn, na którego konto
 // wprowadzać będziesz dane:"): number and special receive the chosen one,
 // true then. At the start of the program a catalogue of one warehouse gives

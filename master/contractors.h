@@ -106,6 +106,11 @@ NumberRange ConfiguredNumberRange(ContractorKind kind);
 // it. A warehouse's own tables go with it.
 [[nodiscard]] ContractorOutcome ContractorDelete(ContractorKind kind, int32_t number, bool evenInUse = false);
 
+// Deletes, under the catalogue's lock in one statement, every row that no
+// document of any warehouse names (see ContractorInUse); the rows gone, by
+// number, in deleted.
+[[nodiscard]] int16_t ContractorDeleteUnused(ContractorKind kind, std::vector<Contractor>& deleted);
+
 // --- Checks of repeated data ---
 // How alike two texts are, 0 to 100: capitals compared, blanks, dashes,
 // dots and commas left out; 100 for equal texts, else the share of the

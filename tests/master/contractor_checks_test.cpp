@@ -9,6 +9,9 @@
 #include "config/konfigur.h"
 #include "contractors_fixture.h"
 #include "master/contractor_screens.h"
+#include "master/tables.h"
+#include "sqltable/pglib.h"
+#include "users/users.h"
 #include "tui/keyboard.h"
 
 namespace {
@@ -112,6 +115,54 @@ TEST_F(ContractorCheckScreens, TheThreeHundredTwentyFirstWarehouseCannotBeMarked
   Play({{{keys::kHome, KeyOfByte(' '), keys::kEsc}}});
   EXPECT_FALSE(MergeWarehouseSelection(marks));
   EXPECT_EQ(marks, start);
+}
+
+}  // namespace
+
+namespace {
+
+// Customers named by a goods document or a cash document stay; the others go.
+TEST_F(ContractorCheckScreens, CustomersWithoutTurnoverGoAfterTheQuestions) {
+  const KeyPair yes = KeyOfByte('T'), no = KeyOfByte('N');
+  struct Case {
+    const char* what;
+    bool manager;
+    std::vector<KeyStep> steps;
+    std::string rows;
+    ShortText shown;
+  };
+  const Case cases[] = {
+      {"not the manager", false, {{{keys::kEnter}}}, "1:A:\n2:B:\n3:C:\n4:D:",
+       "Funkcja kasowania odbiorców, z którymi nie ma obrotów@jest zarezerwowana dla `Kierownika Systemu\""_mz},
+      {"users not told", true, {{{no}}, {{keys::kEnter}}}, "1:A:\n2:B:\n3:C:\n4:D:",
+       "W takim razie nie możesz użyć funkcji kasowania odbiorców,@z którymi nie ma obrotów."_mz},
+      {"deleted and listed", true, {{{yes}}, {{yes}}, {{yes}}, {{keys::kEnter}}}, "2:B:\n3:C:",
+       "         1 A"_mz},
+  };
+  Contractor w = Named(ShortText("Magazyn"));
+  ASSERT_EQ(ContractorAdd(ContractorKind::kWarehouse, w, NumberRange{}), ContractorOutcome::kDone);
+  ASSERT_TRUE(Psql("INSERT INTO " + PGSqlName(WarehouseTablePath(w.number, "naglowki")).Str() +
+                   " (typ_dok, nr_dok, znak_dok, nr_kontrahenta) VALUES (2, 1, 'X', 2)"));
+  ASSERT_TRUE(Psql("INSERT INTO " + PGSqlName(WarehouseTablePath(w.number, "kasa____")).Str() +
+                   " (typ_dok, nr_dok, znak_dok, nr_kontrahenta, typ_kontrahenta) VALUES (50, 1, 'K', 3, 'O'), (50, 2, 'K', 4, 'd')"));
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.what);
+    ASSERT_TRUE(Psql("DELETE FROM dane_odbiorcy"));
+    for (const char* name : {"A", "B", "C", "D"}) {
+      Contractor k = Named(ShortText(name));
+      ASSERT_EQ(ContractorAdd(ContractorKind::kCustomer, k, NumberRange{}), ContractorOutcome::kDone);
+    }
+    ASSERT_TRUE(Psql("UPDATE dane_odbiorcy SET numer = ascii(nazwa) - 64"));
+    if (!c.manager) ClearCurrentUser();
+    Play(c.steps);
+    (void)DeleteCustomersWithoutTurnover();
+    EXPECT_EQ(Rows(ContractorKind::kCustomer), c.rows);
+    EXPECT_TRUE(Shown(c.shown));
+    UserRecord manager;
+    bool found = false;
+    ASSERT_EQ(UserFind(kSystemManager, manager, found), 0);
+    SetCurrentUser(manager);
+  }
 }
 
 }  // namespace
