@@ -24,7 +24,9 @@ using C = KontrahentCol;
 constexpr int kLabelWidth = 15;
 constexpr int kFieldNumber = 0;
 // The configuration line of the repeat check: the percent of likeness, 0 off.
-constexpr int kRepeatCheckLine = 83;  // the number is not a text column of the form
+constexpr int kRepeatCheckLine = 83;
+// The configuration line saying that customers and suppliers are kept alike.
+constexpr int kSameCataloguesLine = 160;  // the number is not a text column of the form
 
 struct FormField {
   int column;  // KontrahentCol, kFieldNumber for the number
@@ -178,6 +180,35 @@ bool RepeatCheckPassed(ContractorKind kind, const Contractor& c) {
   return true;
 }
 
+// With customers and suppliers kept alike (configuration line 160), the row
+// just written is looked up by number in the other catalogue: added there,
+// or written over one of another name, each after a yes; one of the same
+// name takes the data without a question.
+void MirrorToOtherCatalogue(ContractorKind kind, const Contractor& c) {
+  if (kind == ContractorKind::kWarehouse || ConfigInt(kSameCataloguesLine) != 1) return;
+  const ContractorKind other = kind == ContractorKind::kCustomer ? ContractorKind::kSupplier : ContractorKind::kCustomer;
+  const ShortText catalogue = other == ContractorKind::kSupplier ? "dostawców"_mz : "odbiorców"_mz;
+  Contractor there;
+  bool found = false;
+  contractors_detail::Checked(ContractorFind(other, c.number, there, found));
+  if (!found) {
+    if (!MessageBox("W katalogu `"_mz + catalogue + "\" nie ma kontrahenta o takim numerze.@"_mz +
+                        "Czy dopisać go tam ?@(Radzę tak)."_mz,
+                    1))
+      return;
+    Contractor copy = c;
+    if (ContractorAdd(other, copy, NumberRange{}) != ContractorOutcome::kDone)
+      MessageBox("Dopisanie nie powidło się !@Twoja baza kontrahentów wymaga weryfikacji."_mz, 0);
+    return;
+  }
+  if (TrimRight(there[C::nazwa], ' ') != TrimRight(c[C::nazwa], ' ') &&
+      !MessageBox("W katalogu `"_mz + catalogue + "\" jest kontrahent o takim numerze i nazwie:@"_mz +
+                      TrimRight(there[C::nazwa], ' ') + "@Czy zmienić mu dane na takie, jakie mu teraz wpisałe(aś) ?"_mz,
+                  1))
+    return;
+  (void)ContractorStore(other, c);
+}
+
 }  // namespace
 
 bool LinkWarehouseAsked(ContractorKind kind, int32_t contractor, int32_t warehouse) {
@@ -201,7 +232,7 @@ bool AddContractor(ContractorKind kind) {
     if (!RepeatCheckPassed(kind, c)) return false;
     const int32_t asked = c.number;
     switch (ContractorAdd(kind, c, range)) {
-      case ContractorOutcome::kDone: return true;
+      case ContractorOutcome::kDone: MirrorToOtherCatalogue(kind, c); return true;
       case ContractorOutcome::kLimit:
         MessageBox("Limit numerów tego typu kontrahentów jest wyczerpany.@Nie można dopisać."_mz, 0);
         return false;
@@ -236,6 +267,7 @@ bool ChangeContractor(ContractorKind kind, int32_t number) {
                0);
     return false;
   }
+  MirrorToOtherCatalogue(kind, after);
   return true;
 }
 

@@ -16,6 +16,8 @@
 
 namespace {
 
+using keys::kEnter;
+
 TEST(ContractorChecks, SimilarityPercent) {
   struct Case {
     const char* a;
@@ -163,6 +165,33 @@ TEST_F(ContractorCheckScreens, CustomersWithoutTurnoverGoAfterTheQuestions) {
     ASSERT_EQ(UserFind(kSystemManager, manager, found), 0);
     SetCurrentUser(manager);
   }
+}
+
+}  // namespace
+
+namespace {
+
+// Customers and suppliers kept alike: a new customer is offered to the
+// suppliers, a changed one writes over a supplier of another name after a yes.
+TEST_F(ContractorCheckScreens, CustomersAndSuppliersKeptAlike) {
+  const KeyPair yes = KeyOfByte('T'), no = KeyOfByte('N'), f10 = keys::F(10);
+  ConfigSettings().SetNumber(160, 1);
+  Play({{{keys::kIns}}, {Typed(ShortText("Alfa"), {f10})}, {{yes}}, {{keys::kIns}}, {Typed(ShortText("Beta"), {f10})},
+        {{no}}, {{keys::kEsc}}});
+  ContractorCatalogue(ContractorKind::kCustomer);
+  EXPECT_TRUE(Shown("W katalogu `dostawców\" nie ma kontrahenta o takim numerze.@Czy dopisać go tam ?@(Radzę tak)."_mz));
+  EXPECT_EQ(Rows(ContractorKind::kSupplier), "1:Alfa:");
+  ASSERT_TRUE(Psql("UPDATE dane_dostawcy SET nazwa = 'Gamma'"));
+  // The list in name order: Alfa under the bar; its town is changed.
+  for (const KeyPair answer : {no, yes}) {
+    Play({{{kEnter}}, {Typed(ShortText(""), {keys::kDown, keys::kDown, keys::kDown})}, {Typed(ShortText("Radom"), {f10})},
+          {{answer}}, {{keys::kEsc}}});
+    ContractorCatalogue(ContractorKind::kCustomer);
+    EXPECT_TRUE(Shown("W katalogu `dostawców\" jest kontrahent o takim numerze i nazwie:@Gamma@Czy zmienić mu dane na takie, jakie mu teraz wpisałe(aś) ?"_mz));
+    EXPECT_EQ(Rows(ContractorKind::kSupplier), answer == yes ? "1:Alfa:Radom" : "1:Gamma:");
+    ASSERT_TRUE(Psql("UPDATE dane_odbiorcy SET miasto = ''"));
+  }
+  ConfigSettings().SetNumber(160, 0);
 }
 
 }  // namespace
