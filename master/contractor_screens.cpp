@@ -18,6 +18,7 @@
 #include "tui/keyboard.h"
 #include "tui/msgbox.h"
 #include "tui/picklist.h"
+#include "users/users.h"
 
 using contractors_detail::BoxKeeper;
 using contractors_detail::Checked;
@@ -31,6 +32,7 @@ namespace {
 
 constexpr int kVisibleRows = 18;
 constexpr unsigned char kBarAttr = 0x30;
+constexpr unsigned char kF6 = 234;
 constexpr unsigned char kKeyIns = 252, kKeyDel = 253, kCtrlK = 11, kCtrlN = 14, kCtrlR = 18, kCtrlT = 20;
 constexpr unsigned char kUp = 242, kDown = 250, kHome = 241, kEnd = 249, kPgUp = 243, kPgDn = 251;
 
@@ -288,6 +290,30 @@ bool GoToStart(ListScreen& list, ListOrder order, unsigned char letter) {
   return list.FindFromStart(condition);
 }
 
+// F6: the exchange with a dBASE file in the user's directory, named as the catalogue's table.
+void DbfExchange(ContractorKind kind) {
+  unsigned char ch = 0, scan = 0;
+  const int16_t way = PickList(1, 1, 1, 0, 0, ShortText(), "eksport do pliku DBASE@import z pliku DBASE"_mz, ch, scan);
+  if (way == 0) return;
+  const ShortText table = ContractorTablePath(kind);
+  const ShortText file = UserPath(CurrentUserNumber(), table.Copy(table.Pos("\\") + 1, 8) + ".dbf");
+  int64_t count = 0;
+  int code = 0;
+  if (way == 1) {
+    code = ContractorDbfExport(kind, file, DbfCodePage::kAsIs, count);
+  } else {
+    const int16_t page = PickList(1, 1, 1, 0, 0, "Jak importować polskie znaki z pliku DBASE:"_mz,
+                                  "bez zmian@DOS Latin 2@Windows Europa Centralna@ISO 8859-2"_mz, ch, scan);
+    if (page == 0) return;
+    const int16_t mode = PickList(1, 1, 1, 0, 0, "Wybierz sposób dopisywania do katalogu:"_mz,
+                                  "tylko wtedy, gdy inny jest numer kontrahenta@jw., z tworzeniem nowych, jeśli numer istnieje@wszystkich dopisać, jako nowych"_mz,
+                                  ch, scan);
+    if (mode == 0) return;
+    code = ContractorDbfImport(kind, file, static_cast<DbfCodePage>(page - 1), static_cast<DbfImportMode>(mode), count);
+  }
+  if (code != 0) MessageBox(DbfErrorText(code), 0);
+}
+
 ListEnd Browse(ContractorKind kind, const ShortText& title, bool choosing, ListState& state) {
   BoxKeeper keeper;
   ListScreen list(kind, state);
@@ -316,6 +342,11 @@ ListEnd Browse(ContractorKind kind, const ShortText& title, bool choosing, ListS
                            : code == kCtrlT ? FragmentField::kTelephones
                            : code == kCtrlK ? FragmentField::kRegistration
                                             : FragmentField::kNip);
+      continue;
+    }
+    if (code == kF6) {
+      DbfExchange(kind);
+      list.Reload();
       continue;
     }
     if (code >= '1' && code <= '9') {

@@ -18,6 +18,7 @@
 
 #include "base/real.h"
 #include "base/shorttext.h"
+#include "exchange/dbf/dbf.h"
 #include "master/columns.h"
 
 // The catalogue argument: 0 warehouses, 1 customers, 2 suppliers.
@@ -131,3 +132,19 @@ struct RepeatMatch {
 [[nodiscard]] int16_t WarehouseHolder(ContractorKind kind, int32_t contractor, int32_t warehouse, int32_t& other);
 // Links the contractor to the warehouse (a link already there stays one).
 [[nodiscard]] int16_t ContractorLinkWarehouse(ContractorKind kind, int32_t contractor, int32_t warehouse);
+
+// --- Exchange with dBASE files ---
+// How imported rows are numbered: "tylko wtedy, gdy inny jest numer
+// kontrahenta" (a taken number skips the row), "jw., z tworzeniem nowych,
+// jeśli numer istnieje" (a taken number gives the next free one), "wszystkich
+// dopisać, jako nowych" (every row a new number).
+enum class DbfImportMode : uint8_t { kOnlyNewNumbers = 1, kNewNumberWhenTaken, kAllAsNew };
+// Writes every row in number order to a new dBASE file of the 25 columns
+// (field names: the column names cut to 10 letters); the file appears only
+// whole. 0 or a code of the DBF layer (table errors end in CheckDBError).
+[[nodiscard]] int ContractorDbfExport(ContractorKind kind, const ShortText& fileName, DbfCodePage codePage,
+                                      int64_t& written);
+// Adds the live records of the file (fields found by those names) by the
+// mode; a row identical to a stored one is skipped. 0 or a code of the DBF layer.
+[[nodiscard]] int ContractorDbfImport(ContractorKind kind, const ShortText& fileName, DbfCodePage codePage,
+                                      DbfImportMode mode, int64_t& added);
