@@ -14,6 +14,7 @@
 #include "master/contractors_detail.h"
 #include "sqltable/dbapp.h"
 #include "sqltable/pgnav.h"
+#include "tui/askvalue.h"
 #include "tui/editfield.h"
 #include "tui/keyboard.h"
 #include "tui/msgbox.h"
@@ -32,7 +33,7 @@ namespace {
 
 constexpr int kVisibleRows = 18;
 constexpr unsigned char kBarAttr = 0x30;
-constexpr unsigned char kF6 = 234;
+constexpr unsigned char kF3 = 231, kF6 = 234;
 constexpr unsigned char kKeyIns = 252, kKeyDel = 253, kCtrlK = 11, kCtrlN = 14, kCtrlR = 18, kCtrlT = 20;
 constexpr unsigned char kUp = 242, kDown = 250, kHome = 241, kEnd = 249, kPgUp = 243, kPgDn = 251;
 
@@ -314,6 +315,24 @@ void DbfExchange(ContractorKind kind) {
   if (code != 0) MessageBox(DbfErrorText(code), 0);
 }
 
+// F3: the FK symbol of the contractor under the bar in a popup, written as a
+// change of that field alone.
+void EditFkSymbol(ContractorKind kind, int32_t number) {
+  Contractor before;
+  bool found = false;
+  Checked(ContractorFind(kind, number, before, found));
+  if (!found) {
+    MessageBox("Kontrahent zniknął ?!@Zmiana nie jest możliwa."_mz, 0);
+    return;
+  }
+  Contractor after = before;
+  ShortText symbol = TrimRight(before[KontrahentCol::symbol_fk], ' ');
+  if (!AskValue("Edycja symbolu FK:"_mz, symbol, 20, 1, ShortText(), ShortText())) return;
+  after[KontrahentCol::symbol_fk] = symbol;
+  if (ContractorStoreChanges(kind, before, after) == ContractorOutcome::kGone)
+    MessageBox("Kontrahent zniknął ?!@Zmiana nie jest możliwa."_mz, 0);
+}
+
 ListEnd Browse(ContractorKind kind, const ShortText& title, bool choosing, ListState& state) {
   BoxKeeper keeper;
   ListScreen list(kind, state);
@@ -342,6 +361,10 @@ ListEnd Browse(ContractorKind kind, const ShortText& title, bool choosing, ListS
                            : code == kCtrlT ? FragmentField::kTelephones
                            : code == kCtrlK ? FragmentField::kRegistration
                                             : FragmentField::kNip);
+      continue;
+    }
+    if (code == kF3 && number != 0) {
+      EditFkSymbol(kind, number);
       continue;
     }
     if (code == kF6) {

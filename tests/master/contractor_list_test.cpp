@@ -160,3 +160,17 @@ TEST_F(ContractorList, ReadsByKeyInBothDirectionsAndNullsReadNeutral) {
 }
 
 }  // namespace
+
+namespace {
+
+// F3 changes the FK symbol of the row under the bar and nothing else.
+TEST_F(ContractorList, F3EditsTheFkSymbolOfTheBarsRow) {
+  const int32_t second = ByName()[1];
+  Play({{{keys::kDown, keys::F(3)}}, {Typed(ShortText("201-05"), {kEnter})}, {{kEsc}}});
+  ContractorCatalogue(ContractorKind::kCustomer);
+  EXPECT_TRUE(Shown("Edycja symbolu FK:"_mz));
+  EXPECT_EQ(Scalar("SELECT string_agg(numer || ':' || symbol_fk, ',') FROM dane_odbiorcy WHERE symbol_fk <> ''"),
+            std::to_string(second) + ":201-05");
+}
+
+}  // namespace
