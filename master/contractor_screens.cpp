@@ -235,15 +235,9 @@ bool AskFragment(FragmentField field, ShortText& fragment) {
       return AskInBox(prompt + " pola `nr rej.\":    @"_mz + PadRight("", " ", 30), 20, 1, fragment);
     case FragmentField::kNip: break;
   }
-  BoxKeeper keeper;
-  const ShortText text = "Wprowadź szukany NIP, lub jego fragment: -------------------------- "_mz;
-  MessageBox(text, 2);
-  GotoXY(2 + static_cast<int>(text.View().find('-')), 2);
-  TextAttr(kAttrReverse);
-  unsigned char key = 0;
-  EditField(1, 1, '-', 26, fragment, key);
-  fragment = TrimBoth(TrimRightAll(TrimRightAll(fragment, '-'), ' '), ' ');
-  return key != 27 && !fragment.Empty();
+  return contractors_detail::AskOnDashes("Wprowadź szukany NIP, lub jego fragment: -------------------------- "_mz,
+                                         fragment) &&
+         !fragment.Empty();
 }
 
 // The search by a fragment: "Jest ! Czy szukać dalej ?" moves on to the

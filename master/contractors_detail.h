@@ -104,6 +104,11 @@ std::string StartCondition(ListOrder order, const ShortText& start);
 // A text as an SQL literal in the database's code page.
 std::string SqlText(const ShortText& text);
 
+// A box of one line whose field is the run of '-' in the text, edited from
+// value as it comes; false on Esc. The value comes back without the fill
+// and the blanks around it.
+bool AskOnDashes(const ShortText& text, ShortText& value);
+
 // Ends with CheckDBError unless the code is 0 or one of the two accepted ones.
 int16_t Checked(int16_t code, int16_t acceptedA = 0, int16_t acceptedB = 0);
 // Drops the tables of a warehouse that exist.

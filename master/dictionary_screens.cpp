@@ -40,17 +40,8 @@ struct ListEnd {
 // typed; the bar goes to the first value that starts so.
 void SearchStart(const std::vector<DictionaryEntry>& rows, unsigned char first, int& bar) {
   ShortText start(std::string(1, static_cast<char>(first)));
-  {
-    BoxKeeper keeper;
-    const ShortText text = "Wprowadź początek szukanej danej: --------------- "_mz;
-    MessageBox(text, 2);
-    GotoXY(2 + static_cast<int>(text.View().find('-')), 2);
-    TextAttr(kAttrReverse);
-    unsigned char key = 0;
-    EditField(1, 1, '-', 15, start, key);
-    if (key == 27) return;
-  }
-  const int found = DictionaryFindStart(rows, TrimRightAll(TrimRightAll(start, '-'), ' '));
+  if (!contractors_detail::AskOnDashes("Wprowadź początek szukanej danej: --------------- "_mz, start)) return;
+  const int found = DictionaryFindStart(rows, start);
   if (found >= 0) bar = found;
   else Beep(1000);
 }
