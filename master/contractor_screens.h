@@ -20,8 +20,12 @@ enum class ChoosePurpose : uint8_t {
 };
 
 // The list of a catalogue for keeping it: Ins adds, Enter changes, Del
-// deletes, Ctrl+R searches a fragment of the name, Shift+Tab changes the
-// order (name or number), Esc ends.
+// deletes; Ctrl+R, Ctrl+N, Ctrl+T and Ctrl+K search a fragment of the name,
+// NIP, telephones and registration number from the bar on; a digit opens the
+// search by number and a letter goes to the first name (in a town order, the
+// first town) that starts with it; Shift+Tab changes the order (name,
+// number, and the three towns); F3 edits the FK symbol, F6 exchanges the
+// catalogue with a dBASE file; Esc ends.
 void ContractorCatalogue(ContractorKind kind);
 // ChooseContractor: the same list for choosing one; Enter gives its number,
 // Esc 0. Ins still adds.
