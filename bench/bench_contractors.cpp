@@ -1,7 +1,7 @@
 // The customer list over 100,000 contractors on a private cluster: the
-// first screen (count and 18 rows), one PgDn (the next 18 rows) and a
-// search by a fragment of the name, each beside the bare SQL that gives the
-// same rows in one statement. Run: build/bench/bench_contractors.
+// first screen (18 rows), one PgDn (the next 18 rows after the last
+// one shown) and a search by a fragment of the name, each beside the bare
+// SQL that gives the same rows in one statement. Run: build/bench/bench_contractors.
 #include <benchmark/benchmark.h>
 
 #include <cstdio>
@@ -22,7 +22,9 @@ constexpr int kPage = 18;
 std::string gScreen;
 const std::string kOrder = " ORDER BY nazwa, nazwa_inne, numer";
 
-using contractors_detail::CatalogueTable;
+using contractors_detail::FragmentField;
+using contractors_detail::ListKey;
+using contractors_detail::ListOrder;
 
 void FillCatalogue() {
   (void)ContractorTablesEnsure();
@@ -32,57 +34,61 @@ void FillCatalogue() {
   (void)PGRunQueryNoTup("ANALYZE dane_odbiorcy");
 }
 
-void BareRows(int offset) {
+// The rows after the key of the last one read, as one statement.
+void BareRowsAfter(std::string& lastName, int& lastNumber) {
   PGResult res;
-  (void)PGExec(res, "SELECT * FROM dane_odbiorcy" + kOrder + " LIMIT " + std::to_string(kPage) + " OFFSET " +
-                        std::to_string(offset), true);
-  benchmark::DoNotOptimize(res.Rows());
+  const std::string after = lastNumber == 0 ? std::string()
+                                            : " WHERE (nazwa, nazwa_inne, numer) > ('" + lastName + "', '', " +
+                                                  std::to_string(lastNumber) + ")";
+  (void)PGExec(res, "SELECT * FROM dane_odbiorcy" + after + kOrder + " LIMIT " + std::to_string(kPage), true);
+  if (res.Rows() < kPage) {
+    lastNumber = 0;  // the end: from the start again
+    return;
+  }
+  lastName = std::string(res.Value(kPage - 1, 1));
+  lastNumber = std::stoi(std::string(res.Value(kPage - 1, 3)));
 }
 
-// The list's first screen: a new open, the count, the first page.
+// The list's first screen: the first page of the name order.
 void BM_ListFirstScreen(benchmark::State& state) {
   std::vector<Contractor> page;
   for (auto _ : state) {
-    CatalogueTable t(ContractorKind::kCustomer);
-    int32_t count = 0;
-    (void)PGTblNRecs(t.tbl(), count);
-    contractors_detail::ReadPage(t, 1, kPage, page);
+    (void)contractors_detail::ListRead(ContractorKind::kCustomer, ListOrder::kName, ListKey{}, true, kPage, std::string(), page);
   }
 }
 
 void BM_BareFirstScreen(benchmark::State& state) {
   for (auto _ : state) {
-    PGResult res;
-    (void)PGExec(res, "SELECT count(*) FROM dane_odbiorcy", true);
-    BareRows(0);
+    std::string name;
+    int number = 0;
+    BareRowsAfter(name, number);
   }
 }
 
-// PgDn through the list, page after page on one open table.
+// PgDn through the list, page after page from the last row shown.
 void BM_ListPgDn(benchmark::State& state) {
-  CatalogueTable t(ContractorKind::kCustomer);
   std::vector<Contractor> page;
-  int32_t top = 1;
+  (void)contractors_detail::ListRead(ContractorKind::kCustomer, ListOrder::kName, ListKey{}, true, kPage, std::string(), page);
   for (auto _ : state) {
-    top += kPage;
-    if (top > kRows - kPage) top = 1;
-    contractors_detail::ReadPage(t, top, kPage, page);
+    const ListKey after = page.size() == kPage ? contractors_detail::KeyOf(page.back(), false) : ListKey{};
+    (void)contractors_detail::ListRead(ContractorKind::kCustomer, ListOrder::kName, after, true, kPage, std::string(), page);
   }
 }
 
 void BM_BarePgDn(benchmark::State& state) {
-  int offset = 0;
-  for (auto _ : state) {
-    offset += kPage;
-    if (offset > kRows - kPage) offset = 0;
-    BareRows(offset);
-  }
+  std::string name;
+  int number = 0;
+  for (auto _ : state) BareRowsAfter(name, number);
 }
 
 // The search by a fragment that the last rows of the name order hold.
 void BM_ListSearchName(benchmark::State& state) {
-  CatalogueTable t(ContractorKind::kCustomer);
-  for (auto _ : state) benchmark::DoNotOptimize(contractors_detail::FindNameFragment(t, ShortText("FFFF"), 0));
+  std::vector<Contractor> found;
+  const std::string condition = contractors_detail::FragmentCondition(FragmentField::kName, ShortText("FFFF"));
+  for (auto _ : state) {
+    (void)contractors_detail::ListRead(ContractorKind::kCustomer, ListOrder::kName, ListKey{}, true, 1, condition, found);
+    benchmark::DoNotOptimize(found.size());
+  }
 }
 
 void BM_BareSearchName(benchmark::State& state) {

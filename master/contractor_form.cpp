@@ -2,10 +2,12 @@
 // questions. The form is a box of labelled fields; Enter, Tab and the arrows
 // move between them, F10 or Enter on the last confirms, Esc gives up.
 #include <string>
+#include <vector>
 
 #include "base/mazovia.h"
 #include "base/numbers.h"
 #include "base/text.h"
+#include "config/konfigur.h"
 #include "master/contractor_screens.h"
 #include "master/contractors_detail.h"
 #include "tui/editfield.h"
@@ -20,7 +22,11 @@ namespace {
 using C = KontrahentCol;
 
 constexpr int kLabelWidth = 15;
-constexpr int kFieldNumber = 0;  // the number is not a text column of the form
+constexpr int kFieldNumber = 0;
+// The configuration line of the repeat check: the percent of likeness, 0 off.
+constexpr int kRepeatCheckLine = 83;
+// The configuration line saying that customers and suppliers are kept alike.
+constexpr int kSameCataloguesLine = 160;  // the number is not a text column of the form
 
 struct FormField {
   int column;  // KontrahentCol, kFieldNumber for the number
@@ -143,7 +149,79 @@ ShortText KindNominative(ContractorKind kind) {
                                             : kind == ContractorKind::kSupplier ? " dostawcy:"_mz : " odbiorcy:"_mz;
 }
 
+// The field of a repeat check as its question names it.
+ShortText RepeatFieldName(KontrahentCol::Column column) {
+  switch (column) {
+    case C::nip: return "NIP-u@"_mz;
+    case C::regon: return "REGON-u@"_mz;
+    case C::miasto: return "miasta@"_mz;
+    case C::ulica: return "ulicy@"_mz;
+    default: return "nazwy@"_mz;
+  }
+}
+
+ShortText KindOnList(ContractorKind kind) {
+  return kind == ContractorKind::kWarehouse ? "magazyn"_mz : kind == ContractorKind::kSupplier ? "dostawca"_mz : "odbiorca"_mz;
+}
+
+// With the repeat check configured (a percent of likeness), a question for
+// each field that a stored row holds alike; false when the operator stops.
+bool RepeatCheckPassed(ContractorKind kind, const Contractor& c) {
+  const int percent = ConfigInt(kRepeatCheckLine);
+  if (percent <= 0) return true;
+  std::vector<RepeatMatch> matches;
+  contractors_detail::Checked(ContractorSimilarRows(kind, c, percent, matches));
+  for (const RepeatMatch& m : matches) {
+    if (!MessageBox("Kontrola powtórzenia "_mz + RepeatFieldName(m.column) + "Jest już na liście "_mz + KindOnList(kind) +
+                        "@podobnym do `"_mz + TrimRight(m.value, ' ') + "@Czy pomimo to chcesz kontynuować dopisywanie ?"_mz,
+                    1))
+      return false;
+  }
+  return true;
+}
+
+// With customers and suppliers kept alike (configuration line 160), the row
+// just written is looked up by number in the other catalogue: added there,
+// or written over one of another name, each after a yes; one of the same
+// name takes the data without a question.
+void MirrorToOtherCatalogue(ContractorKind kind, const Contractor& c) {
+  if (kind == ContractorKind::kWarehouse || ConfigInt(kSameCataloguesLine) != 1) return;
+  const ContractorKind other = kind == ContractorKind::kCustomer ? ContractorKind::kSupplier : ContractorKind::kCustomer;
+  const ShortText catalogue = other == ContractorKind::kSupplier ? "dostawców"_mz : "odbiorców"_mz;
+  Contractor there;
+  bool found = false;
+  contractors_detail::Checked(ContractorFind(other, c.number, there, found));
+  if (!found) {
+    if (!MessageBox("W katalogu `"_mz + catalogue + "\" nie ma kontrahenta o takim numerze.@"_mz +
+                        "Czy dopisać go tam ?@(Radzę tak)."_mz,
+                    1))
+      return;
+    Contractor copy = c;
+    if (ContractorAdd(other, copy, NumberRange{}) != ContractorOutcome::kDone)
+      MessageBox("Dopisanie nie powidło się !@Twoja baza kontrahentów wymaga weryfikacji."_mz, 0);
+    return;
+  }
+  if (TrimRight(there[C::nazwa], ' ') != TrimRight(c[C::nazwa], ' ') &&
+      !MessageBox("W katalogu `"_mz + catalogue + "\" jest kontrahent o takim numerze i nazwie:@"_mz +
+                      TrimRight(there[C::nazwa], ' ') + "@Czy zmienić mu dane na takie, jakie mu teraz wpisałe(aś) ?"_mz,
+                  1))
+    return;
+  (void)ContractorStore(other, c);
+}
+
 }  // namespace
+
+bool LinkWarehouseAsked(ContractorKind kind, int32_t contractor, int32_t warehouse) {
+  int32_t other = 0;
+  contractors_detail::Checked(WarehouseHolder(kind, contractor, warehouse, other));
+  if (other != 0 && !MessageBox("Inny kontrahent (nr "_mz + ShortText(std::to_string(other)) +
+                                    ") ma przyporządkowany@ten sam magazyn (nr "_mz +
+                                    ShortText(std::to_string(warehouse)) + ")" + "@Czy tak ma być ?"_mz,
+                                1))
+    return false;
+  contractors_detail::Checked(ContractorLinkWarehouse(kind, contractor, warehouse));
+  return true;
+}
 
 bool AddContractor(ContractorKind kind) {
   const NumberRange range = ConfiguredNumberRange(kind);
@@ -151,9 +229,10 @@ bool AddContractor(ContractorKind kind) {
   if (kind != ContractorKind::kWarehouse) c[C::czy_podmiot_gosp] = ShortText("T");
   for (;;) {
     if (!EditUntilNamed(kind, "Dopisanie nowego"_mz + KindNominative(kind), c)) return false;
+    if (!RepeatCheckPassed(kind, c)) return false;
     const int32_t asked = c.number;
     switch (ContractorAdd(kind, c, range)) {
-      case ContractorOutcome::kDone: return true;
+      case ContractorOutcome::kDone: MirrorToOtherCatalogue(kind, c); return true;
       case ContractorOutcome::kLimit:
         MessageBox("Limit numerów tego typu kontrahentów jest wyczerpany.@Nie można dopisać."_mz, 0);
         return false;
@@ -188,6 +267,7 @@ bool ChangeContractor(ContractorKind kind, int32_t number) {
                0);
     return false;
   }
+  MirrorToOtherCatalogue(kind, after);
   return true;
 }
 
@@ -217,5 +297,44 @@ bool DeleteContractor(ContractorKind kind, int32_t number) {
     MessageBox("Kontrahent zniknął ?!@Zmiana nie jest możliwa."_mz, 0);
     return false;
   }
+  return true;
+}
+
+namespace {
+
+// The deleted customers, a boxful at a time; Esc ends.
+void ShowDeleted(const std::vector<Contractor>& deleted) {
+  constexpr std::size_t kPerBox = 16;
+  for (std::size_t from = 0; from < deleted.size(); from += kPerBox) {
+    ShortText text;
+    for (std::size_t i = from; i < deleted.size() && i < from + kPerBox; ++i)
+      text += (text.Empty() ? "" : "@") + PadLeft(ShortText(std::to_string(deleted[i].number)), ' ', 10) + " " +
+              PadRight(deleted[i][C::nazwa], " ", 50);
+    BoxKeeper keeper;
+    MessageBox(text, 2);
+    if (KeyCodeOf(ReadKeyUpper()) == 27) return;
+  }
+}
+
+}  // namespace
+
+bool DeleteCustomersWithoutTurnover() {
+  if (!CurrentUserIsManager()) {
+    MessageBox("Funkcja kasowania odbiorców, z którymi nie ma obrotów@jest zarezerwowana dla `Kierownika Systemu\""_mz, 0);
+    return false;
+  }
+  if (!MessageBox("Poinformuj użytkowników, że nie wolno im zapisywać, lub kasować@dokumentów, które dotyczą odbiorców.@Czy poinformowałeś(aś) ?"_mz,
+                  1)) {
+    MessageBox("W takim razie nie możesz użyć funkcji kasowania odbiorców,@z którymi nie ma obrotów."_mz, 0);
+    return false;
+  }
+  if (!MessageBox("Czy na pewno chcesz skasować odbiorców, z którymi nie ma obrotów ?"_mz, 1)) return false;
+  std::vector<Contractor> deleted;
+  {
+    BoxKeeper keeper;
+    MessageBox("Trwa kontrola i kasowanie...[      %][          ][          ]"_mz, 2);
+    contractors_detail::Checked(ContractorDeleteUnused(ContractorKind::kCustomer, deleted));
+  }
+  if (!deleted.empty() && MessageBox("Czy pokazać ich listę ?"_mz, 1)) ShowDeleted(deleted);
   return true;
 }

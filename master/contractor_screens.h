@@ -6,6 +6,7 @@
 #pragma once
 
 #include <cstdint>
+#include <vector>
 
 #include "master/contractors.h"
 
@@ -19,8 +20,12 @@ enum class ChoosePurpose : uint8_t {
 };
 
 // The list of a catalogue for keeping it: Ins adds, Enter changes, Del
-// deletes, Ctrl+R searches a fragment of the name, Shift+Tab changes the
-// order (name or number), Esc ends.
+// deletes; Ctrl+R, Ctrl+N, Ctrl+T and Ctrl+K search a fragment of the name,
+// NIP, telephones and registration number from the bar on; a digit opens the
+// search by number and a letter goes to the first name (in a town order, the
+// first town) that starts with it; Shift+Tab changes the order (name,
+// number, and the three towns); F3 edits the FK symbol, F6 exchanges the
+// catalogue with a dBASE file; Esc ends.
 void ContractorCatalogue(ContractorKind kind);
 // ChooseContractor: the same list for choosing one; Enter gives its number,
 // Esc 0. Ins still adds.
@@ -32,11 +37,31 @@ void ContractorCataloguesMenu();
 bool AddContractor(ContractorKind kind);
 // ChangeContractor: the form of the row of the number; true when it was written.
 bool ChangeContractor(ContractorKind kind, int32_t number);
+// Links the contractor to the warehouse; when another contractor of the
+// catalogue holds it, only after a yes to "Inny kontrahent (nr ...) ma
+// przyporządkowany ten sam magazyn". True when the link stands.
+bool LinkWarehouseAsked(ContractorKind kind, int32_t contractor, int32_t warehouse);
 // DeleteContractor: the questions and the delete; true when the row went.
 bool DeleteContractor(ContractorKind kind, int32_t number);
+
+// The System Manager's delete of every customer that no document names,
+// after the questions; the list of those deleted on request. True when the delete ran.
+bool DeleteCustomersWithoutTurnover();
 
 // The choice of the current warehouse ("Wybierz magazyn, na którego konto
 // wprowadzać będziesz dane:"): number and special receive the chosen one,
 // true then. At the start of the program a catalogue of one warehouse gives
 // it without asking and an empty one gives false without a box.
 bool ChooseCurrentWarehouse(bool atStart, int32_t& number, bool& special);
+
+// The most warehouses marked at once, as the grouped view of stock takes them.
+inline constexpr int kMaxMarkedWarehouses = 320;
+// Whether the number is among the marks.
+bool WarehouseMarked(const std::vector<int32_t>& marks, int32_t number);
+// Marks the warehouse, or unmarks a marked one; false (nothing changed) when
+// kMaxMarkedWarehouses are marked already.
+bool ToggleWarehouseMark(std::vector<int32_t>& marks, int32_t number);
+// MergeWarehouseSelection: the warehouses in number order, Space marking the
+// one under the bar (a "*" before it) for the stock added to the one shown in
+// the entry; Enter gives the marks back in marks, Esc leaves them as they were.
+bool MergeWarehouseSelection(std::vector<int32_t>& marks);

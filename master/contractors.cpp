@@ -2,8 +2,11 @@
 // locked writes of add, store and delete.
 #include "master/contractors.h"
 
+#include <algorithm>
 #include <string>
+#include <vector>
 
+#include "base/codepage.h"
 #include "base/mazovia.h"
 #include "base/numbers.h"
 #include "base/text.h"
@@ -53,33 +56,33 @@ int16_t AnyRow(const std::string& sql, bool& any) {
   return code;
 }
 
+// The numbers of the catalogue's contractors that the documents of one
+// warehouse's tables name, as one SELECT of a column "nr"; empty when the
+// warehouse has no document tables.
+std::string NamedNumbersSql(ContractorKind kind, int32_t warehouse) {
+  bool exists = false, cashExists = false, kindsExist = false;
+  (void)TableExists(WarehouseTablePath(warehouse, "naglowki"), exists);
+  if (!exists) return std::string();
+  const std::string headers = PGSqlName(WarehouseTablePath(warehouse, "naglowki")).Str();
+  if (kind == ContractorKind::kWarehouse) return "SELECT nr_magazynu_mm AS nr FROM " + headers;
+  (void)TableExists(ShortText("dane\\dok_plat"), kindsExist);
+  (void)TableExists(WarehouseTablePath(warehouse, "kasa____"), cashExists);
+  std::string sql = "SELECT h.nr_kontrahenta AS nr FROM " + headers + " h";
+  if (kindsExist)
+    sql += " LEFT JOIN " + PGSqlName(ShortText("dane\\dok_plat")).Str() +
+           " k ON k.typ_dok = h.typ_dok WHERE k.typ_dok IS NULL OR k.typ_kontrahenta IN (" + KindLetters(kind) + ")";
+  if (cashExists)
+    sql += " UNION ALL SELECT nr_kontrahenta FROM " + PGSqlName(WarehouseTablePath(warehouse, "kasa____")).Str() +
+           " WHERE typ_kontrahenta IN (" + KindLetters(kind) + ")";
+  return sql;
+}
+
 // Whether the documents of one warehouse's tables name the contractor.
 int16_t NamedInWarehouse(ContractorKind kind, int32_t number, int32_t warehouse, bool& named) {
   named = false;
-  const std::string n = std::to_string(number);
-  const std::string headers = PGSqlName(WarehouseTablePath(warehouse, "naglowki")).Str();
-  const std::string cash = PGSqlName(WarehouseTablePath(warehouse, "kasa____")).Str();
-  const std::string kinds = PGSqlName(ShortText("dane\\dok_plat")).Str();
-  bool exists = false, kindsExist = false;
-  (void)TableExists(WarehouseTablePath(warehouse, "naglowki"), exists);
-  (void)TableExists(ShortText("dane\\dok_plat"), kindsExist);
-  if (!exists) return 0;
-  std::string sql;
-  if (kind == ContractorKind::kWarehouse) {
-    sql = "SELECT 1 FROM " + headers + " WHERE nr_magazynu_mm = " + n + " LIMIT 1";
-  } else if (kindsExist) {
-    sql = "SELECT 1 FROM " + headers + " h LEFT JOIN " + kinds + " k ON k.typ_dok = h.typ_dok WHERE h.nr_kontrahenta = " +
-          n + " AND (k.typ_dok IS NULL OR k.typ_kontrahenta IN (" + KindLetters(kind) + ")) LIMIT 1";
-  } else {
-    sql = "SELECT 1 FROM " + headers + " WHERE nr_kontrahenta = " + n + " LIMIT 1";
-  }
-  int16_t code = AnyRow(sql, named);
-  if (code != 0 || named || kind == ContractorKind::kWarehouse) return code;
-  (void)TableExists(WarehouseTablePath(warehouse, "kasa____"), exists);
-  if (!exists) return 0;
-  return AnyRow("SELECT 1 FROM " + cash + " WHERE nr_kontrahenta = " + n + " AND typ_kontrahenta IN (" +
-                    KindLetters(kind) + ") LIMIT 1",
-                named);
+  const std::string sql = NamedNumbersSql(kind, warehouse);
+  if (sql.empty()) return 0;
+  return AnyRow("SELECT 1 FROM (" + sql + ") u WHERE nr = " + std::to_string(number) + " LIMIT 1", named);
 }
 
 // Whether a warehouse's own tables hold documents or stock.
@@ -132,6 +135,10 @@ bool IdenticalRowExists(CatalogueTable& t, const Contractor& c) {
 }
 
 }  // namespace
+
+ShortText ContractorLinkPath(ContractorKind kind) {
+  return ShortText(kind == ContractorKind::kSupplier ? "dane\\dost_mag" : "dane\\odb_mag_");
+}
 
 ShortText ContractorTablePath(ContractorKind kind) {
   switch (kind) {
@@ -302,4 +309,31 @@ ContractorOutcome ContractorDelete(ContractorKind kind, int32_t number, bool eve
   }
   if (kind == ContractorKind::kWarehouse) contractors_detail::DropWarehouseTables(number);
   return ContractorOutcome::kDone;
+}
+
+int16_t ContractorDeleteUnused(ContractorKind kind, std::vector<Contractor>& deleted) {
+  deleted.clear();
+  std::vector<int32_t> warehouses;
+  if (const int16_t code = WarehouseNumbers(warehouses)) return code;
+  std::string named;
+  for (int32_t w : warehouses) {
+    const std::string sql = NamedNumbersSql(kind, w);
+    if (!sql.empty()) named += (named.empty() ? "" : " UNION ALL ") + sql;
+  }
+  contractors_detail::CatalogueLock lock(kind);
+  PGResult res;
+  const std::string table = PGSqlName(ContractorTablePath(kind)).Str();
+  const std::string unused = named.empty() ? std::string()
+                                           : " WHERE numer NOT IN (SELECT nr FROM (" + named + ") u WHERE nr IS NOT NULL)";
+  if (const int16_t code = PGRunQueryWithTup("DELETE FROM " + table + unused + " RETURNING numer, nazwa", res))
+    return code;
+  for (int r = 0; r < res.Rows(); ++r) {
+    Contractor c;
+    c.number = std::stoi(std::string(res.Value(r, 0)));
+    c[KontrahentCol::nazwa] = DbToMaz(ShortText(res.Value(r, 1)));
+    deleted.push_back(c);
+  }
+  lock.Commit();
+  std::sort(deleted.begin(), deleted.end(), [](const Contractor& a, const Contractor& b) { return a.number < b.number; });
+  return 0;
 }

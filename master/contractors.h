@@ -14,9 +14,11 @@
 
 #include <array>
 #include <cstdint>
+#include <vector>
 
 #include "base/real.h"
 #include "base/shorttext.h"
+#include "exchange/dbf/dbf.h"
 #include "master/columns.h"
 
 // The catalogue argument: 0 warehouses, 1 customers, 2 suppliers.
@@ -39,6 +41,9 @@ struct Contractor {
 
 // The table of a catalogue: "dane\magazyny", "dane\odbiorcy" or "dane\dostawcy".
 ShortText ContractorTablePath(ContractorKind kind);
+// The table linking the catalogue's rows to warehouses: "dane\odb_mag_" or
+// "dane\dost_mag" (customers and suppliers only).
+ShortText ContractorLinkPath(ContractorKind kind);
 // The kind in the genitive as messages use it: "magazynu", "odbiorcy", "dostawcy".
 ShortText ContractorKindGenitive(ContractorKind kind);
 
@@ -101,3 +106,45 @@ NumberRange ConfiguredNumberRange(ContractorKind kind);
 // Deletes the row; unless evenInUse, refuses (kInUse) when documents name
 // it. A warehouse's own tables go with it.
 [[nodiscard]] ContractorOutcome ContractorDelete(ContractorKind kind, int32_t number, bool evenInUse = false);
+
+// Deletes, under the catalogue's lock in one statement, every row that no
+// document of any warehouse names (see ContractorInUse); the rows gone, by
+// number, in deleted.
+[[nodiscard]] int16_t ContractorDeleteUnused(ContractorKind kind, std::vector<Contractor>& deleted);
+
+// --- Checks of repeated data ---
+// How alike two texts are, 0 to 100: capitals compared, blanks, dashes,
+// dots and commas left out; 100 for equal texts, else the share of the
+// pairs of neighbouring letters that both hold. 0 when either is empty.
+int SimilarityPercent(const ShortText& a, const ShortText& b);
+// A field of a new row that a stored row holds alike, with the stored value.
+struct RepeatMatch {
+  KontrahentCol::Column column;
+  ShortText value;
+};
+// For each of name, NIP, REGON, town and street that c fills, the first
+// stored row whose value is at least percent alike (configuration line 83).
+[[nodiscard]] int16_t ContractorSimilarRows(ContractorKind kind, const Contractor& c, int percent,
+                                            std::vector<RepeatMatch>& matches);
+
+// --- Links of customers and suppliers to warehouses ---
+// The other contractor of the catalogue linked to the warehouse, 0 when none.
+[[nodiscard]] int16_t WarehouseHolder(ContractorKind kind, int32_t contractor, int32_t warehouse, int32_t& other);
+// Links the contractor to the warehouse (a link already there stays one).
+[[nodiscard]] int16_t ContractorLinkWarehouse(ContractorKind kind, int32_t contractor, int32_t warehouse);
+
+// --- Exchange with dBASE files ---
+// How imported rows are numbered: "tylko wtedy, gdy inny jest numer
+// kontrahenta" (a taken number skips the row), "jw., z tworzeniem nowych,
+// jeśli numer istnieje" (a taken number gives the next free one), "wszystkich
+// dopisać, jako nowych" (every row a new number).
+enum class DbfImportMode : uint8_t { kOnlyNewNumbers = 1, kNewNumberWhenTaken, kAllAsNew };
+// Writes every row in number order to a new dBASE file of the 25 columns
+// (field names: the column names cut to 10 letters); the file appears only
+// whole. 0 or a code of the DBF layer (table errors end in CheckDBError).
+[[nodiscard]] int ContractorDbfExport(ContractorKind kind, const ShortText& fileName, DbfCodePage codePage,
+                                      int64_t& written);
+// Adds the live records of the file (fields found by those names) by the
+// mode; a row identical to a stored one is skipped. 0 or a code of the DBF layer.
+[[nodiscard]] int ContractorDbfImport(ContractorKind kind, const ShortText& fileName, DbfCodePage codePage,
+                                      DbfImportMode mode, int64_t& added);

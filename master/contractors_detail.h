@@ -72,12 +72,42 @@ class BoxKeeper {
   unsigned char attr_;
 };
 
-// Rows top..top+count-1 of the table's order (from 1) as the list shows
-// them, through the row cache; fewer at the end of the table.
-void ReadPage(CatalogueTable& t, int32_t top, int count, std::vector<Contractor>& rows);
-// The place in the order of the first row after `after` whose name holds
-// the fragment, letters compared as capitals; 0 when there is none.
-int32_t FindNameFragment(CatalogueTable& t, const ShortText& fragment, int32_t after);
+// The orders of the list: by name, by number, and by one of the three towns
+// (seat, place of documents, correspondence), each ending with the number.
+enum class ListOrder : uint8_t { kName, kNumber, kTown, kDocumentTown, kMailTown };
+inline constexpr int kListOrderCount = 5;
+
+// Where a read of the list starts: the row's values of the order's columns;
+// not set means the start (forward) or the end (backward) of the order.
+struct ListKey {
+  bool set = false;
+  bool inclusive = false;  // the row of the key itself is read too
+  Contractor row;
+};
+ListKey KeyOf(const Contractor& row, bool inclusive);
+
+// Up to limit rows after (forward) or before the key in the order, each
+// meeting the SQL condition when one is given; rows in list order in both
+// directions. The server walks the order's index from the key and stops at
+// the limit, so no read grows with the catalogue.
+[[nodiscard]] int16_t ListRead(ContractorKind kind, ListOrder order, const ListKey& from, bool forward, int limit,
+                               const std::string& condition, std::vector<Contractor>& rows);
+// The SQL condition of a search by a fragment: the name (letters compared
+// as capitals, Polish ones folded here since the server's upper() may not),
+// the telephones, the registration number, or the NIP with its dashes and
+// blanks left out on both sides.
+enum class FragmentField : uint8_t { kName, kTelephones, kRegistration, kNip };
+std::string FragmentCondition(FragmentField field, const ShortText& fragment);
+// The condition of a start of the name, or in a town order of that town,
+// letters compared as capitals.
+std::string StartCondition(ListOrder order, const ShortText& start);
+// A text as an SQL literal in the database's code page.
+std::string SqlText(const ShortText& text);
+
+// A box of one line whose field is the run of '-' in the text, edited from
+// value as it comes; false on Esc. The value comes back without the fill
+// and the blanks around it.
+bool AskOnDashes(const ShortText& text, ShortText& value);
 
 // Ends with CheckDBError unless the code is 0 or one of the two accepted ones.
 int16_t Checked(int16_t code, int16_t acceptedA = 0, int16_t acceptedB = 0);

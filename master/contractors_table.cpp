@@ -1,10 +1,13 @@
 // The open catalogue, its lock and the row <-> buffer copies.
 #include "base/numbers.h"
+#include "base/text.h"
 #include "master/contractors_detail.h"
 #include "master/tables.h"
 #include "sqltable/dbapp.h"
 #include "sqltable/pgnav.h"
 #include "sqltable/pgrecord.h"
+#include "tui/editfield.h"
+#include "tui/msgbox.h"
 
 namespace contractors_detail {
 
@@ -75,6 +78,20 @@ BoxKeeper::~BoxKeeper() {
   WindowPacked(min_, max_);
   GotoXY(x_, y_);
   TextAttr(attr_);
+}
+
+bool AskOnDashes(const ShortText& text, ShortText& value) {
+  BoxKeeper keeper;
+  const std::string_view view = text.View();
+  const std::size_t start = view.find('-');
+  const int width = static_cast<int>(view.find_last_of('-') - start + 1);
+  MessageBox(text, 2);
+  GotoXY(2 + static_cast<int>(start), 2);
+  TextAttr(kAttrReverse);
+  unsigned char key = 0;
+  EditField(1, 1, '-', width, value, key);
+  value = TrimBoth(TrimRightAll(TrimRightAll(value, '-'), ' '), ' ');
+  return key != 27;
 }
 
 int16_t Checked(int16_t code, int16_t acceptedA, int16_t acceptedB) {

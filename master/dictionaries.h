@@ -71,3 +71,31 @@ enum class DictionaryOutcome : uint8_t {
 [[nodiscard]] int16_t VatHasExemptGroup(bool& has);
 // Adds "zwol.", "TOWARY ZWOLNIONE Z VAT", "N".
 [[nodiscard]] DictionaryOutcome VatAddExemptGroup();
+
+// --- Kilometre rates by date: dane\stawkikm (data D, the key; stawka X) ---
+inline constexpr const char* kKmRateTable = "dane\\stawkikm";
+// Creates the rate table when it is missing; 0 or the layer's code.
+[[nodiscard]] int16_t KmRateTableEnsure();
+enum class KmRateOutcome : uint8_t { kFound, kOutOfRange, kEmptyTable };
+struct KmRateResult {
+  Real rate = 0;
+  KmRateOutcome outcome = KmRateOutcome::kFound;
+  int16_t code = 0;  // the layer's code of a failed read
+};
+// The rate in force on the day (a day serial): the row of that date, else
+// the last one before it; a date past the last row takes the last rate; a
+// date before the first row, or an empty table, gives 0.
+KmRateResult KmRateLookup(int32_t day);
+// KmRateFor: KmRateLookup with the system's message of a date out of the
+// table ("Data poza zakresem tabeli stawek.") unless quiet.
+Real KmRateFor(int32_t day, bool quiet);
+
+// Adds to the dictionary dane\pola_ind\<field> every value that column field
+// of the catalogue of goods holds and the dictionary does not, described as
+// the value and "=", with turnover; under the dictionary's lock. kPGBadArgument
+// (the layer's code) for a field that is no text column of the catalogue.
+[[nodiscard]] int16_t RebuildDictionaryFromCatalogue(const ShortText& field);
+
+// The place of the first row whose key starts with the text, capitals
+// compared; -1 when none.
+int DictionaryFindStart(const std::vector<DictionaryEntry>& rows, const ShortText& start);

@@ -2,6 +2,7 @@
 // before each showing.
 #include "master/dictionary_screens.h"
 
+#include <string>
 #include <vector>
 
 #include "base/mazovia.h"
@@ -35,6 +36,16 @@ struct ListEnd {
   int index = -1;
 };
 
+// A printable key opens the search by the start of a value with that key
+// typed; the bar goes to the first value that starts so.
+void SearchStart(const std::vector<DictionaryEntry>& rows, unsigned char first, int& bar) {
+  ShortText start(std::string(1, static_cast<char>(first)));
+  if (!contractors_detail::AskOnDashes("Wprowadź początek szukanej danej: --------------- "_mz, start)) return;
+  const int found = DictionaryFindStart(rows, start);
+  if (found >= 0) bar = found;
+  else Beep(1000);
+}
+
 ListEnd Browse(const ShortText& title, bool choose, const std::vector<DictionaryEntry>& rows, int& bar) {
   BoxKeeper keeper;
   const int count = static_cast<int>(rows.size());
@@ -55,6 +66,7 @@ ListEnd Browse(const ShortText& title, bool choose, const std::vector<Dictionary
     const unsigned char code = KeyCodeOf(ReadKeyUpper());
     if (code == 242 || code == 250) bar += code == 250 ? 1 : -1;
     else if (code == kF1) MessageBox(choose ? kChooseHelp : kEditHelp, 0);
+    else if (code > ' ' && code != 127 && code < 224 && count > 0) SearchStart(rows, code, bar);
     else if (code == 27 || code == kKeyIns) return ListEnd{code, bar};
     else if ((code == 13 || code == kCtrlEnter || code == kKeyDel) && count > 0) return ListEnd{code, bar};
     else Beep(1000);

@@ -3,7 +3,10 @@
 #include <gtest/gtest.h>
 
 #include "contractors_fixture.h"
+#include "base/dates.h"
 #include "master/dictionaries.h"
+#include "master/tables.h"
+#include "tui/keyboard.h"
 
 namespace {
 
@@ -74,6 +77,63 @@ TEST_F(DictionaryTables, ProtectedRowsOfEachDictionary) {
     EXPECT_EQ(DictionaryDelete(path, c.indeks),
               c.refusal.Empty() ? DictionaryOutcome::kDone : DictionaryOutcome::kRefused);
   }
+}
+
+}  // namespace
+
+namespace {
+
+TEST_F(DictionaryTables, KmRateByDateFromTheRowInForce) {
+  ASSERT_EQ(KmRateTableEnsure(), 0);
+  const auto day = [](int y, int m, int d) { return EncodeDaySerial(y, m, d); };
+  EXPECT_EQ(KmRateLookup(day(2024, 1, 1)).outcome, KmRateOutcome::kEmptyTable);
+  ASSERT_TRUE(Psql("INSERT INTO dane_stawkikm (data, stawka) VALUES ('2023-01-01', 0.8358), ('2023-07-01', 0.89), "
+                   "('2024-01-01', 1.15)"));
+  struct Case {
+    int32_t day;
+    Real rate;
+    KmRateOutcome outcome;
+  } cases[] = {{day(2023, 1, 1), Real(0.8358), KmRateOutcome::kFound},   // the date of a row
+               {day(2023, 6, 30), Real(0.8358), KmRateOutcome::kFound},  // between rows: the one before
+               {day(2023, 7, 1), Real(0.89), KmRateOutcome::kFound},
+               {day(2030, 5, 5), Real(1.15), KmRateOutcome::kFound},     // past the last row
+               {day(2022, 12, 31), 0, KmRateOutcome::kOutOfRange}};      // before the first row
+  for (const Case& c : cases) {
+    const KmRateResult r = KmRateLookup(c.day);
+    EXPECT_EQ(r.code, 0);
+    EXPECT_NEAR(static_cast<double>(r.rate), static_cast<double>(c.rate), 1e-9) << c.day;
+    EXPECT_EQ(r.outcome, c.outcome) << c.day;
+  }
+  Play({{{keys::kEnter}}});
+  EXPECT_EQ(KmRateFor(day(2000, 1, 1), false), 0);
+  EXPECT_TRUE(Shown("Data poza zakresem tabeli stawek."_mz));
+}
+
+TEST_F(DictionaryTables, RebuildFromTheCatalogueAddsOnlyMissingValuesOnce) {
+  CreateFirmTables();
+  ASSERT_TRUE(Psql("INSERT INTO dane_kat_tow_ (nazwa, nazwa_, cena_z_n, cena_z_b, vat, sww, czy_od_pl_vat, nr_wewn) "
+                   "SELECT n, '', 0, 0, v, '', '', g FROM (VALUES ('A', '23', 1), ('B', '8', 2), ('C', '23', 3), "
+                   "('D', '', 4)) AS t(n, v, g)"));
+  ASSERT_EQ(DictionaryEnsure(ShortText(kVatDictionary)), 0);
+  ASSERT_EQ(DictionaryAdd(ShortText(kVatDictionary), {ShortText("8"), ShortText("osiem"), ShortText("N")}),
+            DictionaryOutcome::kDone);
+  ASSERT_EQ(RebuildDictionaryFromCatalogue(ShortText("vat")), 0);
+  ASSERT_EQ(RebuildDictionaryFromCatalogue(ShortText("vat")), 0);  // again: nothing more
+  EXPECT_EQ(Scalar("SELECT string_agg(indeks || ':' || opis || ':' || czy_byl_obrot, ',' ORDER BY indeks) "
+                   "FROM dane_pola_ind_vat"),
+            "23:23=:T,8:osiem:N");
+  EXPECT_NE(RebuildDictionaryFromCatalogue(ShortText("cena_z_n")), 0);  // no text column
+  EXPECT_NE(RebuildDictionaryFromCatalogue(ShortText("vat; DROP TABLE x")), 0);
+}
+
+TEST(DictionarySearch, FirstValueByItsStart) {
+  const std::vector<DictionaryEntry> rows = {{ShortText("5"), {}, {}}, {ShortText("ZW"), {}, {}},
+                                             {"Żółte"_mz, {}, {}}, {ShortText("zwol."), {}, {}}};
+  struct Case {
+    ShortText start;
+    int place;
+  } cases[] = {{ShortText("z"), 1}, {ShortText("ZWO"), 3}, {"żó"_mz, 2}, {ShortText("5"), 0}, {ShortText("x"), -1}};
+  for (const Case& c : cases) EXPECT_EQ(DictionaryFindStart(rows, c.start), c.place) << c.start.Str();
 }
 
 }  // namespace
