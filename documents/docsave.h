@@ -107,5 +107,3 @@ SaveResult SaveNewDocument(int32_t warehouse, DocumentHeader& header, const Shor
 inline constexpr ShortText kSaveHeaderText = "Trwa zapis nagłówka...[ ]"_mz;
 inline constexpr ShortText kSaveLinesText = "Trwają zmiany stanów i dopisanie specyfikacji...[          ]"_mz;
 inline constexpr ShortText kAskStockChangeText = "Czy skorygować stany o ilości towarów z dokumentu ?"_mz;
-inline constexpr ShortText kFiscalFailedText =
-    "Czy pomimo braku możliwości zapisu w drukarce fiskalnej@zapisać dane na dysku (w komputerze) ?"_mz;
