@@ -5,7 +5,8 @@
 // Contract:
 // - The whole save runs in one transaction of the table layer under the
 //   waiting locks, taken in this order: dane\naglowki (common numbering
-//   only), naglowki, stany_mg, specyfik. A failure anywhere rolls it back:
+//   only), naglowki, stany_mg, specyfik, and last kasa____ for the automatic
+//   payment, nested in the same transaction. A failure anywhere rolls it back:
 //   a document is either whole (header, lines, stock, payment) or absent.
 // - The stock is read under the locks, so the quantities that a user
 //   without the right to go below zero may issue are the real ones; the
