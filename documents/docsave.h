@@ -5,7 +5,8 @@
 // Contract:
 // - The whole save runs in one transaction of the table layer under the
 //   waiting locks, taken in this order: dane\naglowki (common numbering
-//   only), naglowki, stany_mg, specyfik. A failure anywhere rolls it back:
+//   only), naglowki, stany_mg, specyfik, and last kasa____ for the automatic
+//   payment, nested in the same transaction. A failure anywhere rolls it back:
 //   a document is either whole (header, lines, stock, payment) or absent.
 // - The stock is read under the locks, so the quantities that a user
 //   without the right to go below zero may issue are the real ones; the
@@ -107,5 +108,3 @@ SaveResult SaveNewDocument(int32_t warehouse, DocumentHeader& header, const Shor
 inline constexpr ShortText kSaveHeaderText = "Trwa zapis nagłówka...[ ]"_mz;
 inline constexpr ShortText kSaveLinesText = "Trwają zmiany stanów i dopisanie specyfikacji...[          ]"_mz;
 inline constexpr ShortText kAskStockChangeText = "Czy skorygować stany o ilości towarów z dokumentu ?"_mz;
-inline constexpr ShortText kFiscalFailedText =
-    "Czy pomimo braku możliwości zapisu w drukarce fiskalnej@zapisać dane na dysku (w komputerze) ?"_mz;

@@ -7,6 +7,7 @@
 #include "base/mazovia.h"
 #include "base/numbers_format.h"
 #include "base/text.h"
+#include "documents/docnumber.h"
 #include "master/columns.h"
 #include "master/tables.h"
 #include "sqltable/dbapp.h"
@@ -110,6 +111,18 @@ bool ContractorIsFirm(int32_t contractor) {
 
 }  // namespace
 
+FiscalSale DocumentSaleHead(int kind, int32_t coded, const ShortText& sign, int32_t contractor) {
+  FiscalSale sale;
+  sale.kind = kind;
+  sale.mode = FiscalModeOfKind(kind);
+  const ShortText mark = TrimBoth(sign, ' ');
+  sale.number = IntText(DecodeDocNumberSoft(coded), 0) + (mark.Empty() ? ShortText() : "/" + mark);
+  sale.cashierNumber = CurrentUserNumber();
+  sale.cashierName = CurrentUserName();
+  if (sale.mode == kFiscalModePrivate) sale.contractorIsFirm = ContractorIsFirm(contractor);
+  return sale;
+}
+
 SavedSaleRead ReadSavedSale(const DocumentKey& key, FiscalSale& sale, ShortText& paymentText) {
   sale = FiscalSale{};
   int32_t contractor = 0;
@@ -122,12 +135,7 @@ SavedSaleRead ReadSavedSale(const DocumentKey& key, FiscalSale& sale, ShortText&
     (void)PGGetAlpha(headers.rec(), NaglowkiCol::sposob_rozlicz, paymentText);
     (void)PGGetLong(headers.rec(), NaglowkiCol::nr_kontrahenta, contractor);
   }
-  sale.kind = key.kind;
-  sale.mode = FiscalModeOfKind(key.kind);
-  sale.number = IntText(key.number, 0) + (key.sign.Empty() ? ShortText() : "/" + TrimBoth(key.sign, ' '));
-  sale.cashierNumber = CurrentUserNumber();
-  sale.cashierName = CurrentUserName();
-  if (sale.mode == kFiscalModePrivate) sale.contractorIsFirm = ContractorIsFirm(contractor);
+  sale = DocumentSaleHead(key.kind, key.number, key.sign, contractor);
   return ReadLines(key, sale) == 0 ? SavedSaleRead::kRead : SavedSaleRead::kFailed;
 }
 

@@ -20,6 +20,11 @@ struct DocumentKey {
 
 enum class SavedSaleRead { kRead, kGone, kFailed };
 
+// The sale of a document before its lines: kind, mode, the decoded number
+// with its mark, the current user as cashier and, for kind 4, the
+// contractor's firm field. The save and the later fiscalisation both start here.
+FiscalSale DocumentSaleHead(int kind, int32_t coded, const ShortText& sign, int32_t contractor);
+
 // Reads the saved document into sale (kind, mode, number, lines in position
 // order, contractor's firm field, the current user as cashier) and its payment
 // text (sposob_rozlicz). kGone when its header is not in the table.

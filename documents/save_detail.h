@@ -30,11 +30,14 @@ std::string WorkValues(const DocLine& line);
 DocLine WorkLineOf(const PGResult& res, int r, int c);
 
 // --- Links to the modules that meet the save ---
-// What the fiscal sale flow answered.
-enum class FiscalAnswer : int8_t { kNotNeeded, kPrinted, kFailed };
-// The one call site of the fiscal sale flow for a document of kind 1, 2 or 4.
-FiscalAnswer RunFiscalSaleForDocument(const DocumentHeader& header, std::span<const DocLine> lines,
-                                      const DocumentTotals& totals);
+// What the fiscal sale flow answered. The flow asks its own question when
+// the printer fails: kGivenUp is the operator's "no" to saving without it.
+enum class FiscalAnswer : int8_t { kNotNeeded, kPrinted, kGivenUp };
+// The one call site of the fiscal sale flow for a document of kind 1, 2 or 4
+// of the warehouse, before the save's transaction: the receipt carries the
+// number the save is about to give (drawn outside the locks).
+FiscalAnswer RunFiscalSaleForDocument(int32_t warehouse, const DocumentHeader& header, std::span<const DocLine> lines,
+                                      const NumberingSettings& numbering);
 // The one call site of the payment of a saved document; runs inside the
 // save's transaction under its locks; the layer's code.
 [[nodiscard]] int16_t WriteDocumentPayment(int32_t warehouse, const DocumentHeader& header,

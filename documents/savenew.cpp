@@ -26,13 +26,13 @@ ShortText ReductionNotice(Real total) {
 bool FiscalKind(int kind) { return kind == 1 || kind == 2 || kind == 4; }
 
 // The fiscal step before anything is written: false when the user gives up.
-bool FiscalStep(DocumentHeader& header, const std::vector<DocLine>& lines, const SaveSettings& settings) {
+bool FiscalStep(int32_t warehouse, DocumentHeader& header, const std::vector<DocLine>& lines,
+                const SaveSettings& settings) {
   if (!FiscalKind(header.kind)) return true;
-  const DocumentTotals totals = ComputeTotals(lines, KindTotalMethod(header.kind, settings.vatMode));
-  switch (savedetail::RunFiscalSaleForDocument(header, lines, totals)) {
+  switch (savedetail::RunFiscalSaleForDocument(warehouse, header, lines, settings.numbering)) {
     case savedetail::FiscalAnswer::kNotNeeded: return true;
     case savedetail::FiscalAnswer::kPrinted: header.cash = FiscalMark(header.cash == kCashDocument); return true;
-    case savedetail::FiscalAnswer::kFailed: return MessageBox(kFiscalFailedText, 1);
+    case savedetail::FiscalAnswer::kGivenUp: return false;
   }
   return true;
 }
@@ -62,7 +62,7 @@ SaveResult SaveNewDocument(int32_t warehouse, DocumentHeader& header, const Shor
   SaveResult result;
   std::vector<DocLine> lines;
   CheckDBError(WorkLinesRead(workTable, lines));
-  if (!FiscalStep(header, lines, settings)) return result;
+  if (!FiscalStep(warehouse, header, lines, settings)) return result;
   (void)MessageBox(kSaveLinesText, 2);
   for (int attempt = 0; attempt < kKeyAttempts; ++attempt) {
     CheckDBError(SaveDocument(warehouse, header, lines, settings, result));

@@ -21,6 +21,8 @@
 #include "base/codepage.h"
 #include "base/mazovia.h"
 #include "base/jobfile.h"
+#include "base/dates.h"
+#include "documents/docsave.h"
 #include "documents/fiscalise.h"
 #include "elzab_sim_process.h"
 #include "fiscal/elzab_line.h"
@@ -517,3 +519,81 @@ TEST_F(FiscalSaleTest, ServerJobsGoWhereTheCfgSaysAndStopAtFiftyLines) {
 }
 
 }  // namespace
+
+// --- The document save's fiscal step: the lines of the work table go to the printer before the save ---
+
+class FiscalSaveTest : public FiscalSaleTest {
+ protected:
+  static constexpr int32_t kUser = 7;
+  void SetUp() override {
+    FiscalSaleTest::SetUp();
+    ASSERT_EQ(WorkTableEnsure(kUser), 0);
+    int32_t number = 100;
+    for (const Item& i : kItems) {
+      DocLine l;
+      l.item.number = ++number;
+      l.item.name = Utf8ToMaz(ShortText(i.name));
+      l.item.vat = i.vat;
+      l.item.unit = i.unit;
+      l.item.saleGross = i.price;
+      l.item.saleNet = i.price;
+      l.quantity = i.quantity;
+      ASSERT_EQ(WorkLineAppend(WorkTablePath(kUser), l), 0);
+    }
+    CurrentFiscalConfig() = config_;
+  }
+  void TearDown() override {
+    CurrentFiscalConfig() = FiscalConfig{};
+    FiscalSaleTest::TearDown();
+  }
+  static SaveResult SaveRetailSale() {
+    DocumentHeader h;
+    h.kind = 1;
+    h.date = EncodeDaySerial(2024, 3, 15);
+    h.operatorNumber = kUser;
+    SaveSettings s;
+    s.mayGoBelowZero = true;  // the items have no stock
+    return SaveNewDocument(1, h, WorkTablePath(kUser), s);
+  }
+  // The rows other than those of the document the fixture wrote.
+  const std::string kNotFixture = " WHERE nr_dok<>" + std::to_string(kKey.number);
+  static int Count(const Lines& journal, const std::string& start) {
+    return static_cast<int>(std::count_if(journal.begin(), journal.end(),
+                                          [&](const std::string& l) { return l.rfind(start, 0) == 0; }));
+  }
+};
+
+TEST_F(FiscalSaveTest, ARetailSalePrintsOnceWithItsNumberAndIsMarked) {
+  StartPosnet();
+  const SaveResult r = SaveRetailSale();
+  ASSERT_EQ(r.outcome, SaveOutcome::kSaved) << ScreenBytes();
+  const Lines journal = posnet_->Journal();
+  EXPECT_EQ(Count(journal, "RECEIPT"), 1);
+  EXPECT_EQ(WithoutHeads(journal), WithoutHeads(PosnetReceipt(40, ""))) << ScreenBytes();
+  // The first document of 2024 carries number 1, and so does its receipt.
+  EXPECT_EQ(r.coded, EncodeDocNumber(2024, 1));
+  EXPECT_TRUE(Has(journal, "FOOT #P 1")) << ::testing::PrintToString(journal);
+  EXPECT_EQ(Scalar("SELECT czy_gotowkowy || count(*) OVER () FROM DANE_1_NAGLOWKI" + kNotFixture), "F1");
+  EXPECT_EQ(Scalar("SELECT count(*) FROM DANE_1_SPECYFIK" + kNotFixture), std::to_string(kSoldLines));
+}
+
+TEST_F(FiscalSaveTest, ARefusingPrinterLeavesTheAnswerToTheOperator) {
+  struct Case { KeyPair answer; const char* headers; const char* workLines; };
+  // "no" gives the save up with the lines kept; Enter ("yes") saves without the fiscal mark.
+  for (const Case& c : {Case{kNo, "", "5"}, Case{kEnter, "T", "0"}}) {
+    SCOPED_TRACE(c.headers);
+    ::unlink((dir_ + "/tty0").c_str());
+    StartPosnet({"--fail", "5:error=21"});
+    const std::size_t seen = ScreenBytes().size();
+    Answer({kEnter, c.answer});  // the printer's message, then the save question
+    const SaveResult r = SaveRetailSale();
+    EXPECT_EQ(r.outcome, c.answer.ch == kNo.ch ? SaveOutcome::kGivenUp : SaveOutcome::kSaved);
+    const std::string screen = ScreenBytes().substr(seen);
+    const auto asked = screen.find("Czy pomimo braku mo");
+    ASSERT_NE(asked, std::string::npos);
+    EXPECT_EQ(screen.find("Czy pomimo braku mo", asked + 1), std::string::npos);  // asked once
+    EXPECT_EQ(Count(posnet_->Journal(), "TOTAL"), 0);
+    EXPECT_EQ(Scalar("SELECT string_agg(czy_gotowkowy, '') FROM DANE_1_NAGLOWKI" + kNotFixture), c.headers);
+    EXPECT_EQ(Scalar("SELECT count(*) FROM " + std::string(PGSqlName(WorkTablePath(kUser)).Str())), c.workLines);
+  }
+}

@@ -15,7 +15,9 @@
 
 #include "base/dates.h"
 #include "base/numbers.h"
+#include "config/konfigur.h"
 #include "documents/docsave.h"
+#include "documents/payments.h"
 #include "master/tables.h"
 #include "sqltable/pglib.h"
 #include "sqltable/sqltest.h"
@@ -214,6 +216,77 @@ TEST_F(SaveDbTest, AFailureAfterTheHeaderLeavesNothing) {
   EXPECT_EQ(r.coded, EncodeDocNumber(2024, 1));
 }
 
+// Automatic payments on: customers' documents are paid under kind 101 and
+// suppliers' under 103, positions 1 and 2 of the configured list.
+class AutoPaymentTest : public SaveDbTest {
+ protected:
+  void SetUp() override {
+    SaveDbTest::SetUp();
+    saved_ = ConfigSettings();
+    ConfigSettings().SetNumber(kConfigLineAutoPayments, 1);
+    ConfigSettings().SetText(kConfigLinePaymentKinds, "101,103,0,0,0");
+    SQL(("INSERT INTO DANE_DOK_PLAT (typ_dok,nazwa,typ_kontrahenta,konto,konto_przeciwstawne,czy_przychod,znak_dok,"
+         "zablokowany,druk_dodatkowy,instrukcja_ksieg,rezerwa) VALUES (2,'Faktura','O','','','T','A','N','N','',0),"
+         "(6,'Zakup','d','','','N','A','N','N','',0),(14,'WZ','O','','','T','A','N','N','',0),(101,'KP','O','','100','T','KP','N','N','',0),"
+         "(103,'KW','d','','100','N','KW','N','N','',0)"));
+  }
+  void TearDown() override {
+    ConfigSettings() = saved_;
+    SaveDbTest::TearDown();
+  }
+  // The document's total in grosze, worked out here: net lines at whole-grosz
+  // prices, each with its rate added, the sum rounded half up.
+  static int64_t TotalGrosz(const std::vector<std::pair<int, int>>& lines, bool purchase) {
+    int64_t hundredths = 0;
+    for (auto [n, q] : lines) {
+      const DocLine l = LineOf(n, q);
+      const int64_t net = std::llround((purchase ? l.item.buyNet : l.item.saleNet) * 100) * q;
+      hundredths += net * (100 + std::atoi(VatOf(n)));
+    }
+    return (hundredths + 50) / 100;
+  }
+  static std::string PaymentsOf(int kind, int32_t coded) {
+    return Scalar("SELECT string_agg(typ_dok || ':' || (suma_dok*100)::bigint, ',') FROM DANE_1_KASA____ WHERE "
+                  "typ_dok_zrodl=" + std::to_string(kind) + " AND nr_dok_zrodl=" + std::to_string(coded));
+  }
+  ConfigValues saved_;
+};
+
+TEST_F(AutoPaymentTest, ASavedDocumentIsPaidInItsOwnSave) {
+  struct Case { int kind; bool on; const char* paidUnder; };
+  const std::vector<std::pair<int, int>> lines = {{3, 2}, {7, 1}, {8, 5}, {3, 1}};
+  for (const Case& c : {Case{2, true, "101"}, Case{6, true, "103"}, Case{2, false, ""}}) {
+    SCOPED_TRACE(c.kind);
+    ConfigSettings().SetNumber(kConfigLineAutoPayments, c.on ? 1 : 0);
+    std::vector<DocLine> docLines;
+    for (auto [n, q] : lines) docLines.push_back(LineOf(n, q));
+    DocumentHeader h = HeaderOf(c.kind, "zapłacony");
+    SaveResult r;
+    ASSERT_EQ(SaveDocument(kWarehouse, h, docLines, Plain(), r), 0) << PGLastOp.Str();
+    ASSERT_EQ(r.outcome, SaveOutcome::kSaved);
+    const int64_t total = TotalGrosz(lines, c.kind == 6);
+    EXPECT_EQ(std::llround(r.totals.total * 100), total);
+    EXPECT_EQ(PaymentsOf(c.kind, r.coded), c.on ? std::string(c.paidUnder) + ":" + std::to_string(total) : "");
+  }
+  EXPECT_EQ(PGTransDepth, 0);
+}
+
+TEST_F(AutoPaymentTest, APaymentThatCannotBeWrittenRollsTheSaveBack) {
+  KeepOpening();
+  const std::string before = StockNow();
+  // The payments' series of 2024 is full: no number is left for the payment.
+  SQL(("INSERT INTO DANE_1_KASA____ (typ_dok,nr_dok,znak_dok,data_dok) VALUES (101," +
+       std::to_string(EncodeDocNumber(2024, kDocMaxNumber)) + ",'KP','2024-03-01')"));
+  DocumentHeader h = HeaderOf(2, "");
+  SaveResult r;
+  EXPECT_NE(SaveDocument(kWarehouse, h, {LineOf(2, 3)}, Plain(), r), 0);
+  EXPECT_EQ(PGTransDepth, 0);
+  EXPECT_EQ(Scalar("SELECT count(*) FROM DANE_1_NAGLOWKI"), "0");
+  EXPECT_EQ(Scalar("SELECT count(*) FROM DANE_1_SPECYFIK"), "0");
+  EXPECT_EQ(Scalar("SELECT count(*) FROM DANE_1_KASA____"), "1");
+  EXPECT_EQ(StockNow(), before);
+}
+
 // --- Real processes ---
 void ConnectChild() {
   PGConn = nullptr;
@@ -248,7 +321,8 @@ int ExitStatus(pid_t pid) {
   return WEXITSTATUS(status);
 }
 
-TEST_F(SaveDbTest, FourProcessesSaveIntoOneWarehouse) {
+// With automatic payments on, so that the payments' lock nests in every save.
+TEST_F(AutoPaymentTest, FourProcessesSaveIntoOneWarehouse) {
   KeepOpening();
   std::vector<pid_t> savers;
   for (int p = 0; p < 4; ++p) {
@@ -267,6 +341,16 @@ TEST_F(SaveDbTest, FourProcessesSaveIntoOneWarehouse) {
   EXPECT_EQ(StockNow(), StockFromLines());
   EXPECT_EQ(Scalar("SELECT count(*) FROM DANE_1_STANY_MG WHERE ilosc < 0"), "0");
   EXPECT_EQ(TotalsThatDiffer(), "0");
+  // Every document of a value is paid once, by its total, customers' under 101 and suppliers' under 103,
+  // and each payment kind's numbers are 1..n.
+  EXPECT_EQ(Scalar("SELECT count(*) FROM DANE_1_NAGLOWKI H FULL JOIN DANE_1_KASA____ K ON K.typ_dok_zrodl=H.typ_dok "
+                   "AND K.nr_dok_zrodl=H.nr_dok AND K.znak_dok_zrodl=H.znak_dok WHERE H.suma_dok<>0 AND "
+                   "(K.suma_dok IS DISTINCT FROM H.suma_dok OR K.typ_dok <> CASE H.typ_dok WHEN 6 THEN 103 ELSE 101 END) "
+                   "OR H.typ_dok IS NULL OR (H.suma_dok=0 AND K.typ_dok IS NOT NULL)"),
+            "0");
+  EXPECT_EQ(Scalar("SELECT count(*) FROM (SELECT typ_dok, count(*) c, max(nr_dok) - " +
+                   std::to_string(EncodeDocNumber(2024, 0)) + " m FROM DANE_1_KASA____ GROUP BY 1) X WHERE c <> m"),
+            "0");
   // What each saver was told matches the header it wrote.
   int told = 0;
   for (int p = 0; p < 4; ++p) {
