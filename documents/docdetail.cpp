@@ -24,18 +24,6 @@ void TableRecord::MarkChanged() {
   if (PGTable* t = PGTableAt(tbl_)) t->changedByUs = true;
 }
 
-ExclusiveLock::ExclusiveLock(const ShortText& path) : path_(path) { LockTableExcl(path); }
-
-ExclusiveLock::~ExclusiveLock() {
-  if (!done_) (void)PGTransRollback();
-  PGLockUnregister(path_);
-}
-
-int16_t ExclusiveLock::Commit() {
-  done_ = true;
-  return PGTransCommit();
-}
-
 std::string TextLiteral(const ShortText& text) { return "'" + PGEscapeStr(MazToLatin2(text).View()) + "'"; }
 
 std::string DateLiteral(int32_t serial) { return "'" + DaySerialToIsoText(serial).Str() + "'"; }

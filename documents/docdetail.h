@@ -6,6 +6,7 @@
 #include <string>
 
 #include "base/shorttext.h"
+#include "sqltable/dbapp.h"
 
 namespace docdetail {
 
@@ -29,20 +30,8 @@ class TableRecord {
   int16_t code_ = 0;
 };
 
-// The exclusive lock of a table in its own transaction: rolled back and
-// released unless Commit() ran.
-class ExclusiveLock {
- public:
-  explicit ExclusiveLock(const ShortText& path);
-  ~ExclusiveLock();
-  ExclusiveLock(const ExclusiveLock&) = delete;
-  ExclusiveLock& operator=(const ExclusiveLock&) = delete;
-  [[nodiscard]] int16_t Commit();
-
- private:
-  ShortText path_;
-  bool done_ = false;
-};
+// The exclusive lock of a table in its own transaction.
+using ExclusiveLock = ExclusiveTableLock;
 
 // A Mazovia text as a quoted SQL literal in the connection's LATIN2.
 std::string TextLiteral(const ShortText& text);

@@ -9,6 +9,7 @@
 
 #include "base/shorttext.h"
 #include "master/contractors.h"
+#include "sqltable/dbapp.h"
 #include "tui/screen.h"
 
 namespace contractors_detail {
@@ -44,17 +45,9 @@ class CatalogueTable {
 
 // The exclusive lock of a catalogue and its transaction: rolled back and
 // released unless Commit() ran.
-class CatalogueLock {
+class CatalogueLock : public ExclusiveTableLock {
  public:
-  explicit CatalogueLock(ContractorKind kind);
-  ~CatalogueLock();
-  CatalogueLock(const CatalogueLock&) = delete;
-  CatalogueLock& operator=(const CatalogueLock&) = delete;
-  void Commit();
-
- private:
-  ShortText path_;
-  bool done_ = false;
+  explicit CatalogueLock(ContractorKind kind) : ExclusiveTableLock(ContractorTablePath(kind)) {}
 };
 
 // The screen, window, cursor and attribute put back when a box or list is done.

@@ -56,18 +56,6 @@ int16_t CatalogueTable::Fill(const Contractor& c) {
   return code;
 }
 
-CatalogueLock::CatalogueLock(ContractorKind kind) : path_(ContractorTablePath(kind)) { LockTableExcl(path_); }
-
-CatalogueLock::~CatalogueLock() {
-  if (!done_) (void)PGTransRollback();
-  PGLockUnregister(path_);
-}
-
-void CatalogueLock::Commit() {
-  (void)PGTransCommit();
-  done_ = true;
-}
-
 BoxKeeper::BoxKeeper()
     : min_(WindowMinPacked()), max_(WindowMaxPacked()), x_(WhereX()), y_(WhereY()), attr_(CurrentAttr()) {
   ScreenSave(saved_);

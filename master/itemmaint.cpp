@@ -41,18 +41,6 @@ bool WarehouseHas(int32_t warehouse, const char* table) {
   return exists;
 }
 
-CatalogueLock::CatalogueLock() { LockTableExcl(kKatTowTable); }
-
-CatalogueLock::~CatalogueLock() {
-  if (!done_) (void)PGTransRollback();
-  PGLockUnregister(PGSqlName(kKatTowTable));
-}
-
-int16_t CatalogueLock::Commit() {
-  done_ = true;
-  return PGTransCommit();
-}
-
 }  // namespace items_detail
 
 namespace {

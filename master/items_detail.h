@@ -6,6 +6,7 @@
 
 #include "base/shorttext.h"
 #include "master/items.h"
+#include "sqltable/dbapp.h"
 #include "sqltable/pgconn.h"
 #include "tui/screen.h"
 #include "tui/term.h"
@@ -38,16 +39,9 @@ int16_t WarehouseNumbers(std::vector<int32_t>& numbers);
 bool WarehouseHas(int32_t warehouse, const char* table);
 
 // The catalogue's exclusive lock and its transaction, rolled back unless committed.
-class CatalogueLock {
+class CatalogueLock : public ExclusiveTableLock {
  public:
-  CatalogueLock();
-  ~CatalogueLock();
-  CatalogueLock(const CatalogueLock&) = delete;
-  CatalogueLock& operator=(const CatalogueLock&) = delete;
-  [[nodiscard]] int16_t Commit();
-
- private:
-  bool done_ = false;
+  CatalogueLock() : ExclusiveTableLock(kKatTowTable) {}
 };
 
 // An open table with one record buffer, both released on every road.

@@ -21,3 +21,15 @@ int16_t OpenTable(const ShortText& path, int16_t& tbl, int indexHandle, int flag
 void LockTableExcl(const ShortText& path) { LockTable(path, true); }
 
 void LockTableShare(const ShortText& path) { LockTable(path, false); }
+
+ExclusiveTableLock::ExclusiveTableLock(const ShortText& path) : path_(path) { LockTableExcl(path_); }
+
+ExclusiveTableLock::~ExclusiveTableLock() {
+  if (!done_) (void)PGTransRollback();
+  PGLockUnregister(path_);
+}
+
+int16_t ExclusiveTableLock::Commit() {
+  done_ = true;
+  return PGTransCommit();
+}

@@ -35,3 +35,19 @@ ShortText DBTableDescription(const ShortText& upperPath);
 void LockTableExcl(const ShortText& path);
 // The same with a share lock (kind 2) and "Zaczekaj - blokada do zapisu tablicy:".
 void LockTableShare(const ShortText& path);
+
+// LockTableExcl for the life of the object: the transaction is rolled back
+// and the lock released on every road unless Commit() ran first.
+class ExclusiveTableLock {
+ public:
+  explicit ExclusiveTableLock(const ShortText& path);
+  ~ExclusiveTableLock();
+  ExclusiveTableLock(const ExclusiveTableLock&) = delete;
+  ExclusiveTableLock& operator=(const ExclusiveTableLock&) = delete;
+  // Commits the lock's transaction; the commit's code.
+  int16_t Commit();
+
+ private:
+  ShortText path_;
+  bool done_ = false;
+};

@@ -6,6 +6,7 @@
 #include <cstdint>
 
 #include "base/shorttext.h"
+#include "sqltable/dbapp.h"
 #include "tui/screen.h"
 #include "users/users.h"
 
@@ -42,16 +43,9 @@ class UsersTable {
 
 // The exclusive lock of the users table and its transaction: rolled back
 // and released unless Commit() ran.
-class UsersLock {
+class UsersLock : public ExclusiveTableLock {
  public:
-  UsersLock();
-  ~UsersLock();
-  UsersLock(const UsersLock&) = delete;
-  UsersLock& operator=(const UsersLock&) = delete;
-  void Commit();
-
- private:
-  bool done_ = false;
+  UsersLock() : ExclusiveTableLock(kUsersTable) {}
 };
 
 // The screen, window, cursor and attribute put back when a box or list is done.

@@ -133,18 +133,6 @@ int16_t UsersTable::Fill(const UserRecord& u) {
   return code;
 }
 
-UsersLock::UsersLock() { LockTableExcl(kUsersTable); }
-
-UsersLock::~UsersLock() {
-  if (!done_) (void)PGTransRollback();
-  PGLockUnregister(kUsersTable);
-}
-
-void UsersLock::Commit() {
-  (void)PGTransCommit();
-  done_ = true;
-}
-
 BoxKeeper::BoxKeeper()
     : min_(WindowMinPacked()), max_(WindowMaxPacked()), x_(WhereX()), y_(WhereY()), attr_(CurrentAttr()) {
   ScreenSave(saved_);
