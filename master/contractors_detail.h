@@ -51,19 +51,7 @@ class CatalogueLock : public ExclusiveTableLock {
 };
 
 // The screen, window, cursor and attribute put back when a box or list is done.
-class BoxKeeper {
- public:
-  BoxKeeper();
-  ~BoxKeeper();
-  BoxKeeper(const BoxKeeper&) = delete;
-  BoxKeeper& operator=(const BoxKeeper&) = delete;
-
- private:
-  ScreenCopyPtr saved_;
-  uint16_t min_, max_;
-  int x_, y_;
-  unsigned char attr_;
-};
+using BoxKeeper = ScreenKeeper;
 
 // The orders of the list: by name, by number, and by one of the three towns
 // (seat, place of documents, correspondence), each ending with the number.

@@ -56,18 +56,6 @@ int16_t CatalogueTable::Fill(const Contractor& c) {
   return code;
 }
 
-BoxKeeper::BoxKeeper()
-    : min_(WindowMinPacked()), max_(WindowMaxPacked()), x_(WhereX()), y_(WhereY()), attr_(CurrentAttr()) {
-  ScreenSave(saved_);
-}
-
-BoxKeeper::~BoxKeeper() {
-  ScreenRestore(saved_);
-  WindowPacked(min_, max_);
-  GotoXY(x_, y_);
-  TextAttr(attr_);
-}
-
 bool AskOnDashes(const ShortText& text, ShortText& value) {
   BoxKeeper keeper;
   const std::string_view view = text.View();

@@ -21,7 +21,6 @@
 
 using items_detail::AskInLine;
 using items_detail::Checked;
-using items_detail::ScreenKeeper;
 
 namespace {
 

@@ -19,7 +19,6 @@
 #include "users/users.h"
 
 using items_detail::Checked;
-using items_detail::ScreenKeeper;
 
 namespace {
 

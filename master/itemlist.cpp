@@ -46,7 +46,6 @@ void Checked(int16_t code) {
 
 using items_detail::AskInLine;
 using items_detail::Checked;
-using items_detail::ScreenKeeper;
 
 namespace {
 

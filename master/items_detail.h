@@ -61,27 +61,6 @@ class TableWithBuffer {
   int16_t rec_ = 0;
 };
 
-// Screen, window, attribute and cursor as they were, given back at the end.
-class ScreenKeeper {
- public:
-  ScreenKeeper() : window_(CurrentWindow()), x_(WhereX()), y_(WhereY()), attr_(CurrentAttr()) { ScreenSave(copy_); }
-  ~ScreenKeeper() {
-    ScreenRestore(copy_);
-    Window(window_.left, window_.top, window_.right, window_.bottom);
-    GotoXY(x_, y_);
-    TextAttr(attr_);
-    TermFlush();
-  }
-  ScreenKeeper(const ScreenKeeper&) = delete;
-  ScreenKeeper& operator=(const ScreenKeeper&) = delete;
-
- private:
-  ScreenCopyPtr copy_;
-  WindowRect window_;
-  int x_, y_;
-  unsigned char attr_;
-};
-
 // A box with one line whose field is the run of '-' (or of the trailing
 // blanks) in the text, edited in the EditField mode; false for Esc.
 bool AskInLine(const ShortText& text, int mode, ShortText& value);

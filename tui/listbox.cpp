@@ -106,6 +106,8 @@ void WriteListRow(const ListBox& box, int index, const ShortText& text, unsigned
   GotoXY(1, index);
 }
 
+}  // namespace tui_detail
+
 ScreenKeeper::ScreenKeeper()
     : windowMin_(WindowMinPacked()), windowMax_(WindowMaxPacked()), x_(WhereX()), y_(WhereY()),
       attr_(CurrentAttr()) {
@@ -124,5 +126,3 @@ void ScreenKeeper::Repaint() {
   WindowPacked(windowMin_, windowMax_);
   ScreenSave(saved_);
 }
-
-}  // namespace tui_detail

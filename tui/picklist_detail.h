@@ -42,22 +42,6 @@ ListBox OpenListBox(const ListBoxSpec& layout);
 // Writes one row of a list box: text padded with blanks to the inner width.
 void WriteListRow(const ListBox& box, int index, const ShortText& text, unsigned char attr);
 
-// The window, cursor and attribute of the caller, given back on destruction
-// together with the screen saved at construction.
-class ScreenKeeper {
- public:
-  ScreenKeeper();
-  ~ScreenKeeper();
-  ScreenKeeper(const ScreenKeeper&) = delete;
-  ScreenKeeper& operator=(const ScreenKeeper&) = delete;
-  // Puts the saved screen back and keeps a fresh copy (before a new box).
-  void Repaint();
-
- private:
-  ScreenCopyPtr saved_;
-  uint16_t windowMin_, windowMax_;
-  int x_, y_;
-  unsigned char attr_;
-};
+using ::ScreenKeeper;
 
 }  // namespace tui_detail

@@ -73,3 +73,21 @@ unsigned char CharAtCursor();
 unsigned char AttrAtCursor();
 // Blanks both shadows (attribute 0x07) without writing to the terminal.
 void ScreenResetShadows();
+
+// The window, cursor and attribute of the caller, given back on destruction
+// together with the screen saved at construction.
+class ScreenKeeper {
+ public:
+  ScreenKeeper();
+  ~ScreenKeeper();
+  ScreenKeeper(const ScreenKeeper&) = delete;
+  ScreenKeeper& operator=(const ScreenKeeper&) = delete;
+  // Puts the saved screen back and keeps a fresh copy (before a new box).
+  void Repaint();
+
+ private:
+  ScreenCopyPtr saved_;
+  uint16_t windowMin_, windowMax_;
+  int x_, y_;
+  unsigned char attr_;
+};

@@ -49,19 +49,7 @@ class UsersLock : public ExclusiveTableLock {
 };
 
 // The screen, window, cursor and attribute put back when a box or list is done.
-class BoxKeeper {
- public:
-  BoxKeeper();
-  ~BoxKeeper();
-  BoxKeeper(const BoxKeeper&) = delete;
-  BoxKeeper& operator=(const BoxKeeper&) = delete;
-
- private:
-  ScreenCopyPtr saved_;
-  uint16_t min_, max_;
-  int x_, y_;
-  unsigned char attr_;
-};
+using BoxKeeper = ScreenKeeper;
 
 // The current row of the users table into the buffer, ready to be written back.
 [[nodiscard]] int16_t LoadRow(int16_t tbl, int16_t rec);

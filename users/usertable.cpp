@@ -133,18 +133,6 @@ int16_t UsersTable::Fill(const UserRecord& u) {
   return code;
 }
 
-BoxKeeper::BoxKeeper()
-    : min_(WindowMinPacked()), max_(WindowMaxPacked()), x_(WhereX()), y_(WhereY()), attr_(CurrentAttr()) {
-  ScreenSave(saved_);
-}
-
-BoxKeeper::~BoxKeeper() {
-  ScreenRestore(saved_);
-  WindowPacked(min_, max_);
-  GotoXY(x_, y_);
-  TextAttr(attr_);
-}
-
 int16_t LoadRow(int16_t tbl, int16_t rec) {
   if (int16_t code = PGRecGet(tbl, rec)) return code;
   // A row written by other means may hold no date; the server refuses the empty text back.
