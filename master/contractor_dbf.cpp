@@ -23,14 +23,14 @@ constexpr DbfColumn kColumns[] = {
 };
 
 DbfFieldSpec SpecOf(const DbfColumn& c) {
-  DbfFieldSpec spec;
+  DbfFieldSpec def;
   std::string name = std::string(c.name).substr(0, 10);
   for (char& ch : name) ch = static_cast<char>(std::toupper(static_cast<unsigned char>(ch)));
-  spec.name = BasicShortText<10>(std::string_view(name));
-  if (c.type[0] == 'I') spec.type = 'N', spec.width = 10;
-  else if (c.type[0] == 'X') spec.type = 'N', spec.width = 20, spec.decimals = 4;
-  else spec.width = std::stoi(c.type + 1);
-  return spec;
+  def.name = BasicShortText<10>(std::string_view(name));
+  if (c.type[0] == 'I') def.type = 'N', def.width = 10;
+  else if (c.type[0] == 'X') def.type = 'N', def.width = 20, def.decimals = 4;
+  else def.width = std::stoi(c.type + 1);
+  return def;
 }
 
 // Row r of the file into c by the field names; a field the file lacks stays empty.
