@@ -13,19 +13,6 @@
 
 namespace {
 
-void ConnectChild() {
-  PGConn = nullptr;
-  PGConnected = false;
-  PGTransDepth = 0;
-  if (PGSetDefaults() != 0) _exit(3);
-}
-
-int ExitStatus(pid_t pid) {
-  int status = 0;
-  if (waitpid(pid, &status, 0) != pid || !WIFEXITED(status)) return -1;
-  return WEXITSTATUS(status);
-}
-
 class PaymentRaceTest : public PaymentsTest {};
 
 TEST_F(PaymentRaceTest, OperatorsPayingTheSameInvoiceCannotBothSettleItsLastGrosz) {

@@ -287,14 +287,6 @@ TEST_F(AutoPaymentTest, APaymentThatCannotBeWrittenRollsTheSaveBack) {
   EXPECT_EQ(StockNow(), before);
 }
 
-// --- Real processes ---
-void ConnectChild() {
-  PGConn = nullptr;
-  PGConnected = false;
-  PGTransDepth = 0;
-  if (PGSetDefaults() != 0) _exit(3);
-}
-
 // A saver: 100 documents of 1..20 lines on the shared items, sales,
 // purchases and issues mixed; each result "kind coded total" on a line of out.
 [[noreturn]] void Saver(int seed, const std::string& out) {
@@ -313,12 +305,6 @@ void ConnectChild() {
   }
   file.close();
   _exit(0);
-}
-
-int ExitStatus(pid_t pid) {
-  int status = 0;
-  if (waitpid(pid, &status, 0) != pid || !WIFEXITED(status)) return -1;
-  return WEXITSTATUS(status);
 }
 
 // With automatic payments on, so that the payments' lock nests in every save.

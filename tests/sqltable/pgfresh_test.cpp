@@ -121,20 +121,6 @@ TEST_F(FreshTest, OwnAppendAndKeyChangeRenumberTheRows) {
   EXPECT_EQ(Long(1), 30);
 }
 
-// A child with its own connection; the parent's stays untouched.
-void ConnectChild() {
-  PGConn = nullptr;
-  PGConnected = false;
-  PGTransDepth = 0;
-  if (PGSetDefaults() != 0) _exit(3);
-}
-
-int ExitStatus(pid_t pid) {
-  int status = 0;
-  if (waitpid(pid, &status, 0) != pid || !WIFEXITED(status)) return -1;
-  return WEXITSTATUS(status);
-}
-
 TEST_F(FreshTest, RowsAnotherProcessAppendedBeforeOursDoNotMakeOursGone) {
   Fill(10);
   Open();

@@ -132,14 +132,6 @@ TEST_F(LockTest, SecondExclusiveLockInATransactionWarnsAndGoesOn) {
 
 // --- Two processes ---
 
-// A child process with its own connection; the parent's stays untouched.
-void ConnectChild() {
-  PGConn = nullptr;
-  PGConnected = false;
-  PGTransDepth = 0;
-  if (PGSetDefaults() != 0) _exit(3);
-}
-
 bool WaitForWaiter(const char* table) {
   for (int i = 0; i < 500; ++i) {
     PGResult res;
@@ -149,12 +141,6 @@ bool WaitForWaiter(const char* table) {
     SleepMs(20);
   }
   return false;
-}
-
-int ExitStatus(pid_t pid) {
-  int status = 0;
-  if (waitpid(pid, &status, 0) != pid || !WIFEXITED(status)) return -1;
-  return WEXITSTATUS(status);
 }
 
 TEST_F(LockTest, SecondProcessWaitsForTheFirstToCommit) {

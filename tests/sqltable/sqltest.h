@@ -1,6 +1,9 @@
 // Helpers shared by the table layer's tests.
 #pragma once
 
+#include <sys/wait.h>
+#include <unistd.h>
+
 #include <cstdio>
 #include <fstream>
 #include <sstream>
@@ -90,4 +93,19 @@ inline int16_t CreateTable(const ShortText& path, std::initializer_list<std::pai
     types.emplace_back(f.second);
   }
   return PGTblCreate(path, static_cast<int>(names.size()), names.data(), types.data());
+}
+
+// In a forked child: a connection of its own, the parent's left untouched.
+inline void ConnectChild() {
+  PGConn = nullptr;
+  PGConnected = false;
+  PGTransDepth = 0;
+  if (PGSetDefaults() != 0) _exit(3);
+}
+
+// The exit status of a child process, -1 when it did not exit normally.
+inline int ExitStatus(pid_t pid) {
+  int status = 0;
+  if (waitpid(pid, &status, 0) != pid || !WIFEXITED(status)) return -1;
+  return WEXITSTATUS(status);
 }
