@@ -11,6 +11,7 @@
 #include "documents/docentry.h"
 #include "documents/docsave.h"
 #include "documents/dockinds.h"
+#include "documents/entry_detail.h"
 #include "documents/kindrules.h"
 #include "master/items.h"
 #include "sqltable/dbapp.h"
@@ -50,6 +51,7 @@ struct Entry {
   std::vector<DocLine> lines;      // the line list
   int itemAt = 0, lineAt = 0;
   bool lower = false;              // the line list has the keys
+  entrydetail::EntryExtras extra;  // date of entry, marks for joining, flags of the functions
 };
 
 void ReadItems(Entry& e, const ItemListKey& from, bool forward) {
@@ -99,12 +101,14 @@ void Draw(const Entry& e) {
       const Real price = SalePriced(e.kind) ? l.item.saleGross : l.item.buyNet;
       text = Column(l.item.name, 31) + " "_mz + FormatFixed(9, 2, l.quantity) + " "_mz + FormatFixed(9, 2, price) +
              " "_mz + FormatFixed(10, 2, LineValue(l.quantity, price));
+      if (entrydetail::Marked(e.extra, l.rowId)) text.Append('*');
     }
     Row(kLowerTop + i, text, e.lower && i == e.lineAt && !e.lines.empty());
   }
   const TotalMethod method = KindTotalMethod(e.kind, 0);
   Row(23, "Suma: "_mz + FormatFixed(12, 2, ComputeTotals(e.lines, method).total) + " "_mz + TotalMethodText(method),
       false);
+  Row(24, entrydetail::EntryKeysText(), false);
   Row(25, kKeysText, false);
 }
 
@@ -147,9 +151,13 @@ void AddItem(Entry& e) {
     line.item.saleGross = row.saleGross;
   }
   Real q = 0;
-  if (!AskQuantity(q) || q == 0 || !CheckAvailability(e, line, q)) return;
+  if (!entrydetail::TakePresetQuantity(e.extra, q) && !AskQuantity(q)) return;
+  q = entrydetail::QuantityInUnits(q, line.item);
+  if (q == 0 || !CheckAvailability(e, line, q)) return;
   line.quantity = q;
+  entrydetail::TakeFifoCost(e.warehouse, e.kind, line, e.lines);
   CheckDBError(WorkLineAppend(e.work, line));
+  entrydetail::AutoSortWorkTable(e.warehouse, e.work);
   ReadLines(e);
   e.lineAt = static_cast<int>(e.lines.size()) - 1;
 }
@@ -176,7 +184,7 @@ bool Save(Entry& e) {
   DocumentHeader header;
   header.kind = static_cast<int16_t>(e.kind);
   header.mark = ShortText(DocumentKindOf(e.kind)->shortCode);
-  header.date = TodaySerial();
+  header.date = entrydetail::EntryDate(e.extra, TodaySerial());
   header.operatorNumber = CurrentUserNumber();
   const SaveResult r = SaveNewDocument(e.warehouse, header, e.work, SaveSettingsFromConfig());
   ReadLines(e);
@@ -212,6 +220,11 @@ bool HandleKey(Entry& e, KeyPair key) {
   else if (key == kEnter) e.lower ? ChangeLine(e) : AddItem(e);
   else if (key == kDel && e.lower) DeleteLine(e);
   else if (key == F(2)) Save(e);
+  else if (const auto after = entrydetail::EntryFunctionKey(
+               {e.warehouse, e.kind, e.work, e.lines, e.lineAt, e.items, e.itemAt, e.lower, e.extra}, key);
+           after == entrydetail::EntryAfter::kReadLines)
+    ReadLines(e);
+  else if (after == entrydetail::EntryAfter::kAddAtBar) AddItem(e);
   else if (key == kEsc) {
     if (e.lines.empty()) return true;
     if (MessageBox(kLeaveEntryText, 1)) {
