@@ -111,12 +111,19 @@ const ShortText kGoneTail = "@albo zmienił jej znaczące cechy."_mz + "@Rabat d
 const ShortText kLockedHead = "Na specyfikacji nie udzielono rabatów dla "_mz;
 const ShortText kLockedTail = " pozycji, "_mz + "ponieważ mają one zablokowaną możliwość rabatowania."_mz;
 
+// The columns that make a row the same item (1, 2, 5, 6, 7), blanks at the end aside.
+bool SameItemKey(const ItemData& a, const ItemData& b) {
+  auto same = [](const ShortText& x, const ShortText& y) { return TrimRight(x, ' ') == TrimRight(y, ' '); };
+  return same(a.name, b.name) && same(a.name2, b.name2) && same(a.vat, b.vat) && same(a.sww, b.sww) &&
+         same(a.vatPayer, b.vatPayer);
+}
+
 // One line's new prices; false when it is left as it is (gone, changed or locked: locked counted).
 bool DiscountLine(const ShortText& work, const DocLine& line, const DiscountSettings& s, long& locked) {
   ItemData item;
   bool found = false;
   CheckDBError(ItemFindByNumber(line.item.number, item, found));
-  if (!found || ItemKeyChanged(line.item, item)) {
+  if (!found || !SameItemKey(line.item, item)) {
     (void)MessageBox(kGoneText + TrimRight(line.item.name, ' ') + kGoneTail, 0);
     return false;
   }

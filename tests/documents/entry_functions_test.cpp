@@ -1,0 +1,182 @@
+// The entry's searches and functions by keys on the real server: each case
+// plays keys from the choice of the kind on, reads the line list that the
+// work table holds before leaving, and the texts the screens showed.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <functional>
+
+#include "../master/contractors_fixture.h"
+#include "base/text.h"
+#include "config/konfigur.h"
+#include "documents/docentry.h"
+#include "documents/docsave.h"
+#include "documents/entry_detail.h"
+#include "master/items.h"
+#include "master/tables.h"
+#include "tui/keyboard.h"
+#include "users/users.h"
+
+namespace {
+
+using keys::kEnter;
+using keys::kEsc;
+constexpr int32_t kWarehouse = 1;
+const KeyPair kShiftF3{0, 86}, kShiftF6{0, 89}, kShiftF8{0, 91};
+const KeyPair kYes = KeyOfByte('T'), kNo = KeyOfByte('N');
+
+struct Item {
+  ShortText name;
+  int64_t digits;
+  const char* vat;
+  Real saleNet, stock;
+  int16_t discountLock;
+};
+// Młotek: taxed; Śruba: no stock; Wkręt: locked against discounts; Gwóźdź: exempt.
+const Item kItems[] = {{"Młotek"_mz, 5901, "23", 10.37L, 50, 0},
+                       {"Śruba"_mz, 5902, "23", 3.49L, 0, 0},
+                       {"Wkręt"_mz, 5903, "8", 7.77L, 20, 1},
+                       {"Gwóźdź"_mz, 5904, "zw", 2.35L, 10, 0}};
+
+class EntryFunctions : public ContractorsTest {
+ protected:
+  void SetUp() override {
+    ContractorsTest::SetUp();
+    CreateFirmTables();
+    CreateWarehouseTables(false, kWarehouse);
+    for (const Item& i : kItems) {
+      ItemData item;
+      item.name = i.name;
+      item.vat = ShortText(i.vat);
+      item.digitIndex = i.digits;
+      item.supplier = 1;
+      item.unit = "szt";
+      item.saleNet = i.saleNet;
+      item.saleGross = GrossOfNet(i.saleNet, VatRateOf(item.vat));
+      StockRow stock;
+      stock.quantity = i.stock;
+      stock.saleNet = item.saleNet;
+      stock.saleGross = item.saleGross;
+      ShortText refusal;
+      ASSERT_EQ(ItemAdd(item, ItemRules{}, kWarehouse, stock, refusal), 0) << refusal.Str();
+      if (i.discountLock) {
+        ASSERT_EQ(SetItemDiscountLock(item.number, 1), 0);
+      }
+    }
+    ConfigSettings() = ConfigValues{};
+    ConfigSettings().SetNumber(entrydetail::kConfigLineDigitTake, 1);
+    ConfigSettings().SetNumber(entrydetail::kConfigLineDigitQuantity, 2);
+    ConfigSettings().SetText(entrydetail::kConfigLineDigitAutoQuantity, ShortText("3"));
+  }
+  void TearDown() override {
+    ConfigSettings() = ConfigValues{};
+    ContractorsTest::TearDown();
+  }
+  // The line list as the work table holds it now.
+  static std::vector<DocLine> Lines() {
+    std::vector<DocLine> lines;
+    EXPECT_EQ(WorkLinesRead(WorkTablePath(CurrentUserNumber()), lines), 0);
+    return lines;
+  }
+  // Plays the retail sale's entry: group 1, the steps, then a check of the
+  // lines, then leaving with the lines dropped.
+  static void RunEntry(std::vector<KeyStep> steps, const std::function<void(const std::vector<DocLine>&)>& check) {
+    std::vector<KeyStep> all = {{{KeyOfByte('1')}}};
+    all.insert(all.end(), steps.begin(), steps.end());
+    all.push_back({{kEsc}, [check] { check(Lines()); }});
+    all.push_back({{kYes}});
+    Play(std::move(all));
+    DocumentEntry(kWarehouse);
+  }
+  static KeyStep Digits(const char* digits) { return {Typed(ShortText(digits), {kEnter})}; }
+};
+
+// The lines as "name:quantity" in order.
+std::string Summary(const std::vector<DocLine>& lines) {
+  std::string out;
+  for (const DocLine& l : lines)
+    out += TrimRight(l.item.name, ' ').Str() + ":" + std::to_string(static_cast<int>(l.quantity)) + ";";
+  return out;
+}
+
+TEST_F(EntryFunctions, DigitSearchesAndFunctionsOverTheLineList) {
+  struct Case {
+    const char* what;
+    std::vector<KeyStep> steps;
+    std::string lines;
+    std::vector<ShortText> shown;
+  };
+  const std::string hammer = "Młotek"_mz.Str(), screw = "Wkręt"_mz.Str();
+  const Case cases[] = {
+      {"the index takes the item with the configured quantity", {Digits("5901")}, hammer + ":3;", {}},
+      {"an unknown index", {Digits("777"), {{kEnter}}}, "", {entrydetail::kNoDigitIndexText}},
+      {"a zero stock is asked about and noted",
+       {Digits("5902"), {{kNo}}},
+       "",
+       {entrydetail::kNoPositiveText}},
+      {"sign reversal, then zeroing",
+       {Digits("5901"), Digits("5903"), {{keys::F(6)}}},
+       hammer + ":-3;" + screw + ":-3;",
+       {}},
+      {"zeroing", {Digits("5901"), {{kShiftF6}}}, hammer + ":0;", {}},
+      {"two lines of one item joined on the current one",
+       {Digits("5901"), Digits("5903"), Digits("5901"), {{keys::kTab, keys::kUp, keys::kUp, keys::F(8)}},
+        {{keys::kDown, keys::kDown, kShiftF8}}},
+       screw + ":3;" + hammer + ":6;",
+       {}},
+  };
+  for (const Case& c : cases) {
+    std::string got = "(not reached)";
+    RunEntry(c.steps, [&](const std::vector<DocLine>& lines) { got = Summary(lines); });
+    EXPECT_EQ(got, c.lines) << c.what;
+    for (const ShortText& text : c.shown) EXPECT_TRUE(Shown(text)) << c.what;
+    EXPECT_TRUE(Shown(entrydetail::EntryKeysText())) << c.what;
+  }
+}
+
+TEST_F(EntryFunctions, PatternSearchPutsTheBarOnTheFoundItem) {
+  std::string barRow;
+  RunEntry({{{kShiftF3}}, {Typed(ShortText("ruba"), {kEnter})}},
+           [&](const std::vector<DocLine>&) { barRow = tui_test::Cells(3, 1, 6); });
+  EXPECT_EQ(barRow, "Śruba "_mz.Str());
+}
+
+// Discount of the whole list: step and percentage typed in the form; the
+// prices come from the catalogue's net price, the locked item keeps its own.
+TEST_F(EntryFunctions, DocumentDiscountByStepWithTheLockedItemCounted) {
+  ConfigSettings().SetNumber(entrydetail::kConfigLineDiscountLock, 1);
+  const std::vector<KeyPair> clear(8, keys::kBackspace);
+  for (const double step : {0.01, 1.0}) {
+    const std::string stepText = step == 1.0 ? "1" : "0.01";
+    std::vector<DocLine> got;
+    std::vector<KeyPair> stepKeys = clear, percentKeys = clear;
+    for (const KeyPair k : Typed(ShortText(stepText), {kEnter})) stepKeys.push_back(k);
+    for (const KeyPair k : Typed(ShortText("10"), {kEnter})) percentKeys.push_back(k);
+    RunEntry({Digits("5901"), Digits("5904"), Digits("5903"), {{keys::F(5)}}, {stepKeys}, {percentKeys}, {{kEnter}}},
+             [&](const std::vector<DocLine>& lines) { got = lines; });
+    ASSERT_EQ(got.size(), 3u) << step;
+    for (const DocLine& l : got) {
+      const Item* item = nullptr;
+      for (const Item& i : kItems)
+        if (i.name == TrimRight(l.item.name, ' ')) item = &i;
+      ASSERT_NE(item, nullptr);
+      const double rate = item->vat == std::string("zw") ? 0 : std::atof(item->vat);
+      double net = static_cast<double>(item->saleNet), gross = 0;
+      if (item->discountLock) {
+        gross = static_cast<double>(GrossOfNet(item->saleNet, rate));
+      } else {
+        net = step * std::round(net * 0.9 / step);
+        gross = rate == 0 ? net : std::round(net * (100 + rate)) / 100;
+      }
+      EXPECT_NEAR(static_cast<double>(l.item.saleNet), net, 1e-9) << step << " " << item->digits;
+      EXPECT_NEAR(static_cast<double>(l.item.saleGross), gross, 1e-9) << step << " " << item->digits;
+      if (rate == 0) {
+        EXPECT_EQ(l.item.saleNet, l.item.saleGross);
+      }
+    }
+    EXPECT_TRUE(Shown("Podanie rabatu od cen sprzedaży, który naliczony będzie@dla całości specyfikacji"_mz)) << step;
+    EXPECT_TRUE(Shown("Na specyfikacji nie udzielono rabatów dla 1 pozycji, "_mz)) << step;
+  }
+}
+
+}  // namespace
