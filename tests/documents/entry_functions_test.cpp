@@ -32,8 +32,10 @@ struct Item {
   Real saleNet, stock;
   int16_t discountLock;
 };
-// Młotek: taxed; Śruba: no stock; Wkręt: locked against discounts; Gwóźdź: exempt.
+// Młotek: taxed, in packages of 12; Śruba: no stock; Wkręt: locked against
+// discounts; Gwóźdź: exempt; Młotek duży: the same index as Młotek.
 const Item kItems[] = {{"Młotek"_mz, 5901, "23", 10.37L, 50, 0},
+                       {"Młotek duży"_mz, 5901, "23", 14.10L, 5, 0},
                        {"Śruba"_mz, 5902, "23", 3.49L, 0, 0},
                        {"Wkręt"_mz, 5903, "8", 7.77L, 20, 1},
                        {"Gwóźdź"_mz, 5904, "zw", 2.35L, 10, 0}};
@@ -51,6 +53,7 @@ class EntryFunctions : public ContractorsTest {
       item.digitIndex = i.digits;
       item.supplier = 1;
       item.unit = "szt";
+      item.packQuantity = i.digits == 5901 ? 12 : 0;
       item.saleNet = i.saleNet;
       item.saleGross = GrossOfNet(i.saleNet, VatRateOf(item.vat));
       StockRow stock;
@@ -84,7 +87,9 @@ class EntryFunctions : public ContractorsTest {
     std::vector<KeyStep> all = {{{KeyOfByte('1')}}};
     all.insert(all.end(), steps.begin(), steps.end());
     all.push_back({{kEsc}, [check] { check(Lines()); }});
+    // Leaving asks about the lines; a box still up takes the first Esc.
     all.push_back({{kYes}});
+    all.push_back({{kEsc, kYes}});
     Play(std::move(all));
     DocumentEntry(kWarehouse);
   }
@@ -105,15 +110,33 @@ TEST_F(EntryFunctions, DigitSearchesAndFunctionsOverTheLineList) {
     std::vector<KeyStep> steps;
     std::string lines;
     std::vector<ShortText> shown;
+    std::function<void()> setup = {};
   };
+  auto config = [](int line, int value) { return [=] { ConfigSettings().SetNumber(line, value); }; };
   const std::string hammer = "Młotek"_mz.Str(), screw = "Wkręt"_mz.Str();
   const Case cases[] = {
       {"the index takes the item with the configured quantity", {Digits("5901")}, hammer + ":3;", {}},
       {"an unknown index", {Digits("777"), {{kEnter}}}, "", {entrydetail::kNoDigitIndexText}},
-      {"a zero stock is asked about and noted",
-       {Digits("5902"), {{kNo}}},
-       "",
-       {entrydetail::kNoPositiveText}},
+      {"no item above zero: the question", {Digits("5902"), {{kNo}}}, "", {entrydetail::kNoPositiveText}},
+      {"taken after the question, with the note", {Digits("5902"), {{kYes}}, {{kEnter}}}, "(any)",
+       {entrydetail::kZeroStockText}},
+      {"asked about each item of the index in turn",
+       {Digits("5901"), {{kYes}}},
+       "Młotek duży"_mz.Str() + ":3;",
+       {"Jest ! Czy szukać dalej ?"_mz},
+       config(entrydetail::kConfigLineDigitTake, 0)},
+      {"packages: the entry counts standards", {Digits("5901")}, hammer + ":36;", {},
+       config(entrydetail::kConfigLinePackages, 3)},
+      {"automatic sort by name", {Digits("5903"), Digits("5901")}, hammer + ":3;" + screw + ":3;", {},
+       config(entrydetail::kConfigLineAutoSort, 1)},
+      {"VAT of a line in the fallback mode",
+       {Digits("5901"), {{keys::kTab, KeyPair{0, 88}}}, {{kEnter}}},
+       hammer + ":3;",
+       {"Pracujesz w trybie awaryjnym baz połączenia."_mz},
+       [] {
+         ConfigSettings().SetNumber(entrydetail::kConfigLineVatChange, 1);
+         ConfigSettings().SetNumber(entrydetail::kConfigLineFallbackBase, 2);
+       }},
       {"sign reversal, then zeroing",
        {Digits("5901"), Digits("5903"), {{keys::F(6)}}},
        hammer + ":-3;" + screw + ":-3;",
@@ -126,9 +149,16 @@ TEST_F(EntryFunctions, DigitSearchesAndFunctionsOverTheLineList) {
        {}},
   };
   for (const Case& c : cases) {
+    ConfigSettings().SetNumber(entrydetail::kConfigLineDigitTake, 1);
+    if (c.setup) c.setup();
     std::string got = "(not reached)";
     RunEntry(c.steps, [&](const std::vector<DocLine>& lines) { got = Summary(lines); });
-    EXPECT_EQ(got, c.lines) << c.what;
+    if (c.lines != "(any)") {
+      EXPECT_EQ(got, c.lines) << c.what;
+    }
+    ConfigSettings() = ConfigValues{};
+    ConfigSettings().SetNumber(entrydetail::kConfigLineDigitQuantity, 2);
+    ConfigSettings().SetText(entrydetail::kConfigLineDigitAutoQuantity, ShortText("3"));
     for (const ShortText& text : c.shown) EXPECT_TRUE(Shown(text)) << c.what;
     EXPECT_TRUE(Shown(entrydetail::EntryKeysText())) << c.what;
   }
