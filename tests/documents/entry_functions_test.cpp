@@ -210,3 +210,106 @@ TEST_F(EntryFunctions, DocumentDiscountByStepWithTheLockedItemCounted) {
 }
 
 }  // namespace
+
+namespace {
+
+#define SQL(statement)                           \
+  do {                                           \
+    std::string out_;                            \
+    ASSERT_TRUE(Psql(statement, &out_)) << out_; \
+  } while (0)
+
+// A line of a saved document straight into the warehouse's lines (its position the item's number).
+std::string SpecRow(int kind, int32_t coded, const char* date, int item, double q, double buy, double sale,
+                    const char* vat) {
+  char row[256];
+  std::snprintf(row, sizeof row, "(%d,%d,'A',%d,'%s',%d,'%s',%g,%g,%g,%g,%g)", kind, coded, item, date, item, vat, q, buy,
+                buy, sale, sale);
+  return row;
+}
+const std::string kSpecColumns =
+    "INSERT INTO DANE_1_SPECYFIK (typ_dok,nr_dok,znak_dok,pozycja,data_dok,nr_towaru,vat,ilosc,c_zak_netto,"
+    "c_zak_brutto,c_spr_netto,c_spr_brutto) VALUES ";
+
+// FIFO: 28 of 78 received are gone (stock 50), so 3 more take 2 at the first
+// receipt's price and 1 at the second's; a sale's line is no receipt.
+TEST_F(EntryFunctions, FifoCostOfAnIssueFromTheEarlierReceipts) {
+  SQL(kSpecColumns + SpecRow(6, 1, "2024-01-05", 1, 30, 4, 0, "23") + "," +
+      SpecRow(1, 2, "2024-01-10", 1, 10, 9, 12, "23") + "," + SpecRow(6, 3, "2024-02-01", 1, 48, 5, 0, "23"));
+  ConfigSettings().SetNumber(entrydetail::kConfigLineEntryBrowse, 2);
+  std::vector<DocLine> got;
+  RunEntry({Digits("5901")}, [&](const std::vector<DocLine>& lines) { got = lines; });
+  ASSERT_EQ(got.size(), 1u);
+  const double skip = 30 + 48 - 50, fromFirst = std::min(3.0, 30 - skip);
+  EXPECT_NEAR(static_cast<double>(got[0].item.buyNet), (fromFirst * 4 + (3 - fromFirst) * 5) / 3, 1e-6);
+}
+
+// Items of a saved invoice come onto an empty list, replace a list or join it.
+TEST_F(EntryFunctions, ItemsPulledFromASavedDocument) {
+  SQL("INSERT INTO DANE_1_NAGLOWKI (typ_dok,nr_dok,znak_dok,data_dok,suma_dok) VALUES (2,7,'A','2024-03-01',62.40)");
+  SQL(kSpecColumns + SpecRow(2, 7, "2024-03-01", 1, 2, 6, 10, "23") + "," +
+      SpecRow(2, 7, "2024-03-01", 4, 5, 5, 7, "8"));
+  const std::string pulled = "Młotek:2;Wkręt:5;"_mz.Str();
+  const struct {
+    const char* what;
+    std::vector<KeyStep> steps;
+    std::string lines;
+  } cases[] = {
+      {"onto an empty list", {{{keys::F(7)}}, {{keys::kDown, kEnter}}, {{kEnter}}}, pulled},
+      {"replacing the lines",
+       {Digits("5904"), {{keys::F(7)}}, {{keys::kDown, kEnter}}, {{kEnter}}, {{keys::kUp, kEnter}}},
+       pulled},
+      {"added to the lines",
+       {Digits("5904"), {{keys::F(7)}}, {{keys::kDown, kEnter}}, {{kEnter}}, {{kEnter}}},
+       "Gwóźdź:3;"_mz.Str() + pulled},
+  };
+  for (const auto& c : cases) {
+    std::vector<DocLine> got;
+    RunEntry(c.steps, [&](const std::vector<DocLine>& lines) { got = lines; });
+    EXPECT_EQ(Summary(got), c.lines) << c.what;
+    for (const DocLine& l : got) {
+      if (l.item.number == 1) {
+        EXPECT_EQ(l.item.saleNet, 10) << c.what;
+      }
+    }
+    EXPECT_TRUE(Shown(entrydetail::kPullKindTitle)) << c.what;
+  }
+}
+
+// The customer's discount by registration number, and one that is not there.
+TEST_F(EntryFunctions, DiscountOfACustomerNamedByRegistration) {
+  Contractor customer;
+  customer[KontrahentCol::nazwa] = ShortText("Klient");
+  customer[KontrahentCol::nr_rej] = ShortText("R1");
+  customer.discount = 15;
+  ASSERT_EQ(ContractorAdd(ContractorKind::kCustomer, customer, NumberRange{}), ContractorOutcome::kDone);
+  ConfigSettings().SetNumber(entrydetail::kConfigLineContractorFeatures, 1);
+  const struct {
+    const char* registration;
+    KeyPair answer;
+    ShortText shown;
+    double percent;
+  } cases[] = {{"R1", kYes, "15 %@Czy tak ?"_mz, 15}, {"R9", kEnter, entrydetail::kNoSuchCustomerText, 0}};
+  for (const auto& c : cases) {
+    std::vector<KeyStep> steps = {Digits("5901"), {{keys::F(5)}}, {Typed(ShortText(c.registration), {kEnter})}};
+    steps.push_back({{c.answer}});
+    steps.push_back({{kEnter, kEnter}});
+    std::vector<DocLine> got;
+    RunEntry(steps, [&](const std::vector<DocLine>& lines) { got = lines; });
+    ASSERT_EQ(got.size(), 1u) << c.registration;
+    EXPECT_NEAR(static_cast<double>(got[0].item.saleNet), std::round(1037 * (100 - c.percent) / 100) / 100, 1e-9)
+        << c.registration;
+    EXPECT_TRUE(Shown(c.shown)) << c.registration;
+  }
+}
+
+TEST_F(EntryFunctions, DateOfEntryChangedWarns) {
+  const std::vector<KeyPair> clear(10, keys::kBackspace);
+  std::vector<KeyPair> date = clear;
+  for (const KeyPair k : Typed(ShortText("01-02-2024"), {kEnter})) date.push_back(k);
+  RunEntry({{{keys::F(9)}}, {date}, {{kEnter}}}, [](const std::vector<DocLine>&) {});
+  EXPECT_TRUE(Shown(entrydetail::kDateChangeTitle));
+  EXPECT_TRUE(Shown("Pracujesz z datą inną, niż dziesiejsza."_mz));
+}
+
+}  // namespace
