@@ -312,4 +312,37 @@ TEST_F(EntryFunctions, DateOfEntryChangedWarns) {
   EXPECT_TRUE(Shown("Pracujesz z datą inną, niż dziesiejsza."_mz));
 }
 
+// An item renamed by another user meanwhile keeps its line's prices.
+TEST_F(EntryFunctions, DiscountSkipsALineWhoseItemChanged) {
+  std::vector<DocLine> got;
+  RunEntry({Digits("5901"),
+            {{keys::F(5)}, [] { SQL("UPDATE DANE_KAT_TOW_ SET nazwa='Inny' WHERE nr_wewn=1"); }},
+            {{kEnter}},
+            {{keys::kBackspace, KeyOfByte('1'), KeyOfByte('0'), kEnter}},
+            {{kEnter}}},
+           [&](const std::vector<DocLine>& lines) { got = lines; });
+  ASSERT_EQ(got.size(), 1u);
+  EXPECT_EQ(got[0].item.saleNet, kItems[0].saleNet);
+  EXPECT_TRUE(Shown("Ktoś skasował pozycję `Młotek@albo zmienił jej znaczące cechy."_mz));
+}
+
+// Joining takes at most 100 marked lines.
+TEST_F(EntryFunctions, TheHundredAndFirstMarkIsRefused) {
+  ASSERT_EQ(WorkTableEnsure(CurrentUserNumber()), 0);
+  for (int i = 0; i < entrydetail::kMergeMax + 1; ++i) {
+    DocLine line;
+    line.item.number = 1;
+    line.item.name = kItems[0].name;
+    line.quantity = 1;
+    ASSERT_EQ(WorkLineAppend(WorkTablePath(CurrentUserNumber()), line), 0);
+  }
+  std::vector<KeyStep> steps = {{{keys::kTab, keys::kHome}}};
+  for (int i = 0; i < entrydetail::kMergeMax + 1; ++i) steps.push_back({{keys::F(8), keys::kDown}});
+  steps.push_back({{kEnter}});
+  std::size_t lines = 0;
+  RunEntry(steps, [&](const std::vector<DocLine>& l) { lines = l.size(); });
+  EXPECT_EQ(lines, static_cast<std::size_t>(entrydetail::kMergeMax + 1));
+  EXPECT_TRUE(Shown("Nie można połączyć więcej, niż 100 pozycji."_mz));
+}
+
 }  // namespace
