@@ -185,6 +185,7 @@ bool Save(Entry& e) {
   header.kind = static_cast<int16_t>(e.kind);
   header.mark = ShortText(DocumentKindOf(e.kind)->shortCode);
   header.date = entrydetail::EntryDate(e.extra, TodaySerial());
+  entrydetail::ApplyDefaultCustomer(e.extra, e.kind, header);
   header.operatorNumber = CurrentUserNumber();
   const SaveResult r = SaveNewDocument(e.warehouse, header, e.work, SaveSettingsFromConfig());
   ReadLines(e);

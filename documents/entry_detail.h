@@ -13,6 +13,7 @@
 #include "base/real.h"
 #include "base/shorttext.h"
 #include "documents/doccalc.h"
+#include "documents/docsave.h"
 #include "master/items.h"
 #include "tui/keydecode.h"
 
@@ -166,6 +167,8 @@ EntryAfter EntryFunctionKey(EntryView v, KeyPair key);
 ShortText EntryKeysText();
 // The date the document takes: the changed one, else today.
 int32_t EntryDate(const EntryExtras& x, int32_t today);
+// Called by the save for the header: the default customer on kinds that name customers.
+void ApplyDefaultCustomer(const EntryExtras& x, int kind, DocumentHeader& header);
 // Called by AddItem before it asks: true with the quantity a search decided.
 bool TakePresetQuantity(EntryExtras& x, Real& q);
 // Called by AddItem for the quantity typed: the packages option applied.

@@ -16,6 +16,7 @@
 #include "documents/entry_detail.h"
 #include "documents/save_detail.h"
 #include "master/contractor_screens.h"
+#include "master/contractors.h"
 #include "master/dictionary_screens.h"
 #include "master/tables.h"
 #include "sqltable/dbapp.h"
@@ -63,6 +64,17 @@ bool Marked(const EntryExtras& x, int64_t rowId) {
 }
 
 int32_t EntryDate(const EntryExtras& x, int32_t today) { return x.entryDate != 0 ? x.entryDate : today; }
+
+void ApplyDefaultCustomer(const EntryExtras& x, int kind, DocumentHeader& header) {
+  const DocumentKind* k = DocumentKindOf(kind);
+  if (x.defaultCustomer == 0 || header.contractor != 0 || !k || k->contractor != ContractorCatalogue::kCustomers) return;
+  Contractor customer;
+  bool found = false;
+  CheckDBError(ContractorFind(ContractorKind::kCustomer, x.defaultCustomer, customer, found));
+  if (!found) return;
+  header.contractor = x.defaultCustomer;
+  header.contractorName = customer[KontrahentCol::nazwa];
+}
 
 // --- Tables ---
 

@@ -345,4 +345,25 @@ TEST_F(EntryFunctions, TheHundredAndFirstMarkIsRefused) {
   EXPECT_TRUE(Shown("Nie można połączyć więcej, niż 100 pozycji."_mz));
 }
 
+// The default customer goes into the header of kinds that name customers only.
+TEST_F(EntryFunctions, DefaultCustomerFillsTheHeader) {
+  Contractor customer;
+  customer[KontrahentCol::nazwa] = ShortText("Klient");
+  ASSERT_EQ(ContractorAdd(ContractorKind::kCustomer, customer, NumberRange{}), ContractorOutcome::kDone);
+  entrydetail::EntryExtras x;
+  x.defaultCustomer = customer.number;
+  const struct {
+    int kind;
+    int32_t given;
+    int32_t expected;
+  } cases[] = {{1, 0, customer.number}, {14, 0, customer.number}, {6, 0, 0}, {2, 77, 77}};
+  for (const auto& c : cases) {
+    DocumentHeader header;
+    header.contractor = c.given;
+    entrydetail::ApplyDefaultCustomer(x, c.kind, header);
+    EXPECT_EQ(header.contractor, c.expected) << c.kind;
+    EXPECT_EQ(TrimRight(header.contractorName, ' ') == ShortText("Klient"), c.given == 0 && c.expected != 0);
+  }
+}
+
 }  // namespace
