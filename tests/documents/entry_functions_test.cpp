@@ -169,6 +169,7 @@ TEST_F(EntryFunctions, PatternSearchPutsTheBarOnTheFoundItem) {
   RunEntry({{{kShiftF3}}, {Typed(ShortText("ruba"), {kEnter})}},
            [&](const std::vector<DocLine>&) { barRow = tui_test::Cells(3, 1, 6); });
   EXPECT_EQ(barRow, "Śruba "_mz.Str());
+  EXPECT_NE(ScreenBytes().find("LIKE %ruba%"), std::string::npos);
 }
 
 // Discount of the whole list: step and percentage typed in the form; the
