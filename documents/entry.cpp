@@ -151,7 +151,7 @@ void AddItem(Entry& e) {
     line.item.saleGross = row.saleGross;
   }
   Real q = 0;
-  if (!entrydetail::TakePresetQuantity(e.extra, q) && !AskQuantity(q)) return;
+  if (!entrydetail::TakePresetQuantity(e.extra, e.kind, q) && !AskQuantity(q)) return;
   q = entrydetail::QuantityInUnits(q, line.item);
   if (q == 0 || !CheckAvailability(e, line, q)) return;
   line.quantity = q;

@@ -105,6 +105,8 @@ DigitDecision DecideDigitFind(std::span<const Real> stocks, int mode);
 ShortText StockNote(std::span<const Real> stocks);
 // The quantity that a digit search enters by itself (0: ask, -1: enter nothing).
 Real DigitSearchQuantity(int mode, const ShortText& autoText, int kind);
+// The same for an item chosen with Enter: modes 4 and 5 only; 0 to ask.
+Real EnterQuantity(int mode, const ShortText& autoText, int kind);
 
 // The discount of the whole document.
 struct DiscountSettings {
@@ -169,8 +171,9 @@ ShortText EntryKeysText();
 int32_t EntryDate(const EntryExtras& x, int32_t today);
 // Called by the save for the header: the default customer on kinds that name customers.
 void ApplyDefaultCustomer(const EntryExtras& x, int kind, DocumentHeader& header);
-// Called by AddItem before it asks: true with the quantity a search decided.
-bool TakePresetQuantity(EntryExtras& x, Real& q);
+// Called by AddItem before it asks: true with the quantity a search decided,
+// or with the automatic quantity when the setting enters it on Enter too.
+bool TakePresetQuantity(EntryExtras& x, int kind, Real& q);
 // Called by AddItem for the quantity typed: the packages option applied.
 Real QuantityInUnits(Real entered, const ItemData& item);
 // Called by AddItem for a new line: the FIFO cost on issues when configured.

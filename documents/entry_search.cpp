@@ -71,6 +71,10 @@ Real DigitSearchQuantity(int mode, const ShortText& autoText, int kind) {
   return q > 0 && AmountInRange(q) ? q : 1;
 }
 
+Real EnterQuantity(int mode, const ShortText& autoText, int kind) {
+  return mode == 4 || mode == 5 ? std::max<Real>(DigitSearchQuantity(mode, autoText, kind), 0) : 0;
+}
+
 // --- Tables ---
 
 namespace {
@@ -132,8 +136,11 @@ bool GroupedView() {
 
 }  // namespace
 
-bool TakePresetQuantity(EntryExtras& x, Real& q) {
-  if (!x.presetSet) return false;
+bool TakePresetQuantity(EntryExtras& x, int kind, Real& q) {
+  if (!x.presetSet) {
+    q = EnterQuantity(ConfigInt(kConfigLineDigitQuantity), ConfigText(kConfigLineDigitAutoQuantity), kind);
+    return q > 0;
+  }
   x.presetSet = false;
   q = x.presetQuantity;
   return true;
