@@ -119,7 +119,7 @@ ShortText SupplierRefusal(int kind, int32_t headerSupplier, int32_t itemSupplier
 void PurchasePriceFromSale(ItemData& item, Real lessBy) {
   if (lessBy == 0) return;
   item.buyNet = RoundMoney(item.saleNet - lessBy);
-  item.buyGross = GrossFromNet(item.buyNet, item.vat);
+  item.buyGross = GrossOfNet(item.buyNet, VatRateOf(item.vat));
 }
 
 ShortText DiscountReminder(int kind, Real discount, bool remind) {

@@ -5,6 +5,7 @@
 
 #include "base/numbers.h"
 #include "base/numbers_format.h"
+#include "base/text.h"
 #include "config/konfigur.h"
 #include "documents/docentry.h"
 #include "documents/entry_detail.h"
@@ -68,7 +69,7 @@ int DifferentSupplierAt(std::span<const DocLine> lines) {
 
 ShortText MinimumValueRefusal(int kind, Real total, Real limit, const ShortText& name, const ShortText& otherName) {
   if (kind != 2 || limit <= 0 || !(total < limit)) return {};
-  return "Wartość dokumentu `"_mz + name + "\" nie może"_mz + "@ być mniejsza, niż "_mz + FormatMoney(0, 2, limit) +
+  return "Wartość dokumentu `"_mz + name + "\" nie może"_mz + "@ być mniejsza, niż "_mz + TrimLeftAll(FormatFixed(15, 2, limit), ' ') +
          "- zł ."_mz + "@Należy wystawić dokument `"_mz + otherName + "'."_mz;
 }
 
