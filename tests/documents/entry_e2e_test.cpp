@@ -1,6 +1,6 @@
 // The real klote in tmux: with its only warehouse taken as the current one, the operator enters a sale
-// invoice and a purchase from the menu and sees the stock change on the
-// entry's catalogue; the rows of the server say the same.
+// invoice and a purchase from the menu, each header taking its contractor from the list, and sees the
+// stock change on the entry's catalogue; the rows of the server say the same.
 #include <unistd.h>
 
 #include <chrono>
@@ -30,6 +30,12 @@ class EntryE2eTest : public CatalogueTest {
     warehouse.number = 1;
     warehouse[KontrahentCol::nazwa] = "Magazyn"_mz;
     ASSERT_EQ(ContractorAdd(ContractorKind::kWarehouse, warehouse, NumberRange{}), ContractorOutcome::kDone);
+    for (ContractorKind kind : {ContractorKind::kCustomer, ContractorKind::kSupplier}) {
+      Contractor c;  // the one contractor each document's header takes from its list
+      c[KontrahentCol::nazwa] = "Kontrahent"_mz;
+      c[KontrahentCol::nip] = "525-000-00-00";
+      ASSERT_EQ(ContractorAdd(kind, c, NumberRange{}), ContractorOutcome::kDone);
+    }
     ItemData item;
     item.name = "Młotek"_mz;
     item.vat = "23";
@@ -91,7 +97,11 @@ class EntryE2eTest : public CatalogueTest {
     ASSERT_TRUE(WaitForText("Podaj ilość:")) << Pane();
     Keys(quantity + " Enter");
     ASSERT_TRUE(WaitForText("Suma:")) << Pane();
-    Keys("F2");
+    Keys("F2");  // the header form
+    ASSERT_TRUE(WaitForText("data rozliczenia:")) << Pane();
+    Keys("F2");  // confirmed: the contractor it needs comes from the list
+    ASSERT_TRUE(WaitForText("Kontrahent")) << Pane();
+    Keys("Enter");
     ASSERT_TRUE(WaitForText("Zapisano dokument nr 1/")) << Pane();
     Keys("Enter");
     ASSERT_TRUE(WaitForText(stockAfter)) << Pane();  // the catalogue above shows the new stock
