@@ -118,7 +118,8 @@ ShortText SupplierRefusal(int kind, int32_t headerSupplier, int32_t itemSupplier
 
 void PurchasePriceFromSale(ItemData& item, Real lessBy) {
   if (lessBy == 0) return;
-  item.buyNet = RoundMoney(item.saleNet - lessBy);
+  const Real net = RoundMoney(item.saleNet - lessBy);
+  item.buyNet = net > 0 ? net : 0;  // a value above the price leaves nothing, never a negative price
   item.buyGross = GrossOfNet(item.buyNet, VatRateOf(item.vat));
 }
 
@@ -134,7 +135,7 @@ ShortText DropQuestion(int lines) {
 
 ShortText LeaveQuestion(bool changeMode) {
   return changeMode ? "Na pewno chcesz zrezygnować ze wprowadzonych zmian ?"_mz
-                    : "Wyjście spowoduje utratę specyfikacji, którą wpisałeś(aś).@Czy na pewno chcesz wyjść ?"_mz;
+                    : kLeaveEntryText;
 }
 
 LineLimit FiscalLineLimit(int kind, int lines, int option) {
