@@ -21,6 +21,7 @@ namespace entrydetail {
 inline constexpr int kConfigPurchaseLessBy = 7;        // real: sale price less this gives the purchase price
 inline constexpr int kConfigDiscountReminder = 8;      // 1: remind of the contractor's discount
 inline constexpr int kConfigLongReceipt = 24;          // 0 off, < 0 refuses, > 0 asks past |n| lines
+inline constexpr int kConfigLinkedContractor = 88;    // 1: the contractor linked to the warehouse is proposed
 inline constexpr int kConfigOrdersReserve = 115;       // 1 orders reserve goods, 2 and the reserve is kept
 inline constexpr int kConfigInvoiceDays = 120;         // days to the settlement of an invoice
 inline constexpr int kConfigSettleFromSale = 122;      // 1: the settlement counts from the sale date
@@ -57,7 +58,8 @@ ShortText ProposedMark(int kind, const ShortText& dokPlatMark, int proposedMarks
 ShortText DateText(int32_t serial);
 int32_t DateOfText(const ShortText& text);
 
-// A new header of the kind with every proposal filled (configuration, dok_plat, today).
+// A new header of the kind with every proposal filled (configuration,
+// dok_plat, today, the contractor linked to the warehouse).
 DocumentHeader NewHeader(int32_t warehouse, int kind, int32_t today);
 // The form over the header; Enter goes on, F2 or F10 confirms, Esc gives up.
 // The contractor field opens its catalogue's list on F1, or on Enter when empty.

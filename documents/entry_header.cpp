@@ -270,7 +270,21 @@ bool PrepareHeader(int32_t warehouse, DocumentHeader& header, int32_t today) {
   }
 }
 
-DocumentHeader NewHeader(int32_t, int kind, int32_t today) {
+// The contractor linked to the warehouse, proposed when the configuration says so.
+void ProposeLinkedContractor(int32_t warehouse, char dokPlatLetter, DocumentHeader& h) {
+  const HeaderRules rules = HeaderRulesOf(h.kind, dokPlatLetter);
+  if (ConfigInt(kConfigLinkedContractor) != 1 || !rules.hasContractor) return;
+  int32_t linked = 0;
+  CheckDBError(WarehouseHolder(rules.catalogue, 0, warehouse, linked));
+  Contractor c;
+  bool found = false;
+  if (linked != 0) CheckDBError(ContractorFind(rules.catalogue, linked, c, found));
+  if (!found) return;
+  h.contractor = linked;
+  h.contractorName = TrimRightAll(c[KontrahentCol::nazwa], ' ');
+}
+
+DocumentHeader NewHeader(int32_t warehouse, int kind, int32_t today) {
   DocumentHeader h;
   const KindRow row = ReadKindRow(kind);
   h.kind = static_cast<int16_t>(kind);
@@ -282,6 +296,7 @@ DocumentHeader NewHeader(int32_t, int kind, int32_t today) {
   h.cash = h.payment == kCashPayment ? kCashDocument : 'N';
   h.deposit = ProposedDepositMark(ConfigInt(kConfigDepositQuestion), kind) ? 'T' : 'N';
   h.operatorNumber = CurrentUserNumber();
+  ProposeLinkedContractor(warehouse, row.contractorLetter, h);
   return h;
 }
 

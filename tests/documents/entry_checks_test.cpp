@@ -275,6 +275,12 @@ TEST_F(EntryChecksDbTest, HeaderFormByKeys) {
   gAnswers = {keys::F(2), keys::kEnter};
   EXPECT_TRUE(PrepareHeader(kWarehouse, h, today));
   EXPECT_EQ(h.contractor, c.number);
+  // The customer linked to the warehouse is proposed when so configured.
+  ASSERT_EQ(ContractorLinkWarehouse(ContractorKind::kCustomer, c.number, kWarehouse), 0);
+  EXPECT_EQ(NewHeader(kWarehouse, 2, today).contractor, 0);
+  ConfigSettings().SetNumber(kConfigLinkedContractor, 1);
+  EXPECT_EQ(NewHeader(kWarehouse, 2, today).contractor, c.number);
+  EXPECT_EQ(NewHeader(kWarehouse, 6, today).contractor, 0);  // no supplier is linked
   // A retail sale: no form by default; one F2 when its header is asked.
   h = NewHeader(kWarehouse, 1, today);
   gScreens.clear();
