@@ -64,7 +64,7 @@ DocumentHeader NewHeader(int32_t warehouse, int kind, int32_t today);
 // The form over the header; Enter goes on, F2 or F10 confirms, Esc gives up.
 // The contractor field opens its catalogue's list on F1, or on Enter when empty.
 // true when confirmed with its checks passed.
-bool AskDocumentHeader(int32_t warehouse, DocumentHeader& header, int32_t today);
+bool AskDocumentHeader(int32_t warehouse, DocumentHeader& header);
 // The header before a save of the lines: the form when the kind shows it,
 // then the retail sale's date question. false when the user gave up.
 bool PrepareHeader(int32_t warehouse, DocumentHeader& header, int32_t today);

@@ -227,7 +227,7 @@ void LayOut(Form& f) {
 
 }  // namespace
 
-bool AskDocumentHeader(int32_t warehouse, DocumentHeader& header, int32_t) {
+bool AskDocumentHeader(int32_t warehouse, DocumentHeader& header) {
   Form f;
   f.warehouse = warehouse;
   f.header = &header;
@@ -264,7 +264,7 @@ bool AskDocumentHeader(int32_t warehouse, DocumentHeader& header, int32_t) {
 bool PrepareHeader(int32_t warehouse, DocumentHeader& header, int32_t today) {
   const bool form = HeaderFormShown(header.kind, ConfigInt(kConfigReceiptHeader));
   for (;;) {
-    if (form && !AskDocumentHeader(warehouse, header, today)) return false;
+    if (form && !AskDocumentHeader(warehouse, header)) return false;
     if (header.kind != 1 || header.date == today || MessageBox(kOtherDateRetailText, 1)) return true;
     if (!form) return false;
   }
