@@ -62,6 +62,7 @@ struct SaveSettings {
   NumberingSettings numbering;
   int vatMode = 0;             // configuration line 176
   bool orderHandling = false;  // kind 16 moves the ordered quantity
+  bool respectOrders = false;  // an issue leaves the customers' ordered quantity in stock
   bool mayGoBelowZero = false;
   bool changeStock = true;     // false: the user refused the stock change of this save
 };

@@ -27,8 +27,8 @@ constexpr int kUpperTop = 3, kUpperRows = 9;   // catalogue rows 3..11
 constexpr int kLowerTop = 14, kLowerRows = 9;  // line list rows 14..22
 
 const ShortText kQuantityTitle = "Podaj ilość:"_mz;
-const ShortText kNoStockText = "Jest, ale ma stan zerowy lub ujemny."_mz;
 const ShortText kSavedText = "Zapisano dokument nr "_mz;
+constexpr KeyPair kDropKey{25, 21};  // Ctrl+Y
 const ShortText kKeysText = " Tab-okno Enter-ilość Del-usuń F2-zapis Esc-wyjście"_mz;
 
 int32_t TodaySerial() {
@@ -52,7 +52,12 @@ struct Entry {
   int itemAt = 0, lineAt = 0;
   bool lower = false;              // the line list has the keys
   entrydetail::EntryExtras extra;  // date of entry, marks for joining, flags of the functions
+  entrydetail::LineMemory memory;  // the answers that are not asked again
+  DocumentHeader header;           // the header once asked, for the lines after it
+  bool headerAsked = false;
 };
+
+const DocumentHeader* HeaderOf(const Entry& e) { return e.headerAsked ? &e.header : nullptr; }
 
 void ReadItems(Entry& e, const ItemListKey& from, bool forward) {
   std::vector<ItemListRow> rows;
@@ -112,25 +117,9 @@ void Draw(const Entry& e) {
   Row(25, kKeysText, false);
 }
 
-// The quantity the kind and the stock allow; false when nothing may be taken.
-bool CheckAvailability(const Entry& e, const DocLine& line, Real& q) {
-  if (!KindChecksAvailability(e.kind) || q <= 0 || CurrentUserRight(UserRight::kBelowZero)) return true;
-  StockRow stock;
-  bool found = false;
-  CheckDBError(StockRead(e.warehouse, line.item.number, stock, found));
-  const Real available = AvailableStock(found ? stock.quantity : 0, e.lines, line.item.number, line.rowId);
-  if (available <= 0) {
-    (void)MessageBox(kNoStockText, 0);
-    return false;
-  }
-  if (q > available) {
-    (void)MessageBox("Podana przez Ciebie ilość zostanie automatycznie zredukowana@"_mz + "do ilości = "_mz +
-                         FormatShortest(12, available) +
-                         ".@Nie masz praw do zapisu operacji, która spowoduje stan ujemny !"_mz,
-                     0);
-    q = available;
-  }
-  return true;
+// The quantity the kind, the stock, the orders and the returns allow; false when nothing may be taken.
+bool CheckAvailability(Entry& e, const DocLine& line, Real& q) {
+  return entrydetail::CheckLineQuantity(e.warehouse, e.kind, e.work, line, q, e.memory);
 }
 
 bool AskQuantity(Real& q) {
@@ -146,6 +135,7 @@ void AddItem(Entry& e) {
   const ItemListRow& row = e.items[static_cast<std::size_t>(e.itemAt)];
   DocLine line;
   line.item = row.item;
+  if (!entrydetail::ItemFitsHeader(e.kind, HeaderOf(e), line.item)) return;
   if (SalePriced(e.kind)) {
     line.item.saleNet = row.saleNet;
     line.item.saleGross = row.saleGross;
@@ -154,6 +144,7 @@ void AddItem(Entry& e) {
   if (!entrydetail::TakePresetQuantity(e.extra, e.kind, q) && !AskQuantity(q)) return;
   q = entrydetail::QuantityInUnits(q, line.item);
   if (q == 0 || !CheckAvailability(e, line, q)) return;
+  entrydetail::PriceNewLine(e.kind, HeaderOf(e), line);
   line.quantity = q;
   entrydetail::TakeFifoCost(e.warehouse, e.kind, line, e.lines);
   CheckDBError(WorkLineAppend(e.work, line));
@@ -180,19 +171,30 @@ void DeleteLine(Entry& e) {
 
 // F2: the header of the new document and the save; true when saved.
 bool Save(Entry& e) {
-  if (e.lines.empty()) return false;
-  DocumentHeader header;
-  header.kind = static_cast<int16_t>(e.kind);
-  header.mark = ShortText(DocumentKindOf(e.kind)->shortCode);
-  header.date = entrydetail::EntryDate(e.extra, TodaySerial());
-  entrydetail::ApplyDefaultCustomer(e.extra, e.kind, header);
-  header.operatorNumber = CurrentUserNumber();
+  if (e.lines.empty() || !entrydetail::PassesFiscalLimit(e.kind, e.lines)) return false;
+  if (!e.headerAsked) {
+    // The proposals of a new header, on the date of entry, with the default customer.
+    e.header = entrydetail::NewHeader(e.warehouse, e.kind, entrydetail::EntryDate(e.extra, TodaySerial()));
+    entrydetail::ApplyDefaultCustomer(e.extra, e.kind, e.header);
+  }
+  if (!entrydetail::PrepareHeader(e.warehouse, e.header, TodaySerial())) return false;
+  e.headerAsked = true;
+  DocumentHeader header = e.header;
   const SaveResult r = SaveNewDocument(e.warehouse, header, e.work, SaveSettingsFromConfig());
   ReadLines(e);
   if (r.outcome != SaveOutcome::kSaved) return false;
+  e.headerAsked = false;
   ReadItems(e, ItemListKey{}, true);
   (void)MessageBox(kSavedText + DocNumberText(r.coded) + " "_mz + r.mark, 0);
   return true;
+}
+
+// Ctrl+Y: the whole line list goes, after the question.
+void DropLines(Entry& e) {
+  if (!MessageBox(entrydetail::DropQuestion(static_cast<int>(e.lines.size())), 1)) return;
+  CheckDBError(WorkTableClear(e.work));
+  e.headerAsked = false;
+  ReadLines(e);
 }
 
 void MoveBar(Entry& e, int delta) {
@@ -221,6 +223,7 @@ bool HandleKey(Entry& e, KeyPair key) {
   else if (key == kEnter) e.lower ? ChangeLine(e) : AddItem(e);
   else if (key == kDel && e.lower) DeleteLine(e);
   else if (key == F(2)) Save(e);
+  else if (key == kDropKey && !e.lines.empty()) DropLines(e);
   else if (const auto after = entrydetail::EntryFunctionKey(
                {e.warehouse, e.kind, e.work, e.lines, e.lineAt, e.items, e.itemAt, e.lower, e.extra}, key);
            after == entrydetail::EntryAfter::kReadLines)
@@ -228,7 +231,7 @@ bool HandleKey(Entry& e, KeyPair key) {
   else if (after == entrydetail::EntryAfter::kAddAtBar) AddItem(e);
   else if (key == kEsc) {
     if (e.lines.empty()) return true;
-    if (MessageBox(kLeaveEntryText, 1)) {
+    if (MessageBox(entrydetail::LeaveQuestion(false), 1)) {
       CheckDBError(WorkTableClear(e.work));
       return true;
     }

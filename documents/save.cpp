@@ -4,6 +4,7 @@
 #include <set>
 
 #include "documents/docdetail.h"
+#include "documents/entry_detail.h"
 #include "documents/numbering.h"
 #include "documents/save_detail.h"
 #include "master/tables.h"
@@ -213,10 +214,12 @@ int16_t SaveDocument(int32_t warehouse, DocumentHeader& header, std::vector<DocL
   if (const int16_t code = ReadStock(t, lines, before)) return code;
   const StockEffect effect =
       settings.changeStock ? KindStockEffect(header.kind, settings.orderHandling) : StockEffect::kNone;
+  const bool cutToOrders =
+      settings.respectOrders && effect == StockEffect::kIssue && entrydetail::LimitToUnreserved(lines, before);
   const StockPlan plan = PlanStock(lines, effect, settings.mayGoBelowZero, before);
   for (std::size_t i = 0; i < lines.size(); ++i) lines[i].quantity = plan.quantities[i];
   result.totals = ComputeTotals(lines, method);
-  result.reduced = plan.reduced;
+  result.reduced = plan.reduced || cutToOrders;
   if (const int16_t code = PGRunQueryNoTup("INSERT INTO " + SqlTable(t.naglowki) + " VALUES (DEFAULT," +
                                            HeaderValues(header, result.totals.total) + ")"))
     return code;

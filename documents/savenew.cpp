@@ -3,6 +3,7 @@
 #include "base/numbers_format.h"
 #include "config/konfigur.h"
 #include "documents/docdetail.h"
+#include "documents/entry_detail.h"
 #include "documents/numbering.h"
 #include "documents/save_detail.h"
 #include "master/tables.h"
@@ -53,6 +54,7 @@ SaveSettings SaveSettingsFromConfig() {
   s.numbering = NumberingSettingsFromConfig();
   s.vatMode = ConfigInt(kConfigLineInvoiceVatMode);
   s.orderHandling = ConfigInt(kConfigLineOrdersReserve) != 0;
+  s.respectOrders = ConfigInt(kConfigLineOrdersReserve) == 2;
   s.mayGoBelowZero = CurrentUserRight(UserRight::kBelowZero);
   return s;
 }
@@ -62,6 +64,7 @@ SaveResult SaveNewDocument(int32_t warehouse, DocumentHeader& header, const Shor
   SaveResult result;
   std::vector<DocLine> lines;
   CheckDBError(WorkLinesRead(workTable, lines));
+  if (!entrydetail::PassesSaveChecks(header, lines, settings.vatMode)) return result;
   if (!FiscalStep(warehouse, header, lines, settings)) return result;
   (void)MessageBox(kSaveLinesText, 2);
   for (int attempt = 0; attempt < kKeyAttempts; ++attempt) {
