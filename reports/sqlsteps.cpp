@@ -38,9 +38,12 @@ void DropTemporary(const char* name) { ExecSql(std::string("DROP TABLE IF EXISTS
 
 bool TakesStockAway(int16_t kind) { return KindStockEffect(kind, false) == StockEffect::kIssue; }
 
+std::string StockKindsSql(bool issues) {
+  return NumberList(KindsWithEffect(issues ? StockEffect::kIssue : StockEffect::kReceipt));
+}
+
 std::string StockQuantitySql(const char* alias) {
   const std::string a(alias);
-  return "CASE WHEN " + a + ".typ_dok IN (" + NumberList(KindsWithEffect(StockEffect::kReceipt)) + ") THEN " + a +
-         ".ilosc WHEN " + a + ".typ_dok IN (" + NumberList(KindsWithEffect(StockEffect::kIssue)) + ") THEN -" + a +
-         ".ilosc ELSE 0 END";
+  return "CASE WHEN " + a + ".typ_dok IN (" + StockKindsSql(false) + ") THEN " + a + ".ilosc WHEN " + a +
+         ".typ_dok IN (" + StockKindsSql(true) + ") THEN -" + a + ".ilosc ELSE 0 END";
 }

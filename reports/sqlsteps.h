@@ -22,6 +22,8 @@ std::string IsoDate(int32_t serial);
 void DropTemporary(const char* name);
 // Whether a kind takes stock away (issues, returns to suppliers, transfers out).
 bool TakesStockAway(int16_t kind);
+// The kinds that add to stock (false) or take it away (true), as "3,5,6".
+std::string StockKindsSql(bool issues);
 // The quantity of a line of specyfik under alias, signed by its kind's stock
 // effect: receipts plus, issues minus, orders and other kinds 0.
 std::string StockQuantitySql(const char* alias);
