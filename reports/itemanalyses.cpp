@@ -23,7 +23,8 @@ constexpr const char* kResultColumns[][2] = {
     {"przedz", "I"},  {"nr_wewn", "I"},  {"nazwa", "A31"},   {"grtow", "A15"},  {"dost_nr", "I"},
     {"ilosc", "X"},   {"zak_nett", "X"}, {"spr_nett", "X"},  {"spr_brutt", "X"}, {"marza", "X"},
     {"stan", "X"},    {"cena_zb", "X"},  {"wart_st", "X"},   {"procent", "X"},  {"fakt", "X"},
-    {"roznica", "X"}, {"wart_roz", "X"}, {"od_dos", "X"},    {"u_odb", "X"},    {"bez_obr", "A1"}};
+    {"roznica", "X"}, {"wart_roz", "X"}, {"od_dos", "X"},    {"u_odb", "X"},    {"bez_obr", "A1"},
+    {"ceny", "I"}};
 
 // What the result lists besides the rows of the analysis's own lines.
 bool ListsEveryStock(ItemAnalysis a) { return a == ItemAnalysis::kStockTurnover || a == ItemAnalysis::kRemanent; }
@@ -50,7 +51,7 @@ class WarehouseReadLock {
 
 void CreateRanges(const ItemAnalysisParams& p) {
   DropTemporary("TMP_R");
-  ExecSql("CREATE TEMPORARY TABLE TMP_R (N INT,OD DATE,DO DATE)");
+  ExecSql("CREATE TEMPORARY TABLE TMP_R (N INT,OD DATE,DD DATE)");
   std::string values;
   for (std::size_t i = 0; i < p.ranges.size(); ++i)
     values += (i == 0 ? "(" : ",(") + std::to_string(i + 1) + "," + IsoDate(p.ranges[i].from) + "," +
@@ -81,7 +82,8 @@ std::string OwnLines(const ItemAnalysisParams& p, int32_t warehouse) {
     columns = "OD,UO";
     sums = "SUM(CASE WHEN s.typ_dok IN (" + StockKindsSql(false) + ") THEN s.ilosc_w_depozycie ELSE 0 END),"
            "SUM(CASE WHEN s.typ_dok IN (" + StockKindsSql(true) + ") THEN s.ilosc_w_depozycie ELSE 0 END)";
-    condition = "n.czy_depozyt='T' AND s.ilosc_w_depozycie<>0";
+    condition = "n.czy_depozyt='T' AND s.ilosc_w_depozycie<>0 AND s.typ_dok IN (" + StockKindsSql(false) + "," +
+                StockKindsSql(true) + ")";
   } else {
     const std::string q = TurnoverQuantity(p);
     columns = "IL,ZN,SN,SB";
@@ -92,15 +94,22 @@ std::string OwnLines(const ItemAnalysisParams& p, int32_t warehouse) {
          SqlName(WarehouseTablePath(warehouse, "specyfik")) + " s JOIN " +
          SqlName(WarehouseTablePath(warehouse, "naglowki")) +
          " n ON n.typ_dok=s.typ_dok AND n.nr_dok=s.nr_dok AND n.znak_dok=s.znak_dok"
-         " JOIN TMP_R r ON n.data_dok>=r.OD AND n.data_dok<=r.DO WHERE " + condition + " GROUP BY r.N,s.nr_towaru";
+         " JOIN TMP_R r ON n.data_dok>=r.OD AND n.data_dok<=r.DD WHERE " + condition + " GROUP BY r.N,s.nr_towaru";
 }
 
 // Stock of one warehouse at each range's end (before its start for the remanent).
 std::string StockLines(const ItemAnalysisParams& p, int32_t warehouse) {
-  const char* until = p.analysis == ItemAnalysis::kRemanent ? "s.data_dok<r.OD" : "s.data_dok<=r.DO";
+  const char* until = p.analysis == ItemAnalysis::kRemanent ? "s.data_dok<r.OD" : "s.data_dok<=r.DD";
   return "INSERT INTO TMP_S SELECT r.N,s.nr_towaru,SUM(" + StockQuantitySql("s") + ") FROM " +
          SqlName(WarehouseTablePath(warehouse, "specyfik")) + " s JOIN TMP_R r ON " + until +
          " GROUP BY r.N,s.nr_towaru";
+}
+
+// The purchase prices that one warehouse's lines in the ranges carry, each once.
+std::string PurchasePrices(int32_t warehouse) {
+  return "INSERT INTO TMP_P SELECT DISTINCT s.nr_towaru,s.c_zak_brutto FROM " +
+         SqlName(WarehouseTablePath(warehouse, "specyfik")) +
+         " s WHERE EXISTS (SELECT 1 FROM TMP_R r WHERE s.data_dok>=r.OD AND s.data_dok<=r.DD)";
 }
 
 void Step(AnalysisProgress progress, const char* step, int done, int total) {
@@ -109,11 +118,12 @@ void Step(AnalysisProgress progress, const char* step, int done, int total) {
 
 // Step 1-A: every warehouse in number order, its own lines and its stock.
 void GatherWarehouses(const ItemAnalysisParams& p, AnalysisProgress progress) {
-  for (const char* name : {"TMP_A", "TMP_S"}) DropTemporary(name);
+  for (const char* name : {"TMP_A", "TMP_S", "TMP_P"}) DropTemporary(name);
   ExecSql("CREATE TEMPORARY TABLE TMP_A (R INT,NR INT,IL NUMERIC(28,7) DEFAULT 0,ZN NUMERIC(28,7) DEFAULT 0,"
           "SN NUMERIC(28,7) DEFAULT 0,SB NUMERIC(28,7) DEFAULT 0,FA NUMERIC(28,7) DEFAULT 0,"
           "OD NUMERIC(28,7) DEFAULT 0,UO NUMERIC(28,7) DEFAULT 0)");
   ExecSql("CREATE TEMPORARY TABLE TMP_S (R INT,NR_WEWN INT,IL NUMERIC(28,7) )");
+  ExecSql("CREATE TEMPORARY TABLE TMP_P (NR INT,ZB NUMERIC(28,7))");
   const int total = static_cast<int>(p.warehouses.size());
   for (int i = 0; i < total; ++i) {
     const int32_t w = p.warehouses[static_cast<std::size_t>(i)];
@@ -121,6 +131,7 @@ void GatherWarehouses(const ItemAnalysisParams& p, AnalysisProgress progress) {
     WarehouseReadLock lock(WarehouseTablePath(w, "specyfik"), p.analysis == ItemAnalysis::kStockTurnover);
     ExecSql(OwnLines(p, w));
     ExecSql(StockLines(p, w));
+    ExecSql(PurchasePrices(w));
   }
 }
 
@@ -137,12 +148,12 @@ void CreateResultTable(const ShortText& path) {
 void SumIntoResult(const ItemAnalysisParams& p, const std::string& result) {
   const std::string insert =
       "INSERT INTO " + result + " (przedz,nr_wewn,nazwa,grtow,dost_nr,ilosc,zak_nett,spr_nett,spr_brutt,marza,stan,"
-      "cena_zb,wart_st,procent,fakt,roznica,wart_roz,od_dos,u_odb,bez_obr) ";
-  ExecSql(insert + "SELECT R,NR,'','',0,SUM(IL),SUM(ZN),SUM(SN),SUM(SB),0,0,0,0,0,SUM(FA),0,0,SUM(OD),SUM(UO),'N' "
+      "cena_zb,wart_st,procent,fakt,roznica,wart_roz,od_dos,u_odb,bez_obr,ceny) ";
+  ExecSql(insert + "SELECT R,NR,'','',0,SUM(IL),SUM(ZN),SUM(SN),SUM(SB),0,0,0,0,0,SUM(FA),0,0,SUM(OD),SUM(UO),'N',0 "
                    "FROM TMP_A GROUP BY R,NR");
   ExecSql("DROP TABLE TMP_A");
   if (ListsEveryStock(p.analysis))
-    ExecSql(insert + "SELECT R,NR_WEWN,'','',0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,'N' FROM (SELECT DISTINCT R,NR_WEWN FROM "
+    ExecSql(insert + "SELECT R,NR_WEWN,'','',0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,'N',0 FROM (SELECT DISTINCT R,NR_WEWN FROM "
                      "TMP_S) t WHERE NOT EXISTS (SELECT 1 FROM " + result +
             " x WHERE x.przedz=t.R AND x.nr_wewn=t.NR_WEWN)");
   ExecSql("UPDATE " + result + " SET stan=TMP_X.ST FROM (SELECT R,NR_WEWN,SUM(IL) AS ST FROM TMP_S GROUP BY R,NR_WEWN) "
@@ -152,24 +163,33 @@ void SumIntoResult(const ItemAnalysisParams& p, const std::string& result) {
   ExecSql("UPDATE " + result + " SET procent=100.0*ilosc/stan WHERE stan<>0.0");
 }
 
-// Step X-G: purchase prices through TMP_B, names, group and supplier from the catalogue.
-void JoinCatalogue(const std::string& result, ItemAnalysisOutcome& outcome) {
+// Step X-G: the count of purchase prices of each item through TMP_B (more
+// than one is an anomaly of the data, told but harmless: values come from
+// each line's own price); names, group, supplier and the card's purchase
+// price from the catalogue.
+void JoinCatalogue(const std::string& result) {
   const std::string catalogue = SqlName("dane\\kat_tow_");
   DropTemporary("TMP_B");
-  ExecSql("CREATE TEMPORARY TABLE TMP_B AS SELECT nr_wewn AS NR,MAX(cena_z_b) AS ZB,COUNT(DISTINCT cena_z_b) AS NC FROM " +
-          catalogue + " WHERE nr_wewn IN (SELECT nr_wewn FROM " + result + ") GROUP BY nr_wewn");
+  ExecSql("CREATE TEMPORARY TABLE TMP_B AS SELECT NR,COUNT(DISTINCT ZB) AS NC FROM TMP_P GROUP BY NR");
   ExecSql("ALTER TABLE TMP_B ADD PRIMARY KEY(NR)");
-  ExecSql("UPDATE " + result + " SET cena_zb=TMP_B.ZB FROM TMP_B WHERE " + result + ".nr_wewn=TMP_B.NR");
-  PGResult rows;
-  CheckDBError(PGRunQueryWithTup("SELECT count(*) FROM TMP_B WHERE NC>1", rows));
-  outcome.priceAnomaly = std::atoi(std::string(rows.Value(0, 0)).c_str()) > 0;
+  ExecSql("UPDATE " + result + " SET ceny=TMP_B.NC FROM TMP_B WHERE " + result + ".nr_wewn=TMP_B.NR");
   ExecSql("DROP TABLE TMP_B");
+  ExecSql("DROP TABLE TMP_P");
+  ExecSql("UPDATE " + result + " SET nazwa=k.nazwa,grtow=k.k3_grupa_tow,dost_nr=k.dostawca,cena_zb=k.cena_z_b FROM " +
+          catalogue + " k WHERE k.nr_wewn=" + result + ".nr_wewn");
   ExecSql("UPDATE " + result + " SET wart_st=stan*cena_zb,wart_roz=roznica*cena_zb");
-  ExecSql("UPDATE " + result + " SET nazwa=k.nazwa,grtow=k.k3_grupa_tow,dost_nr=k.dostawca FROM " + catalogue +
-          " k WHERE k.nr_wewn=" + result + ".nr_wewn");
+}
+
+// What the run tells the operator of the rows that stay: items missing from
+// the catalogue, several purchase prices of one item.
+void CollectAnomalies(const std::string& result, ItemAnalysisOutcome& outcome) {
+  PGResult rows;
   CheckDBError(PGRunQueryWithTup("SELECT DISTINCT nr_wewn FROM " + result + " r WHERE NOT EXISTS (SELECT 1 FROM " +
-                                     catalogue + " k WHERE k.nr_wewn=r.nr_wewn) ORDER BY nr_wewn", rows));
+                                     SqlName("dane\\kat_tow_") + " k WHERE k.nr_wewn=r.nr_wewn) ORDER BY nr_wewn",
+                                 rows));
   for (int i = 0; i < rows.Rows(); ++i) outcome.missingItems.push_back(std::atoi(std::string(rows.Value(i, 0)).c_str()));
+  CheckDBError(PGRunQueryWithTup("SELECT count(*) FROM " + result + " WHERE ceny>1", rows));
+  outcome.priceAnomaly = std::atoi(std::string(rows.Value(0, 0)).c_str()) > 0;
 }
 
 // The groups as a quoted list in the database's encoding.
@@ -224,10 +244,11 @@ void RunItemAnalysis(const ItemAnalysisParams& p, AnalysisProgress progress, Ite
   CreateResultTable(path);
   SumIntoResult(p, result);
   Step(progress, "X-G", total, total);
-  JoinCatalogue(result, outcome);
+  JoinCatalogue(result);
   Step(progress, "1-H", total, total);
   Narrow(p, result);
   ExecSql("DROP TABLE TMP_R");
+  CollectAnomalies(result, outcome);
 }
 
 std::vector<ItemAnalysisRow> ReadItemAnalysisRows(const ItemAnalysisParams& p) {

@@ -15,13 +15,16 @@ struct SavedLine {
   int32_t date = 0;  // day serial
   int32_t item = 0;
   Real quantity = 0, purchaseNet = 0, purchaseGross = 0, saleNet = 0, saleGross = 0;
+  Real onDeposit = 0;  // ilosc_w_depozycie; a document with any marks its header as a deposit
 };
 
 class DocumentsTest : public CatalogueTest {
  protected:
   void SetUp() override;
-  // A catalogue row: number, name, supplier.
-  void AddItem(int32_t item, const ShortText& name, int32_t supplier);
+  void TearDown() override;
+  // A catalogue row: number, name, supplier, purchase price gross, group (k3_grupa_tow).
+  void AddItem(int32_t item, const ShortText& name, int32_t supplier, Real purchaseGross = 0,
+               const ShortText& group = ShortText());
   // A warehouse row of dane\magazyny.
   void AddWarehouse(int32_t number, const char* name);
   // One document: its header and its lines (warehouse, kind and date taken from the first line).
