@@ -156,7 +156,8 @@ TEST_F(ItemAnalysesTest, EveryAnalysisMatchesTheSavedLines) {
        [](ItemAnalysisParams& p) { p.warehouses = {2}; }},
       {"deposits of the first quarter", ItemAnalysis::kDeposits,
        [](ItemAnalysisParams& p) { p.ranges = {{Day(2026, 1, 1), Day(2026, 3, 31)}}; }},
-      {"remanent of February", ItemAnalysis::kRemanent, [](ItemAnalysisParams&) {}},
+      {"remanent from the day of a balance in warehouse 1", ItemAnalysis::kRemanent,
+       [](ItemAnalysisParams& p) { p.ranges = {{Day(2026, 2, 4), Day(2026, 2, 28)}}; }},
   };
   for (const Case& c : cases) {
     ItemAnalysisParams p = Params(c.analysis);
