@@ -120,6 +120,12 @@ class ItemAnalysesTest : public DocumentsTest {
   }
 };
 
+// The steps told while a run goes on, as the status line shows them.
+std::vector<std::string> gSteps;
+void RecordStep(const char* step, int done, int total) {
+  gSteps.push_back(std::string(step) + " " + std::to_string(done) + "/" + std::to_string(total));
+}
+
 void ExpectNear(Real actual, Real expected, const std::string& what) {
   EXPECT_LT(std::fabs(static_cast<double>(actual - expected)), 1e-4)
       << what << ": " << static_cast<double>(actual) << " != " << static_cast<double>(expected);
@@ -163,7 +169,12 @@ TEST_F(ItemAnalysesTest, EveryAnalysisMatchesTheSavedLines) {
     ItemAnalysisParams p = Params(c.analysis);
     c.change(p);
     ItemAnalysisOutcome outcome;
-    RunItemAnalysis(p, nullptr, outcome);
+    gSteps.clear();
+    RunItemAnalysis(p, RecordStep, outcome);
+    const int n = static_cast<int>(p.warehouses.size());
+    EXPECT_EQ(gSteps.front(), "1-A 1/" + std::to_string(n)) << c.name;
+    EXPECT_EQ(std::count(gSteps.begin(), gSteps.end(), "1-A " + std::to_string(n) + "/" + std::to_string(n)), 1) << c.name;
+    EXPECT_EQ(gSteps.back(), "1-H " + std::to_string(n) + "/" + std::to_string(n)) << c.name;
     const std::map<Key, Expected> expected = Compute(p);
     const std::vector<ItemAnalysisRow> rows = ReadItemAnalysisRows(p);
     ASSERT_EQ(rows.size(), expected.size()) << c.name;
