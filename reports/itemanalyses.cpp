@@ -57,6 +57,9 @@ void CreateRanges(const ItemAnalysisParams& p) {
     values += (i == 0 ? "(" : ",(") + std::to_string(i + 1) + "," + IsoDate(p.ranges[i].from) + "," +
               IsoDate(p.ranges[i].to) + ")";
   if (!values.empty()) ExecSql("INSERT INTO TMP_R VALUES " + values);
+  // The planner knows nothing of a fresh temporary table; guessing it large, it
+  // would sort each warehouse's lines instead of hashing them by item.
+  ExecSql("ANALYZE TMP_R");
 }
 
 // The signed quantity of a turnover line: issues minus unless switched; the
@@ -90,11 +93,12 @@ std::string OwnLines(const ItemAnalysisParams& p, int32_t warehouse) {
     sums = "SUM(" + q + "),SUM(" + q + "*s.c_zak_netto),SUM(" + q + "*s.c_spr_netto),SUM(" + q + "*s.c_spr_brutto)";
     condition = "s.typ_dok IN (" + NumberList(p.kinds) + ")";
   }
-  return "INSERT INTO TMP_A (R,NR," + columns + ") SELECT r.N,s.nr_towaru," + sums + " FROM " +
+  return "INSERT INTO TMP_A (R,NR,ZB," + columns + ") SELECT r.N,s.nr_towaru,s.c_zak_brutto," + sums + " FROM " +
          SqlName(WarehouseTablePath(warehouse, "specyfik")) + " s JOIN " +
          SqlName(WarehouseTablePath(warehouse, "naglowki")) +
          " n ON n.typ_dok=s.typ_dok AND n.nr_dok=s.nr_dok AND n.znak_dok=s.znak_dok"
-         " JOIN TMP_R r ON n.data_dok>=r.OD AND n.data_dok<=r.DD WHERE " + condition + " GROUP BY r.N,s.nr_towaru";
+         " JOIN TMP_R r ON n.data_dok>=r.OD AND n.data_dok<=r.DD WHERE " + condition +
+         " GROUP BY r.N,s.nr_towaru,s.c_zak_brutto";
 }
 
 // Stock of one warehouse at each range's end (before its start for the remanent).
@@ -105,25 +109,17 @@ std::string StockLines(const ItemAnalysisParams& p, int32_t warehouse) {
          " GROUP BY r.N,s.nr_towaru";
 }
 
-// The purchase prices that one warehouse's lines in the ranges carry, each once.
-std::string PurchasePrices(int32_t warehouse) {
-  return "INSERT INTO TMP_P SELECT DISTINCT s.nr_towaru,s.c_zak_brutto FROM " +
-         SqlName(WarehouseTablePath(warehouse, "specyfik")) +
-         " s WHERE EXISTS (SELECT 1 FROM TMP_R r WHERE s.data_dok>=r.OD AND s.data_dok<=r.DD)";
-}
-
 void Step(AnalysisProgress progress, const char* step, int done, int total) {
   if (progress != nullptr) progress(step, done, total);
 }
 
 // Step 1-A: every warehouse in number order, its own lines and its stock.
 void GatherWarehouses(const ItemAnalysisParams& p, AnalysisProgress progress) {
-  for (const char* name : {"TMP_A", "TMP_S", "TMP_P"}) DropTemporary(name);
-  ExecSql("CREATE TEMPORARY TABLE TMP_A (R INT,NR INT,IL NUMERIC(28,7) DEFAULT 0,ZN NUMERIC(28,7) DEFAULT 0,"
+  for (const char* name : {"TMP_A", "TMP_S"}) DropTemporary(name);
+  ExecSql("CREATE TEMPORARY TABLE TMP_A (R INT,NR INT,ZB NUMERIC(28,7),IL NUMERIC(28,7) DEFAULT 0,ZN NUMERIC(28,7) DEFAULT 0,"
           "SN NUMERIC(28,7) DEFAULT 0,SB NUMERIC(28,7) DEFAULT 0,FA NUMERIC(28,7) DEFAULT 0,"
           "OD NUMERIC(28,7) DEFAULT 0,UO NUMERIC(28,7) DEFAULT 0)");
   ExecSql("CREATE TEMPORARY TABLE TMP_S (R INT,NR_WEWN INT,IL NUMERIC(28,7) )");
-  ExecSql("CREATE TEMPORARY TABLE TMP_P (NR INT,ZB NUMERIC(28,7))");
   const int total = static_cast<int>(p.warehouses.size());
   for (int i = 0; i < total; ++i) {
     const int32_t w = p.warehouses[static_cast<std::size_t>(i)];
@@ -131,7 +127,6 @@ void GatherWarehouses(const ItemAnalysisParams& p, AnalysisProgress progress) {
     WarehouseReadLock lock(WarehouseTablePath(w, "specyfik"), p.analysis == ItemAnalysis::kStockTurnover);
     ExecSql(OwnLines(p, w));
     ExecSql(StockLines(p, w));
-    ExecSql(PurchasePrices(w));
   }
 }
 
@@ -144,6 +139,17 @@ void CreateResultTable(const ShortText& path) {
   CheckDBError(PGTblCreate(path, static_cast<int>(names.size()), names.data(), types.data()));
 }
 
+// The purchase prices that the analysis's own lines of each item carry,
+// counted through TMP_B: more than one is an anomaly of the data, told but
+// harmless, since values come from each line's own price.
+void CountPurchasePrices(const std::string& result) {
+  DropTemporary("TMP_B");
+  ExecSql("CREATE TEMPORARY TABLE TMP_B AS SELECT NR,COUNT(DISTINCT ZB) AS NC FROM TMP_A GROUP BY NR");
+  ExecSql("ALTER TABLE TMP_B ADD PRIMARY KEY(NR)");
+  ExecSql("UPDATE " + result + " SET ceny=TMP_B.NC FROM TMP_B WHERE " + result + ".nr_wewn=TMP_B.NR");
+  ExecSql("DROP TABLE TMP_B");
+}
+
 // Steps 1-B to 1-F: rows by range and item, the stock from TMP_S, the derived figures.
 void SumIntoResult(const ItemAnalysisParams& p, const std::string& result) {
   const std::string insert =
@@ -151,6 +157,7 @@ void SumIntoResult(const ItemAnalysisParams& p, const std::string& result) {
       "cena_zb,wart_st,procent,fakt,roznica,wart_roz,od_dos,u_odb,bez_obr,ceny) ";
   ExecSql(insert + "SELECT R,NR,'','',0,SUM(IL),SUM(ZN),SUM(SN),SUM(SB),0,0,0,0,0,SUM(FA),0,0,SUM(OD),SUM(UO),'N',0 "
                    "FROM TMP_A GROUP BY R,NR");
+  CountPurchasePrices(result);
   ExecSql("DROP TABLE TMP_A");
   if (ListsEveryStock(p.analysis))
     ExecSql(insert + "SELECT R,NR_WEWN,'','',0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,'N',0 FROM (SELECT DISTINCT R,NR_WEWN FROM "
@@ -163,18 +170,9 @@ void SumIntoResult(const ItemAnalysisParams& p, const std::string& result) {
   ExecSql("UPDATE " + result + " SET procent=100.0*ilosc/stan WHERE stan<>0.0");
 }
 
-// Step X-G: the count of purchase prices of each item through TMP_B (more
-// than one is an anomaly of the data, told but harmless: values come from
-// each line's own price); names, group, supplier and the card's purchase
-// price from the catalogue.
+// Step X-G: names, group, supplier and the card's purchase price from the catalogue.
 void JoinCatalogue(const std::string& result) {
   const std::string catalogue = SqlName("dane\\kat_tow_");
-  DropTemporary("TMP_B");
-  ExecSql("CREATE TEMPORARY TABLE TMP_B AS SELECT NR,COUNT(DISTINCT ZB) AS NC FROM TMP_P GROUP BY NR");
-  ExecSql("ALTER TABLE TMP_B ADD PRIMARY KEY(NR)");
-  ExecSql("UPDATE " + result + " SET ceny=TMP_B.NC FROM TMP_B WHERE " + result + ".nr_wewn=TMP_B.NR");
-  ExecSql("DROP TABLE TMP_B");
-  ExecSql("DROP TABLE TMP_P");
   ExecSql("UPDATE " + result + " SET nazwa=k.nazwa,grtow=k.k3_grupa_tow,dost_nr=k.dostawca,cena_zb=k.cena_z_b FROM " +
           catalogue + " k WHERE k.nr_wewn=" + result + ".nr_wewn");
   ExecSql("UPDATE " + result + " SET wart_st=stan*cena_zb,wart_roz=roznica*cena_zb");

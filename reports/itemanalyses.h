@@ -4,13 +4,13 @@
 // session's temporary tables, one statement per warehouse and part, joined
 // and summed on the server:
 //   TMP_R  the date ranges (N, OD, DD); one range unless the operator made more
-//   TMP_A  the analysis's own lines of each warehouse by range and item:
+//   TMP_A  the analysis's own lines of each warehouse by range, item and purchase price:
 //          turnover of the chosen kinds, counted quantities of the remanent
 //          (opening balances in the range) or quantities still on deposit
 //   TMP_S  stock by range and item: every line dated up to the range's end
 //          (before its start for the remanent), signed by its kind's effect
-//   TMP_P, TMP_B  the purchase prices of each item's lines in the ranges and
-//          their count (more than one is told as an anomaly of the data)
+//   TMP_B  the count of purchase prices of each item's own lines (more than
+//          one is told as an anomaly of the data)
 //   TMP_Y  the item group filter
 // Stock is valued at the catalogue's purchase price (gross) of the item.
 // The result is the table "analizdb" in the user's directory, one row per
@@ -65,7 +65,7 @@ struct ItemAnalysisRow {
 
 struct ItemAnalysisOutcome {
   std::vector<int32_t> missingItems;  // in the result, not in the catalogue
-  bool priceAnomaly = false;          // an item of the result whose lines carry several purchase prices
+  bool priceAnomaly = false;          // an item of the result whose own lines carry several purchase prices
 };
 
 // The result table of the current user.
