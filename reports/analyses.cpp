@@ -6,18 +6,14 @@
 #include "reports/dbfsave.h"
 #include "tui/askvalue.h"
 #include "tui/msgbox.h"
-#include "tui/picklist.h"
 
 namespace {
 
 bool AskSort(TurnoverParams& p) {
-  unsigned char ch = 0, scan = 0;
-  const int16_t choice = PickList(0, 1, 1, 0, 0, "Podaj sposób sortowania:"_mz,
-                                  "nazwa@dostawca@obrót (A)@stan do daty obrotu (B)@%(A/B)@cena sprzedaży"_mz, ch, scan);
-  if (choice == 0) return false;
+  const int16_t choice =
+      AskSortOrder("nazwa@dostawca@obrót (A)@stan do daty obrotu (B)@%(A/B)@cena sprzedaży"_mz, p.descending);
   p.sort = static_cast<TurnoverSort>(choice);
-  p.descending = MessageBox("Czy sortować malejąco ?"_mz, 1);
-  return true;
+  return choice != 0;
 }
 
 }  // namespace

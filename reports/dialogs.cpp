@@ -94,6 +94,13 @@ bool AskAnalysisKinds(std::vector<int16_t>& kinds) {
   return false;
 }
 
+int16_t AskSortOrder(const ShortText& options, bool& descending) {
+  unsigned char ch = 0, scan = 0;
+  const int16_t choice = PickList(0, 1, 1, 0, 0, "Podaj sposób sortowania:"_mz, options, ch, scan);
+  if (choice != 0) descending = MessageBox("Czy sortować malejąco ?"_mz, 1);
+  return choice;
+}
+
 AnalysisProgressBox::AnalysisProgressBox() {
   ScreenSave(saved_);
   (void)MessageBox(kProgressText, 2);

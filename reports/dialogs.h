@@ -20,6 +20,10 @@ bool AskAnalysisWarehouses(std::vector<int32_t>& warehouses);
 // The document kind sets; none chosen ends the dialogue with the message (false).
 bool AskAnalysisKinds(std::vector<int16_t>& kinds);
 
+// "Podaj sposób sortowania:" over the options, then the direction; the
+// choice (1-based), 0 for Esc.
+int16_t AskSortOrder(const ShortText& options, bool& descending);
+
 // The progress box of a run, "Trwa zbieranie danych..." with its bar, and the
 // step codes in the status line; the screen comes back when it ends.
 class AnalysisProgressBox {

@@ -130,15 +130,6 @@ void GatherWarehouses(const ItemAnalysisParams& p, AnalysisProgress progress) {
   }
 }
 
-void CreateResultTable(const ShortText& path) {
-  std::vector<PGName> names, types;
-  for (const auto& c : kResultColumns) {
-    names.emplace_back(c[0]);
-    types.emplace_back(c[1]);
-  }
-  CheckDBError(PGTblCreate(path, static_cast<int>(names.size()), names.data(), types.data()));
-}
-
 // The purchase prices that the analysis's own lines of each item carry,
 // counted through TMP_B: more than one is an anomaly of the data, told but
 // harmless, since values come from each line's own price.
@@ -239,7 +230,7 @@ void RunItemAnalysis(const ItemAnalysisParams& p, AnalysisProgress progress, Ite
   CreateRanges(p);
   GatherWarehouses(p, progress);
   Step(progress, "1-B", total, total);
-  CreateResultTable(path);
+  CreateResultTable(path, kResultColumns);
   SumIntoResult(p, result);
   Step(progress, "X-G", total, total);
   JoinCatalogue(result);

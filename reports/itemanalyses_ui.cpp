@@ -29,13 +29,9 @@ bool AskRanges(ItemAnalysisParams& p) {
 }
 
 bool AskItemSort(ItemAnalysisParams& p) {
-  unsigned char ch = 0, scan = 0;
-  const int16_t choice = PickList(0, 1, 1, 0, 0, "Podaj sposób sortowania:"_mz,
-                                  "nazw towarów@ilości@marży@wart.zakupu@wart.sprzedaży"_mz, ch, scan);
-  if (choice == 0) return false;
+  const int16_t choice = AskSortOrder("nazw towarów@ilości@marży@wart.zakupu@wart.sprzedaży"_mz, p.descending);
   p.sort = static_cast<ItemSort>(choice);
-  p.descending = MessageBox("Czy sortować malejąco ?"_mz, 1);
-  return true;
+  return choice != 0;
 }
 
 Real ReadPercent(const ShortText& text) { return std::strtold(std::string(text.View()).c_str(), nullptr); }

@@ -25,6 +25,15 @@ std::vector<int16_t> KindsWithEffect(StockEffect effect) {
 
 }  // namespace
 
+void CreateResultTable(const ShortText& path, const char* const (*columns)[2], std::size_t count) {
+  std::vector<PGName> names, types;
+  for (std::size_t i = 0; i < count; ++i) {
+    names.emplace_back(columns[i][0]);
+    types.emplace_back(columns[i][1]);
+  }
+  CheckDBError(PGTblCreate(path, static_cast<int>(names.size()), names.data(), types.data()));
+}
+
 void ExecSql(const std::string& sql) { CheckDBError(PGRunQueryNoTup(sql)); }
 
 std::string SqlName(const ShortText& path) { return std::string(PGSqlName(path).View()); }

@@ -3,12 +3,19 @@
 // stock, taken from the documents' own kind table. Private to reports/.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
 
 #include "base/shorttext.h"
 
+// Creates (or re-creates) a result table of columns {name, type} through the table layer.
+void CreateResultTable(const ShortText& path, const char* const (*columns)[2], std::size_t count);
+template <std::size_t N>
+void CreateResultTable(const ShortText& path, const char* const (&columns)[N][2]) {
+  CreateResultTable(path, columns, N);
+}
 // Runs a statement; a failing one ends the program through the layer's check.
 void ExecSql(const std::string& sql);
 // The SQL name of a table path.

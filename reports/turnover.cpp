@@ -57,15 +57,6 @@ std::string TurnoverOfWarehouse(const TurnoverParams& p, int32_t warehouse) {
          ItemConditions(p) + " GROUP BY s.nr_towaru";
 }
 
-void CreateResultTable(const ShortText& path) {
-  std::vector<PGName> names, types;
-  for (const auto& c : kResultColumns) {
-    names.emplace_back(c[0]);
-    types.emplace_back(c[1]);
-  }
-  CheckDBError(PGTblCreate(path, static_cast<int>(names.size()), names.data(), types.data()));
-}
-
 // Step 1-B: the rows of all warehouses summed by item into the result.
 void SumByItem(const std::string& result) {
   ExecSql("INSERT INTO " + result +
@@ -132,7 +123,7 @@ void RunTurnoverAnalysis(const TurnoverParams& p, AnalysisProgress progress, std
     ExecSql(TurnoverOfWarehouse(p, p.warehouses[static_cast<std::size_t>(i)]));
   }
   if (progress != nullptr) progress("1-B", total, total);
-  CreateResultTable(path);
+  CreateResultTable(path, kResultColumns);
   SumByItem(result);
   ExecSql("DROP TABLE TMP_A");
   StockBefore(p, result, progress);

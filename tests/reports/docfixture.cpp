@@ -1,6 +1,9 @@
 #include "docfixture.h"
 
 #include <algorithm>
+#include <cstdarg>
+#include <fstream>
+#include <sstream>
 #include <cstdio>
 #include <cstdlib>
 
@@ -38,6 +41,22 @@ void FailOnFatalEnd() {
 }
 
 }  // namespace
+
+std::string Line(const char* format, ...) {
+  char buf[512];
+  va_list args;
+  va_start(args, format);
+  std::vsnprintf(buf, sizeof buf, format, args);
+  va_end(args);
+  return std::string(buf) + "\r\n";
+}
+
+std::string ReadAll(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  std::ostringstream all;
+  all << in.rdbuf();
+  return all.str();
+}
 
 void DocumentsTest::SetUp() {
   static const bool registered = std::atexit(FailOnFatalEnd) == 0;

@@ -4,10 +4,16 @@
 #pragma once
 
 #include <set>
+#include <string>
 #include <vector>
 
 #include "base/real.h"
 #include "sqltable/sqltest.h"
+
+// One line of an expected report: printf's format, ending in CR LF.
+std::string Line(const char* format, ...) __attribute__((format(printf, 1, 2)));
+// The bytes of a file; empty when it cannot be read.
+std::string ReadAll(const std::string& path);
 
 struct SavedLine {
   int32_t warehouse = 0;

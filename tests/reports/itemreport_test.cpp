@@ -3,7 +3,6 @@
 // directory or on a full device.
 #include <sys/stat.h>
 
-#include <cstdarg>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -19,16 +18,6 @@ namespace {
 namespace fs = std::filesystem;
 
 using namespace keyscript;
-
-std::string Line(const char* format, ...) __attribute__((format(printf, 1, 2)));
-std::string Line(const char* format, ...) {
-  char buf[512];
-  va_list args;
-  va_start(args, format);
-  std::vsnprintf(buf, sizeof buf, format, args);
-  va_end(args);
-  return std::string(buf) + "\r\n";
-}
 
 std::string M(const ShortText& text) { return text.Str(); }
 
@@ -96,10 +85,7 @@ TEST_F(ItemReportTest, TheReportGoesToAFileByteForByte) {
   expected += Line("%s%16.2f", "SUMA WG CEN ZAKUPU NETTO :", -9.0);
   expected += Line("%s%16.2f", M("SUMA WG CEN SPRZEDAŻY BRUTTO :"_mz).c_str(), -17.25);
   expected += Line("%s%16.2f", "SUMA WG CEN ZAKUPU BRUTTO                 :", 0.0);
-  std::ifstream in(fs::path(Db().home) / "raport.txt", std::ios::binary);
-  std::ostringstream all;
-  all << in.rdbuf();
-  EXPECT_EQ(all.str(), expected);
+  EXPECT_EQ(ReadAll(Db().home + "/raport.txt"), expected);
 }
 
 TEST_F(ItemReportTest, BadPeriodsAreToldAndAskedAgain) {

@@ -1,6 +1,5 @@
 // The turnover report end to end: the dialog's refusals, the run, the file
 // written through the print flow byte for byte, and the DBF copy.
-#include <cstdarg>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -20,16 +19,6 @@ namespace fs = std::filesystem;
 
 using namespace keyscript;
 
-std::string Line(const char* format, ...) __attribute__((format(printf, 1, 2)));
-std::string Line(const char* format, ...) {
-  char buf[256];
-  va_list args;
-  va_start(args, format);
-  std::vsnprintf(buf, sizeof buf, format, args);
-  va_end(args);
-  return std::string(buf) + "\r\n";
-}
-
 class ReportTest : public DocumentsTest {
  protected:
   void SetUp() override {
@@ -40,12 +29,6 @@ class ReportTest : public DocumentsTest {
   void TearDown() override {
     End();
     DocumentsTest::TearDown();
-  }
-  static std::string ReadAll(const fs::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream all;
-    all << in.rdbuf();
-    return all.str();
   }
   // The dialog up to the dates: the title typed, the dates replaced.
   static void TitleAndDates(const char* from, const char* to) {
