@@ -9,8 +9,7 @@
 #include <sstream>
 
 #include "base/mazovia.h"
-#include "docfixture.h"
-#include "print/keyscript.h"
+#include "dialogfixture.h"
 #include "reports/itemanalyses.h"
 
 namespace {
@@ -21,25 +20,8 @@ using namespace keyscript;
 
 std::string M(const ShortText& text) { return text.Str(); }
 
-class ItemReportTest : public DocumentsTest {
+class ItemReportTest : public DialogTest {
  protected:
-  void SetUp() override {
-    DocumentsTest::SetUp();
-    SaveSmallFirm();
-    Begin();
-  }
-  void TearDown() override {
-    End();
-    DocumentsTest::TearDown();
-  }
-  static void Period(const char* from, const char* to) {
-    Press(keys::kBackspace, 10);
-    Type(from);
-    Press(keys::kEnter);
-    Press(keys::kBackspace, 10);
-    Type(to);
-    Press(keys::kEnter);
-  }
   // Title, one period, warehouse 1, sales, sort by name ascending.
   static void Dialog(const char* from, const char* to) {
     Type("Test");

@@ -7,9 +7,8 @@
 
 #include "base/dates.h"
 #include "base/mazovia.h"
-#include "docfixture.h"
+#include "dialogfixture.h"
 #include "exchange/dbf/dbf.h"
-#include "print/keyscript.h"
 #include "reports/analyses.h"
 #include "reports/dbfsave.h"
 
@@ -19,27 +18,13 @@ namespace fs = std::filesystem;
 
 using namespace keyscript;
 
-class ReportTest : public DocumentsTest {
+class ReportTest : public DialogTest {
  protected:
-  void SetUp() override {
-    DocumentsTest::SetUp();
-    SaveSmallFirm();
-    Begin();
-  }
-  void TearDown() override {
-    End();
-    DocumentsTest::TearDown();
-  }
   // The dialog up to the dates: the title typed, the dates replaced.
   static void TitleAndDates(const char* from, const char* to) {
     Type("Test");
     Press(keys::kEnter);
-    Press(keys::kBackspace, 10);
-    Type(from);
-    Press(keys::kEnter);
-    Press(keys::kBackspace, 10);
-    Type(to);
-    Press(keys::kEnter);
+    Period(from, to);
   }
 };
 
