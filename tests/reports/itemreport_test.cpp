@@ -1,6 +1,6 @@
-// The turnover of items through its dialog to a file, byte for byte, and the
-// bad answers: an empty period, an end before the start, a file in a missing
-// directory or on a full device.
+// The turnover of items through its dialog to a file, byte for byte, and a
+// file in a missing directory or on a full device. (Bad periods: report_test,
+// through the same dialog step.)
 #include <sys/stat.h>
 
 #include <cstdio>
@@ -68,28 +68,6 @@ TEST_F(ItemReportTest, TheReportGoesToAFileByteForByte) {
   expected += Line("%s%16.2f", M("SUMA WG CEN SPRZEDAŻY BRUTTO :"_mz).c_str(), -17.25);
   expected += Line("%s%16.2f", "SUMA WG CEN ZAKUPU BRUTTO                 :", 0.0);
   EXPECT_EQ(ReadAll(Db().home + "/raport.txt"), expected);
-}
-
-TEST_F(ItemReportTest, BadPeriodsAreToldAndAskedAgain) {
-  const struct {
-    const char *from, *to;
-    ShortText message;
-  } cases[] = {{"", "", "Nieprawidłowo podana data."_mz},
-               {"01-03-2026", "28-02-2026", "Data końcowa okresu jest wcześniejsza od początkowej."_mz}};
-  for (const auto& c : cases) {
-    gScript.clear();
-    gScreens.clear();
-    Type("Test");
-    Press(keys::kEnter);
-    Type("T");
-    Period(c.from, c.to);
-    Press(keys::kEnter);  // the message
-    ItemAnalysisParams p;
-    EXPECT_FALSE(AskItemAnalysisParams(p)) << c.from;
-    EXPECT_GE(ScreensWith(M(c.message)), 1) << c.from;
-    EXPECT_GE(ScreensWith(M("za który chcesz otrzymać"_mz)), 2) << c.from << ": the period is asked again";
-    EXPECT_EQ(ScreensWith("Wybierz magazyny"), 0) << c.from;
-  }
 }
 
 TEST_F(ItemReportTest, AFileThatCannotBeWrittenIsRefusedAndNotLeftBehind) {

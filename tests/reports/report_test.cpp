@@ -29,17 +29,22 @@ class ReportTest : public DialogTest {
 };
 
 TEST_F(ReportTest, ThePeriodMustBeRealDatesInOrder) {
+  const ShortText badDate = "Nieprawidłowo podana data."_mz;
   const struct {
     const char *from, *to;
-  } cases[] = {{"", ""}, {"01-02-2026", "31-01-2026"}, {"31-02-2026", "01-03-2026"}};
+    ShortText message;
+  } cases[] = {{"", "", badDate},
+               {"01-02-2026", "31-01-2026", "Data końcowa okresu jest wcześniejsza od początkowej."_mz},
+               {"31-02-2026", "01-03-2026", badDate}};
   for (const auto& c : cases) {
     gScript.clear();
     gScreens.clear();
     TitleAndDates(c.from, c.to);
-    Press(keys::kEnter);  // any message box
+    Press(keys::kEnter);  // the message
     Press(keys::kEsc, 3);
     TurnoverParams p;
     EXPECT_FALSE(AskTurnoverParams(p)) << c.from;
+    EXPECT_GE(ScreensWith(c.message.View()), 1) << c.from;
     EXPECT_GE(ScreensWith("za który chcesz otrzymać"_mz.View()), 2) << c.from << ": the dates are asked again";
     EXPECT_EQ(ScreensWith("Wybierz magazyny"), 0) << c.from;
   }
