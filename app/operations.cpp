@@ -11,6 +11,7 @@
 #include "master/dictionary_screens.h"
 #include "master/items.h"
 #include "reports/analyses.h"
+#include "reports/itemanalyses.h"
 #include "tui/msgbox.h"
 #include "users/users.h"
 
@@ -22,8 +23,11 @@ void CashDocuments(AppState& state) {
   if (WarehouseReady(state)) PaymentDocuments(state.warehouse);
 }
 
-// The turnover analysis works over every warehouse: no current one is needed.
+// The analyses work over the warehouses they ask for: no current one is needed.
 void GoodsAnalyses(AppState&) { TurnoverAnalysisEntry(); }
+void ExtendedGoodsAnalyses(AppState&) { ItemTurnoverEntry(); }
+void StockLists(AppState&) { StockTurnoverEntry(); }
+void SpecialLists(AppState&) { SpecialListsEntry(); }
 
 void DepositSettlement(AppState& state) {
   if (WarehouseReady(state)) AutoSettleDeposits(state.warehouse);
@@ -77,9 +81,9 @@ constexpr Operation kOperations[] = {
     {MenuOp::kDocumentAnalyses, NotYetAvailable},
     {MenuOp::kCashAnalyses, NotYetAvailable},
     {MenuOp::kAccountingAnalyses, NotYetAvailable},
-    {MenuOp::kExtendedGoodsAnalyses, NotYetAvailable},
-    {MenuOp::kStockLists, NotYetAvailable},
-    {MenuOp::kSpecialLists, NotYetAvailable},
+    {MenuOp::kExtendedGoodsAnalyses, ExtendedGoodsAnalyses},
+    {MenuOp::kStockLists, StockLists},
+    {MenuOp::kSpecialLists, SpecialLists},
     {MenuOp::kFiscalReports, NotYetAvailable},
     {MenuOp::kUsers, ManageUsers},
     {MenuOp::kContractors, ContractorCatalogues},

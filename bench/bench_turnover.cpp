@@ -5,6 +5,7 @@
 // beside the bare aggregate of the same figures in one statement, in the
 // same run, and checks that both give the same sums. The pipeline's steps
 // are printed as they go, as the screen shows them to the operator.
+// The item analyses run over the same lines after it.
 // Run: build/bench/bench_turnover (needs the PostgreSQL 15 server programs).
 #include <chrono>
 #include <cstdio>
@@ -15,6 +16,7 @@
 #include "base/dates.h"
 #include "bench/bench_db.h"
 #include "master/tables.h"
+#include "reports/itemanalyses.h"
 #include "reports/turnover.h"
 #include "sqltable/dbapp.h"
 #include "tui/term.h"
@@ -105,12 +107,40 @@ std::string BareAggregate(const TurnoverParams& p) {
          "HAVING COUNT(CASE WHEN typ_dok IN (1,2,4,14,15) AND dn>=" + from + " AND dn<=" + to + " THEN 1 END)>0) g";
 }
 
+// The item analyses over the same lines: turnover of items (its quantity sum
+// equals the turnover above) and stock with turnover, which reads every
+// warehouse's whole history for the stock at the period's end.
+void RunItemAnalyses(const TurnoverParams& t, double aggregate) {
+  ItemAnalysisParams p;
+  p.ranges = {{t.from, t.to}};
+  p.warehouses = t.warehouses;
+  p.kinds = t.kinds;
+  for (ItemAnalysis a : {ItemAnalysis::kItemTurnover, ItemAnalysis::kStockTurnover}) {
+    p.analysis = a;
+    const auto start = std::chrono::steady_clock::now();
+    ItemAnalysisOutcome outcome;
+    RunItemAnalysis(p, ShowStep, outcome);
+    PrintSteps();
+    const auto rows = ReadItemAnalysisRows(p);
+    const double seconds = Seconds(start);
+    Real quantity = 0, stock = 0;
+    for (const ItemAnalysisRow& r : rows) {
+      quantity += r.quantity;
+      stock += r.stock;
+    }
+    std::printf("\r%s: %.2f s (%zu items), ratio to the bare aggregate %.2f; quantity %.3f, stock at the end %.3f\n",
+                a == ItemAnalysis::kItemTurnover ? "turnover of items" : "stock with turnover", seconds, rows.size(),
+                seconds / aggregate, static_cast<double>(quantity), static_cast<double>(stock));
+  }
+}
+
 void Run() {
   auto start = std::chrono::steady_clock::now();
   Fill();
   std::printf("filled %d lines in %d warehouses: %.1f s\n", kWarehouses * kDocumentsPerWarehouse * kLinesPerDocument,
               kWarehouses, Seconds(start));
   const TurnoverParams p = Params();
+  double aggregate = 0;
   for (int round = 1; round <= 3; ++round) {
     start = std::chrono::steady_clock::now();
     std::vector<int32_t> missing;
@@ -125,7 +155,7 @@ void Run() {
     start = std::chrono::steady_clock::now();
     PGResult bare;
     CheckDBError(PGRunQueryWithTup(BareAggregate(p), bare));
-    const double aggregate = Seconds(start);
+    aggregate = Seconds(start);
     std::printf("\rround %d: analysis %.2f s (%zu items), bare aggregate %.2f s, ratio %.2f\n", round, pipeline,
                 rows.size(), aggregate, pipeline / aggregate);
     std::printf("  analysis:  turnover %.3f  sale gross %.2f  stock before %.3f\n", static_cast<double>(totals.turnover),
@@ -133,6 +163,7 @@ void Run() {
     std::printf("  aggregate: turnover %s  sale gross %s  stock before %s\n", std::string(bare.Value(0, 0)).c_str(),
                 std::string(bare.Value(0, 1)).c_str(), std::string(bare.Value(0, 2)).c_str());
   }
+  RunItemAnalyses(p, aggregate);
 }
 
 }  // namespace

@@ -1,4 +1,6 @@
 // The destination dialog and the carrying out of a print.
+#include <sys/stat.h>
+
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -102,14 +104,32 @@ ShortText PrintDeviceName() {
   return ShortText("LPT1");
 }
 
-int WriteFileAtomically(const ShortText& target, std::string_view bytes) {
-  const std::string path(PathToUnix(target).View());
-  const std::string temporary = path + ".tmp~";
-  std::FILE* f = std::fopen(temporary.c_str(), "wb");
+namespace {
+
+// Writes all bytes to path, flushed and closed; 0 or the errno of the failing step.
+int WriteWhole(const std::string& path, std::string_view bytes) {
+  std::FILE* f = std::fopen(path.c_str(), "wb");
   if (f == nullptr) return errno != 0 ? errno : EIO;
   const bool written = std::fwrite(bytes.data(), 1, bytes.size(), f) == bytes.size() && std::fflush(f) == 0;
   int error = written ? 0 : (errno != 0 ? errno : EIO);
   if (std::fclose(f) != 0 && error == 0) error = errno != 0 ? errno : EIO;
+  return error;
+}
+
+// A device or pipe named as the target is written in place: a file renamed
+// over it would replace the device itself.
+bool IsSpecialFile(const std::string& path) {
+  struct stat st {};
+  return ::stat(path.c_str(), &st) == 0 && !S_ISREG(st.st_mode);
+}
+
+}  // namespace
+
+int WriteFileAtomically(const ShortText& target, std::string_view bytes) {
+  const std::string path(PathToUnix(target).View());
+  if (IsSpecialFile(path)) return WriteWhole(path, bytes);
+  const std::string temporary = path + ".tmp~";
+  int error = WriteWhole(temporary, bytes);
   if (error == 0 && std::rename(temporary.c_str(), path.c_str()) != 0) error = errno != 0 ? errno : EIO;
   if (error != 0) std::remove(temporary.c_str());
   return error;

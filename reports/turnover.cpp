@@ -7,7 +7,7 @@
 #include "base/codepage.h"
 #include "base/dates.h"
 #include "master/tables.h"
-#include "reports/stocksign.h"
+#include "reports/sqlsteps.h"
 #include "sqltable/dbapp.h"
 #include "sqltable/pgtable.h"
 #include "users/users.h"
@@ -21,27 +21,12 @@ constexpr const char* kResultColumns[][2] = {
     {"dost_nr", "I"},   {"grtow", "A15"},   {"pkwiu", "A31"},    {"sp_nett", "X"},    {"sp_brutt", "X"},
     {"zak_nett", "X"},  {"zak_brutt", "X"}};
 
-void Exec(const std::string& sql) { CheckDBError(PGRunQueryNoTup(sql)); }
-
-std::string Sql(const ShortText& path) { return std::string(PGSqlName(path).View()); }
-
-template <typename T>
-std::string NumberList(const std::vector<T>& values) {
-  std::string out;
-  for (T v : values) out += (out.empty() ? "" : ",") + std::to_string(v);
-  return out;
-}
-
-std::string IsoDate(int32_t serial) { return "'" + std::string(DaySerialToIsoText(serial).View()) + "'"; }
-
-void DropIfThere(const char* name) { Exec(std::string("DROP TABLE IF EXISTS ") + name); }
-
 // Kinds of the selection that take stock away: counted with the minus sign.
 std::vector<int16_t> IssueKinds(const TurnoverParams& p) {
   std::vector<int16_t> out;
   if (p.issuesPositive) return out;
   for (int16_t k : p.kinds)
-    if (StockSign(k) < 0) out.push_back(k);
+    if (TakesStockAway(k)) out.push_back(k);
   return out;
 }
 
@@ -56,7 +41,7 @@ std::string ItemConditions(const TurnoverParams& p) {
   std::string out;
   if (!p.items.empty()) out += " AND s.nr_towaru IN (" + NumberList(p.items) + ")";
   if (!p.suppliers.empty())
-    out += " AND s.nr_towaru IN (SELECT nr_wewn FROM " + Sql("dane\\kat_tow_") + " WHERE dostawca IN (" +
+    out += " AND s.nr_towaru IN (SELECT nr_wewn FROM " + SqlName("dane\\kat_tow_") + " WHERE dostawca IN (" +
            NumberList(p.suppliers) + "))";
   return out;
 }
@@ -66,65 +51,45 @@ std::string TurnoverOfWarehouse(const TurnoverParams& p, int32_t warehouse) {
   const std::string q = SignedQuantity(p);
   return "INSERT INTO TMP_A SELECT s.nr_towaru,SUM(" + q + "),SUM(" + q + "*s.c_spr_netto),SUM(" + q +
          "*s.c_spr_brutto),SUM(" + q + "*s.c_zak_netto),SUM(" + q + "*s.c_zak_brutto) FROM " +
-         Sql(WarehouseTablePath(warehouse, "specyfik")) + " s JOIN " + Sql(WarehouseTablePath(warehouse, "naglowki")) +
+         SqlName(WarehouseTablePath(warehouse, "specyfik")) + " s JOIN " + SqlName(WarehouseTablePath(warehouse, "naglowki")) +
          " n ON n.typ_dok=s.typ_dok AND n.nr_dok=s.nr_dok AND n.znak_dok=s.znak_dok WHERE s.typ_dok IN (" +
          NumberList(p.kinds) + ") AND n.data_dok>=" + IsoDate(p.from) + " AND n.data_dok<=" + IsoDate(p.to) +
          ItemConditions(p) + " GROUP BY s.nr_towaru";
 }
 
-void CreateResultTable(const ShortText& path) {
-  std::vector<PGName> names, types;
-  for (const auto& c : kResultColumns) {
-    names.emplace_back(c[0]);
-    types.emplace_back(c[1]);
-  }
-  CheckDBError(PGTblCreate(path, static_cast<int>(names.size()), names.data(), types.data()));
-}
-
 // Step 1-B: the rows of all warehouses summed by item into the result.
 void SumByItem(const std::string& result) {
-  Exec("INSERT INTO " + result +
+  ExecSql("INSERT INTO " + result +
        " (nr_wewn,ilosc,nazwa,nazwa_,vat,gr_tow,bilans_zam,stan_pocz,bil_na_st,dost_naz,dost_nr,grtow,pkwiu,"
        "sp_nett,sp_brutt,zak_nett,zak_brutt) SELECT NR_WEWN,SUM(IL),'','','','',0.0,0.0,0.0,'',0,'','',"
        "SUM(SPN),SUM(SPB),SUM(ZN),SUM(ZB) FROM TMP_A GROUP BY NR_WEWN");
-}
-
-// The signed quantity of a line by its kind's stock sign; kinds that leave
-// stock alone are not named and count nothing.
-std::string StockQuantity() {
-  std::string plus, minus;
-  for (int16_t kind = kFirstDocumentKind; kind <= kLastDocumentKind; ++kind) {
-    std::string& list = StockSign(kind) > 0 ? plus : minus;
-    if (StockSign(kind) != 0) list += (list.empty() ? "" : ",") + std::to_string(kind);
-  }
-  return "CASE WHEN typ_dok IN (" + plus + ") THEN ilosc WHEN typ_dok IN (" + minus + ") THEN -ilosc ELSE 0 END";
 }
 
 // Steps 1-C to 1-F: stock before the period. Every kind with its sign goes
 // into one statement per warehouse, so each warehouse's lines are read once,
 // summed by item on the server.
 void StockBefore(const TurnoverParams& p, const std::string& result, AnalysisProgress progress) {
-  DropIfThere("TMP_S");
-  Exec("CREATE TEMPORARY TABLE TMP_S (NR_WEWN INT,IL NUMERIC(28,7) )");
+  DropTemporary("TMP_S");
+  ExecSql("CREATE TEMPORARY TABLE TMP_S (NR_WEWN INT,IL NUMERIC(28,7) )");
   const int total = static_cast<int>(p.warehouses.size());
   for (int i = 0; i < total; ++i) {
     if (progress != nullptr) progress("1-C", i + 1, total);
-    Exec("INSERT INTO TMP_S SELECT nr_towaru,SUM(" + StockQuantity() + ") FROM " +
-         Sql(WarehouseTablePath(p.warehouses[static_cast<std::size_t>(i)], "specyfik")) + " WHERE data_dok<" +
-         IsoDate(p.from) + " AND nr_towaru IN (SELECT nr_wewn FROM " + result + ") GROUP BY nr_towaru");
+    ExecSql("INSERT INTO TMP_S SELECT s.nr_towaru,SUM(" + StockQuantitySql("s") + ") FROM " +
+         SqlName(WarehouseTablePath(p.warehouses[static_cast<std::size_t>(i)], "specyfik")) + " s WHERE s.data_dok<" +
+         IsoDate(p.from) + " AND s.nr_towaru IN (SELECT nr_wewn FROM " + result + ") GROUP BY s.nr_towaru");
   }
   if (progress != nullptr) progress("1-D", total, total);
-  Exec("UPDATE " + result + " SET stan_pocz=TMP_X.ST FROM (SELECT NR_WEWN,SUM(IL) AS ST FROM TMP_S GROUP BY NR_WEWN) AS TMP_X WHERE " +
+  ExecSql("UPDATE " + result + " SET stan_pocz=TMP_X.ST FROM (SELECT NR_WEWN,SUM(IL) AS ST FROM TMP_S GROUP BY NR_WEWN) AS TMP_X WHERE " +
        result + ".nr_wewn=TMP_X.NR_WEWN");
   if (progress != nullptr) progress("1-F", total, total);
-  Exec("UPDATE " + result + " SET bil_na_st=100.0*ilosc/stan_pocz WHERE stan_pocz<>0.0");
-  Exec("DROP TABLE TMP_S");
+  ExecSql("UPDATE " + result + " SET bil_na_st=100.0*ilosc/stan_pocz WHERE stan_pocz<>0.0");
+  ExecSql("DROP TABLE TMP_S");
 }
 
 // Step X-G: names, VAT, group and supplier from the catalogue.
 void JoinCatalogue(const std::string& result, std::vector<int32_t>& missing) {
-  const std::string catalogue = Sql("dane\\kat_tow_");
-  Exec("UPDATE " + result + " SET nazwa=k.nazwa,nazwa_=k.nazwa_,vat=k.vat,gr_tow=k.k3_grupa_tow,grtow=k.k3_grupa_tow,"
+  const std::string catalogue = SqlName("dane\\kat_tow_");
+  ExecSql("UPDATE " + result + " SET nazwa=k.nazwa,nazwa_=k.nazwa_,vat=k.vat,gr_tow=k.k3_grupa_tow,grtow=k.k3_grupa_tow,"
        "dost_nr=k.dostawca,dost_naz=k.dostawca_opis,pkwiu=k.sww FROM " + catalogue + " k WHERE k.nr_wewn=" + result +
        ".nr_wewn");
   PGResult rows;
@@ -148,19 +113,19 @@ ShortText TurnoverTablePath() { return UserPath(std::max(CurrentUserNumber(), 0)
 
 void RunTurnoverAnalysis(const TurnoverParams& p, AnalysisProgress progress, std::vector<int32_t>& missingItems) {
   const ShortText path = TurnoverTablePath();
-  const std::string result = Sql(path);
-  DropIfThere("TMP_A");
-  Exec("CREATE TEMPORARY TABLE TMP_A (NR_WEWN INT,IL NUMERIC(28,7),SPN NUMERIC(28,7),SPB NUMERIC(28,7),"
+  const std::string result = SqlName(path);
+  DropTemporary("TMP_A");
+  ExecSql("CREATE TEMPORARY TABLE TMP_A (NR_WEWN INT,IL NUMERIC(28,7),SPN NUMERIC(28,7),SPB NUMERIC(28,7),"
        "ZN NUMERIC(28,7),ZB NUMERIC(28,7))");
   const int total = static_cast<int>(p.warehouses.size());
   for (int i = 0; i < total; ++i) {
     if (progress != nullptr) progress("1-A", i + 1, total);
-    Exec(TurnoverOfWarehouse(p, p.warehouses[static_cast<std::size_t>(i)]));
+    ExecSql(TurnoverOfWarehouse(p, p.warehouses[static_cast<std::size_t>(i)]));
   }
   if (progress != nullptr) progress("1-B", total, total);
-  CreateResultTable(path);
+  CreateResultTable(path, kResultColumns);
   SumByItem(result);
-  Exec("DROP TABLE TMP_A");
+  ExecSql("DROP TABLE TMP_A");
   StockBefore(p, result, progress);
   if (progress != nullptr) progress("X-G", total, total);
   JoinCatalogue(result, missingItems);
@@ -169,7 +134,7 @@ void RunTurnoverAnalysis(const TurnoverParams& p, AnalysisProgress progress, std
 std::vector<TurnoverRow> ReadTurnoverRows(const TurnoverParams& p) {
   PGResult res;
   CheckDBError(PGRunQueryWithTup("SELECT nr_wewn,nazwa,dost_naz,ilosc,stan_pocz,bil_na_st,sp_nett,sp_brutt,zak_nett,"
-                                 "zak_brutt FROM " + Sql(TurnoverTablePath()) + OrderBy(p),
+                                 "zak_brutt FROM " + SqlName(TurnoverTablePath()) + OrderBy(p),
                                  res));
   std::vector<TurnoverRow> rows(static_cast<std::size_t>(res.Rows()));
   for (int i = 0; i < res.Rows(); ++i) {

@@ -1,5 +1,12 @@
 #include "docfixture.h"
 
+#include <algorithm>
+#include <cstdarg>
+#include <fstream>
+#include <sstream>
+#include <cstdio>
+#include <cstdlib>
+
 #include "base/dates.h"
 #include "master/tables.h"
 #include "sqltable/pgrecord.h"
@@ -23,9 +30,38 @@ struct OpenRecord {
   int16_t tbl = 0, rec = 0;
 };
 
+// A failing statement ends the program through the layer's check with status
+// 0; inside a test that must count as a failure, not as a pass.
+bool gInsideTest = false;
+
+void FailOnFatalEnd() {
+  if (!gInsideTest) return;
+  std::fputs("the program ended inside a test (a failing statement?)\n", stderr);
+  std::_Exit(1);
+}
+
 }  // namespace
 
+std::string Line(const char* format, ...) {
+  char buf[512];
+  va_list args;
+  va_start(args, format);
+  std::vsnprintf(buf, sizeof buf, format, args);
+  va_end(args);
+  return std::string(buf) + "\r\n";
+}
+
+std::string ReadAll(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  std::ostringstream all;
+  all << in.rdbuf();
+  return all.str();
+}
+
 void DocumentsTest::SetUp() {
+  static const bool registered = std::atexit(FailOnFatalEnd) == 0;
+  EXPECT_TRUE(registered);
+  gInsideTest = true;
   CatalogueTest::SetUp();
   CreateFirmTables();
   for (int32_t w = 1; w <= 3; ++w) CreateWarehouseTables(false, w);
@@ -34,12 +70,20 @@ void DocumentsTest::SetUp() {
   SetCurrentUser(user);
 }
 
-void DocumentsTest::AddItem(int32_t item, const ShortText& name, int32_t supplier) {
+void DocumentsTest::TearDown() {
+  gInsideTest = false;
+  CatalogueTest::TearDown();
+}
+
+void DocumentsTest::AddItem(int32_t item, const ShortText& name, int32_t supplier, Real purchaseGross,
+                            const ShortText& group) {
   OpenRecord r("dane\\kat_tow_");
   EXPECT_EQ(PGPutAlpha(r.rec, KatTowCol::nazwa, name), 0);
   EXPECT_EQ(PGPutLong(r.rec, KatTowCol::nr_wewn, item), 0);
   EXPECT_EQ(PGPutLong(r.rec, KatTowCol::dostawca, supplier), 0);
   EXPECT_EQ(PGPutAlpha(r.rec, KatTowCol::vat, "23"), 0);
+  EXPECT_EQ(PGPutExt(r.rec, KatTowCol::cena_z_b, purchaseGross), 0);
+  EXPECT_EQ(PGPutAlpha(r.rec, KatTowCol::k3_grupa_tow, group), 0);
   r.Append();
   catalogue_.insert(item);
   suppliers_[static_cast<std::size_t>(item)] = supplier;
@@ -60,6 +104,8 @@ void DocumentsTest::SaveDocument(int32_t number, const std::vector<SavedLine>& l
     EXPECT_EQ(PGPutLong(h.rec, NaglowkiCol::nr_dok, number), 0);
     EXPECT_EQ(PGPutAlpha(h.rec, NaglowkiCol::znak_dok, "A"), 0);
     EXPECT_EQ(PGPutDate(h.rec, NaglowkiCol::data_dok, first.date), 0);
+    const bool deposit = std::any_of(lines.begin(), lines.end(), [](const SavedLine& l) { return l.onDeposit != 0; });
+    EXPECT_EQ(PGPutAlpha(h.rec, NaglowkiCol::czy_depozyt, deposit ? "T" : "N"), 0);
     h.Append();
   }
   OpenRecord s(WarehouseTablePath(first.warehouse, "specyfik"));
@@ -76,6 +122,7 @@ void DocumentsTest::SaveDocument(int32_t number, const std::vector<SavedLine>& l
     EXPECT_EQ(PGPutExt(s.rec, SpecyfikCol::c_zak_brutto, line.purchaseGross), 0);
     EXPECT_EQ(PGPutExt(s.rec, SpecyfikCol::c_spr_netto, line.saleNet), 0);
     EXPECT_EQ(PGPutExt(s.rec, SpecyfikCol::c_spr_brutto, line.saleGross), 0);
+    EXPECT_EQ(PGPutExt(s.rec, SpecyfikCol::ilosc_w_depozycie, line.onDeposit), 0);
     s.Append();
     SavedLine kept = line;
     kept.warehouse = first.warehouse;

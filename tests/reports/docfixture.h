@@ -4,10 +4,16 @@
 #pragma once
 
 #include <set>
+#include <string>
 #include <vector>
 
 #include "base/real.h"
 #include "sqltable/sqltest.h"
+
+// One line of an expected report: printf's format, ending in CR LF.
+std::string Line(const char* format, ...) __attribute__((format(printf, 1, 2)));
+// The bytes of a file; empty when it cannot be read.
+std::string ReadAll(const std::string& path);
 
 struct SavedLine {
   int32_t warehouse = 0;
@@ -15,13 +21,16 @@ struct SavedLine {
   int32_t date = 0;  // day serial
   int32_t item = 0;
   Real quantity = 0, purchaseNet = 0, purchaseGross = 0, saleNet = 0, saleGross = 0;
+  Real onDeposit = 0;  // ilosc_w_depozycie; a document with any marks its header as a deposit
 };
 
 class DocumentsTest : public CatalogueTest {
  protected:
   void SetUp() override;
-  // A catalogue row: number, name, supplier.
-  void AddItem(int32_t item, const ShortText& name, int32_t supplier);
+  void TearDown() override;
+  // A catalogue row: number, name, supplier, purchase price gross, group (k3_grupa_tow).
+  void AddItem(int32_t item, const ShortText& name, int32_t supplier, Real purchaseGross = 0,
+               const ShortText& group = ShortText());
   // A warehouse row of dane\magazyny.
   void AddWarehouse(int32_t number, const char* name);
   // One document: its header and its lines (warehouse, kind and date taken from the first line).

@@ -1,6 +1,5 @@
 // The turnover report end to end: the dialog's refusals, the run, the file
 // written through the print flow byte for byte, and the DBF copy.
-#include <cstdarg>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -8,9 +7,8 @@
 
 #include "base/dates.h"
 #include "base/mazovia.h"
-#include "docfixture.h"
+#include "dialogfixture.h"
 #include "exchange/dbf/dbf.h"
-#include "print/keyscript.h"
 #include "reports/analyses.h"
 #include "reports/dbfsave.h"
 
@@ -20,58 +18,33 @@ namespace fs = std::filesystem;
 
 using namespace keyscript;
 
-std::string Line(const char* format, ...) __attribute__((format(printf, 1, 2)));
-std::string Line(const char* format, ...) {
-  char buf[256];
-  va_list args;
-  va_start(args, format);
-  std::vsnprintf(buf, sizeof buf, format, args);
-  va_end(args);
-  return std::string(buf) + "\r\n";
-}
-
-class ReportTest : public DocumentsTest {
+class ReportTest : public DialogTest {
  protected:
-  void SetUp() override {
-    DocumentsTest::SetUp();
-    SaveSmallFirm();
-    Begin();
-  }
-  void TearDown() override {
-    End();
-    DocumentsTest::TearDown();
-  }
-  static std::string ReadAll(const fs::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream all;
-    all << in.rdbuf();
-    return all.str();
-  }
   // The dialog up to the dates: the title typed, the dates replaced.
   static void TitleAndDates(const char* from, const char* to) {
     Type("Test");
     Press(keys::kEnter);
-    Press(keys::kBackspace, 10);
-    Type(from);
-    Press(keys::kEnter);
-    Press(keys::kBackspace, 10);
-    Type(to);
-    Press(keys::kEnter);
+    Period(from, to);
   }
 };
 
 TEST_F(ReportTest, ThePeriodMustBeRealDatesInOrder) {
+  const ShortText badDate = "Nieprawidłowo podana data."_mz;
   const struct {
     const char *from, *to;
-  } cases[] = {{"", ""}, {"01-02-2026", "31-01-2026"}, {"31-02-2026", "01-03-2026"}};
+    ShortText message;
+  } cases[] = {{"", "", badDate},
+               {"01-02-2026", "31-01-2026", "Data końcowa okresu jest wcześniejsza od początkowej."_mz},
+               {"31-02-2026", "01-03-2026", badDate}};
   for (const auto& c : cases) {
     gScript.clear();
     gScreens.clear();
     TitleAndDates(c.from, c.to);
-    Press(keys::kEnter);  // any message box
+    Press(keys::kEnter);  // the message
     Press(keys::kEsc, 3);
     TurnoverParams p;
     EXPECT_FALSE(AskTurnoverParams(p)) << c.from;
+    EXPECT_GE(ScreensWith(c.message.View()), 1) << c.from;
     EXPECT_GE(ScreensWith("za który chcesz otrzymać"_mz.View()), 2) << c.from << ": the dates are asked again";
     EXPECT_EQ(ScreensWith("Wybierz magazyny"), 0) << c.from;
   }
