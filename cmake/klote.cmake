@@ -17,7 +17,7 @@ endfunction()
 function(klote_tests name)
   cmake_parse_arguments(ARG "" "" "LABELS;DEPS" ${ARGN})
   file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
-  add_executable(${name}_tests ${sources})
+  add_executable(${name}_tests ${sources} ${PROJECT_SOURCE_DIR}/tests/exit_guard.cpp)
   target_link_libraries(${name}_tests PRIVATE ${ARG_DEPS} GTest::gtest_main)
   target_include_directories(${name}_tests PRIVATE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/tests)
   target_compile_definitions(${name}_tests PRIVATE

@@ -138,8 +138,8 @@ TEST_F(MenuTest, EntriesRunTheirOperationAndComeBackToTheirList) {
       {"document entry without a warehouse", {{'1', 2}}, 0, false, kNoWarehouseText},
       {"document entry in a special warehouse", {keys::kDown, keys::kEnter}, 7, true, kSpecialWarehouseText},
       {"cash entry without a warehouse", {keys::F(4), keys::kEnter}, 0, false, kNoWarehouseText},
-      {"document entry not built yet", {{'2', 3}}, 7, false, kNotYetAvailableText},
-      {"goods analyses not built yet", {keys::F(5), {'1', 2}}, 0, false, kNotYetAvailableText},
+      {"deletion of documents not built yet", {keys::F(6), {'9', 10}}, 7, false, kNotYetAvailableText},
+      {"document analyses not built yet", {keys::F(5), {'2', 3}}, 0, false, kNotYetAvailableText},
       {"tenth entry by its key 0", {keys::F(6), {'0', 11}}, 0, false, kNoWarehouseText},  // deposits need a warehouse
   };
   for (const OperationCase& c : cases) {

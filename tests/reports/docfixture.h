@@ -27,7 +27,6 @@ struct SavedLine {
 class DocumentsTest : public CatalogueTest {
  protected:
   void SetUp() override;
-  void TearDown() override;
   // A catalogue row: number, name, supplier, purchase price gross, group (k3_grupa_tow).
   void AddItem(int32_t item, const ShortText& name, int32_t supplier, Real purchaseGross = 0,
                const ShortText& group = ShortText());
