@@ -6,6 +6,7 @@
 
 #include "base/mazovia.h"
 #include "base/numbers.h"
+#include "base/paths.h"
 #include "base/text.h"
 #include "config/konfigur.h"
 #include "master/contractor_screens.h"
@@ -297,6 +298,7 @@ bool DeleteContractor(ContractorKind kind, int32_t number) {
     MessageBox("Kontrahent zniknął ?!@Zmiana nie jest możliwa."_mz, 0);
     return false;
   }
+  (void)DeleteFile(ContractorNotePath(kind, number));
   return true;
 }
 
@@ -335,6 +337,7 @@ bool DeleteCustomersWithoutTurnover() {
     MessageBox("Trwa kontrola i kasowanie...[      %][          ][          ]"_mz, 2);
     contractors_detail::Checked(ContractorDeleteUnused(ContractorKind::kCustomer, deleted));
   }
+  for (const Contractor& c : deleted) (void)DeleteFile(ContractorNotePath(ContractorKind::kCustomer, c.number));
   if (!deleted.empty() && MessageBox("Czy pokazać ich listę ?"_mz, 1)) ShowDeleted(deleted);
   return true;
 }

@@ -11,6 +11,8 @@
 #include "base/mazovia.h"
 #include "base/numbers.h"
 #include "base/text.h"
+#include "master/catalogue_print.h"
+#include "master/contractor_hooks.h"
 #include "master/contractors_detail.h"
 #include "sqltable/dbapp.h"
 #include "sqltable/pgnav.h"
@@ -33,7 +35,8 @@ namespace {
 
 constexpr int kVisibleRows = 18;
 constexpr unsigned char kBarAttr = 0x30;
-constexpr unsigned char kF3 = 231, kF6 = 234;
+constexpr unsigned char kF2 = 230, kF3 = 231, kF4 = 232, kF5 = 233, kF6 = 234, kF7 = 235;
+constexpr KeyPair kCtrlF3{0, 96};
 constexpr unsigned char kKeyIns = 252, kKeyDel = 253, kCtrlK = 11, kCtrlN = 14, kCtrlR = 18, kCtrlT = 20;
 constexpr unsigned char kUp = 242, kDown = 250, kHome = 241, kEnd = 249, kPgUp = 243, kPgDn = 251;
 
@@ -327,6 +330,20 @@ void EditFkSymbol(ContractorKind kind, int32_t number) {
     MessageBox("Kontrahent zniknął ?!@Zmiana nie jest możliwa."_mz, 0);
 }
 
+// The keys that lead out of the list to another screen; true when the key was one of them.
+bool RunOuterKey(ContractorKind kind, KeyPair key, int32_t number) {
+  const unsigned char code = KeyCodeOf(key);
+  const ContractorDocumentHooks& hooks = ContractorDocumentHooksNow();
+  if (code == kF5) return PrintContractorCatalogue(kind), true;
+  if (code == kF7 && kind == ContractorKind::kWarehouse) return MarkMergedWarehouses(), true;
+  if (number == 0 || !(code == kF2 || code == kF3 || code == kF4 || code == kF7 || key == kCtrlF3)) return false;
+  if (key == kCtrlF3) (void)EditContractorNote(kind, number);
+  else if (code == kF3) EditFkSymbol(kind, number);
+  else if (code == kF7) (void)LinkContractorToWarehouse(kind, number);
+  else if (ContractorDocumentFn fn = code == kF2 ? hooks.receivables : hooks.documents) fn(kind, number);
+  return true;
+}
+
 ListEnd Browse(ContractorKind kind, const ShortText& title, bool choosing, ListState& state) {
   BoxKeeper keeper;
   ListScreen list(kind, state);
@@ -357,8 +374,8 @@ ListEnd Browse(ContractorKind kind, const ShortText& title, bool choosing, ListS
                                             : FragmentField::kNip);
       continue;
     }
-    if (code == kF3 && number != 0) {
-      EditFkSymbol(kind, number);
+    if (RunOuterKey(kind, key, number)) {
+      list.Reload();
       continue;
     }
     if (code == kF6) {
@@ -447,10 +464,12 @@ int32_t ChooseContractor(ContractorKind kind, ChoosePurpose purpose) {
 void ContractorCataloguesMenu() {
   CheckDBError(ContractorTablesEnsure());
   unsigned char ch = 0, scan = 0;
-  const int16_t choice = PickList(1, 1, 1, 0, 0, ShortText(), "odbiorcy@dostawcy@magazyny"_mz, ch, scan);
+  const int16_t choice = PickList(1, 1, 1, 0, 0, ShortText(),
+                                  "odbiorcy@dostawcy@magazyny@kasowanie odbiorców, z którymi nie ma obrotów"_mz, ch, scan);
   if (choice == 1) ContractorCatalogue(ContractorKind::kCustomer);
   if (choice == 2) ContractorCatalogue(ContractorKind::kSupplier);
   if (choice == 3) ContractorCatalogue(ContractorKind::kWarehouse);
+  if (choice == 4) (void)DeleteCustomersWithoutTurnover();
 }
 
 bool ChooseCurrentWarehouse(bool atStart, int32_t& number, bool& special) {

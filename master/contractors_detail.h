@@ -73,6 +73,10 @@ ListKey KeyOf(const Contractor& row, bool inclusive);
 // the limit, so no read grows with the catalogue.
 [[nodiscard]] int16_t ListRead(ContractorKind kind, ListOrder order, const ListKey& from, bool forward, int limit,
                                const std::string& condition, std::vector<Contractor>& rows);
+// Every row meeting the SQL condition (none: all), the tail (ORDER BY,
+// LIMIT) added as it is; NULL columns read as empty texts and 0.
+[[nodiscard]] int16_t SelectRows(ContractorKind kind, const std::string& condition, const std::string& tail,
+                                 std::vector<Contractor>& rows);
 // The SQL condition of a search by a fragment: the name (letters compared
 // as capitals, Polish ones folded here since the server's upper() may not),
 // the telephones, the registration number, or the NIP with its dashes and

@@ -7,6 +7,7 @@
 
 #include "base/mazovia.h"
 #include "base/text.h"
+#include "master/catalogue_print.h"
 #include "master/contractors_detail.h"
 #include "master/dictionaries.h"
 #include "sqltable/dbapp.h"
@@ -20,9 +21,13 @@ using contractors_detail::BoxKeeper;
 
 namespace {
 
+// The row a higher module lends the menu of the other catalogues.
+ShortText gExtraTitle;
+void (*gExtraRun)() = nullptr;
+
 constexpr int kVisibleRows = 18;
 constexpr unsigned char kBarAttr = 0x30;
-constexpr unsigned char kKeyIns = 252, kKeyDel = 253, kCtrlEnter = 10, kF1 = 229;
+constexpr unsigned char kKeyIns = 252, kKeyDel = 253, kCtrlEnter = 10, kF1 = 229, kF5 = 233;
 
 const ShortText kChooseHelp =
     "ƒ0..Ż⌐-przeszukanie@ƒ╒¿⌐- wybór wartości@ƒCtrl+╒¿⌐- poprawienie wskazywanej wartości.@ƒIns⌐- dopisanie nowej wartości.@ƒDel⌐- skasowanie wartości."_mz;
@@ -67,7 +72,7 @@ ListEnd Browse(const ShortText& title, bool choose, const std::vector<Dictionary
     if (code == 242 || code == 250) bar += code == 250 ? 1 : -1;
     else if (code == kF1) MessageBox(choose ? kChooseHelp : kEditHelp, 0);
     else if (code > ' ' && code != 127 && code < 224 && count > 0) SearchStart(rows, code, bar);
-    else if (code == 27 || code == kKeyIns) return ListEnd{code, bar};
+    else if (code == 27 || code == kKeyIns || (code == kF5 && !choose)) return ListEnd{code, bar};
     else if ((code == 13 || code == kCtrlEnter || code == kKeyDel) && count > 0) return ListEnd{code, bar};
     else Beep(1000);
   }
@@ -152,6 +157,10 @@ bool DictionaryList(const ShortText& fieldName, const ShortText& path, bool choo
     CheckDBError(DictionaryRead(path, rows));
     const ListEnd end = Browse(title, choose, rows, bar);
     if (end.code == 27) return false;
+    if (end.code == kF5) {
+      (void)PrintDictionaryCatalogue(fieldName, path);
+      continue;
+    }
     const DictionaryEntry at = end.index >= 0 && end.index < static_cast<int>(rows.size())
                                    ? rows[static_cast<std::size_t>(end.index)] : DictionaryEntry{};
     if (end.code == 13 && choose) {
@@ -162,11 +171,18 @@ bool DictionaryList(const ShortText& fieldName, const ShortText& path, bool choo
   }
 }
 
+void SetOtherCatalogueRow(const ShortText& title, void (*run)()) {
+  gExtraTitle = title;
+  gExtraRun = run;
+}
+
 void DictionaryCataloguesMenu() {
   ShortText options;
   for (const DictionaryDef& d : Dictionaries()) options += (options.Empty() ? "" : "@") + d.title;
+  if (gExtraRun != nullptr) options += "@" + gExtraTitle;
   unsigned char ch = 0, scan = 0;
   const int16_t choice = PickList(1, 1, 1, 0, 0, ShortText(), options, ch, scan);
+  if (gExtraRun != nullptr && choice == static_cast<int16_t>(Dictionaries().size()) + 1) return gExtraRun();
   if (choice < 1 || choice > static_cast<int16_t>(Dictionaries().size())) return;
   const DictionaryDef& d = Dictionaries()[static_cast<std::size_t>(choice - 1)];
   ShortText unused;

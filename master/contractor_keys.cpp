@@ -1,0 +1,90 @@
+// The keys of the contractor list that lead out of the list: the functions
+// the documents lend (F2, F4), the note (Ctrl+F3), the link of a customer or
+// supplier to a warehouse and the warehouses added to the stock shown in the
+// entry (F7).
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "base/mazovia.h"
+#include "base/paths.h"
+#include "base/text.h"
+#include "master/contractor_hooks.h"
+#include "master/contractor_screens.h"
+#include "master/contractors_detail.h"
+#include "print/print.h"
+#include "tui/editmemo.h"
+#include "tui/msgbox.h"
+#include "users/users.h"
+
+namespace {
+
+ContractorDocumentHooks gHooks;
+
+// The whole file; empty when it cannot be read (a note not written yet).
+std::string ReadAllBytes(const ShortText& path) {
+  std::ifstream in(std::string(PathToUnix(path).View()), std::ios::binary);
+  std::ostringstream all;
+  if (in) all << in.rdbuf();
+  return all.str();
+}
+
+// Writes beside the target and renames (print/print.h), making the directory first.
+bool WriteWhole(const ShortText& path, const std::string& bytes) {
+  std::error_code ignored;
+  std::filesystem::create_directories(std::filesystem::path(std::string(PathToUnix(path).View())).parent_path(),
+                                      ignored);
+  return WriteFileAtomically(path, bytes) == 0;
+}
+
+}  // namespace
+
+void SetContractorDocumentHooks(const ContractorDocumentHooks& hooks) { gHooks = hooks; }
+const ContractorDocumentHooks& ContractorDocumentHooksNow() { return gHooks; }
+
+ShortText ContractorNotePath(ContractorKind kind, int32_t number) {
+  const ShortText table = ContractorTablePath(kind);
+  return "dane\\notatki\\" + table.Copy(table.Pos("\\") + 1, 8) + "_" + ShortText(std::to_string(number)) + ".txt";
+}
+
+bool EditContractorNote(ContractorKind kind, int32_t number) {
+  contractors_detail::BoxKeeper keeper;
+  const ShortText path = ContractorNotePath(kind, number);
+  std::string note = ReadAllBytes(path);
+  ShortText box = PadRight("Edycja notatki:"_mz, " ", 72);
+  for (int i = 0; i < 12; ++i) box += '@';
+  (void)MessageBox(box, 2);
+  if (!EditMemo(note, MemoWindow{5, 8, 76, 19}, false)) return false;
+  if (WriteWhole(path, note)) return true;
+  (void)MessageBox("Nie można zapisywać do pliku wydruku.@Może nie masz odpowiednich uprawnień ?"_mz, 0);
+  return false;
+}
+
+ShortText MergedWarehousesPath() { return UserPath(std::max(CurrentUserNumber(), 0), "magsum.txt"); }
+
+std::vector<int32_t> ReadMergedWarehouses() {
+  std::vector<int32_t> marks;
+  std::istringstream in(ReadAllBytes(MergedWarehousesPath()));
+  long long number = 0;
+  while (in >> number && static_cast<int>(marks.size()) < kMaxMarkedWarehouses)
+    if (number >= 1 && number <= kContractorMaxNumber && !WarehouseMarked(marks, static_cast<int32_t>(number)))
+      marks.push_back(static_cast<int32_t>(number));
+  return marks;
+}
+
+bool MarkMergedWarehouses() {
+  std::vector<int32_t> marks = ReadMergedWarehouses();
+  if (!MergeWarehouseSelection(marks)) return false;
+  std::string text;
+  for (int32_t number : marks) text += std::to_string(number) + "\n";
+  return WriteWhole(MergedWarehousesPath(), text);
+}
+
+bool LinkContractorToWarehouse(ContractorKind kind, int32_t contractor) {
+  if (kind == ContractorKind::kWarehouse) return false;
+  const int32_t warehouse = ChooseContractor(ContractorKind::kWarehouse, ChoosePurpose::kAny);
+  return warehouse != 0 && LinkWarehouseAsked(kind, contractor, warehouse);
+}
