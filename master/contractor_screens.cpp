@@ -432,9 +432,8 @@ bool MergeWarehouseSelection(std::vector<int32_t>& marks) {
   state.order = ListOrder::kNumber;
   ListScreen list(ContractorKind::kWarehouse, state, &chosen);
   list.Reload();
-  ShortText text =
-      PadRight("Podaj, czy dodawać stan tego magazynu do widocznego w opcji `Wprowadzanie\":"_mz, " ", kColumns.Length()) +
-      "@" + kColumns;
+  // The title is wider than the columns: the box takes its width.
+  ShortText text = "Podaj, czy dodawać stan tego magazynu do widocznego w opcji `Wprowadzanie\":"_mz + "@" + kColumns;
   for (int i = 0; i <= kVisibleRows; ++i) text += '@';
   MessageBox(text, 2);
   for (;;) {
