@@ -17,7 +17,8 @@ using namespace paydetail;
 
 namespace {
 
-ShortText MoneyText(Real v) { return FormatFixed(0, 2, RoundMoney(v)); }
+// The amount with its two decimals and no blanks (a width of 0 would give the exponent form).
+ShortText MoneyText(Real v) { return TrimLeft(FormatFixed(16, 2, RoundMoney(v)), ' '); }
 
 ShortText DateText(int32_t serial) {
   int y = 0, m = 0, d = 0;
