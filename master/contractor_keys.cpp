@@ -15,6 +15,7 @@
 #include "master/contractor_hooks.h"
 #include "master/contractor_screens.h"
 #include "master/contractors_detail.h"
+#include "master/tables.h"
 #include "print/print.h"
 #include "tui/editmemo.h"
 #include "tui/msgbox.h"
@@ -60,6 +61,23 @@ bool EditContractorNote(ContractorKind kind, int32_t number) {
   if (!EditMemo(note, MemoWindow{5, 8, 76, 19}, false)) return false;
   if (WriteWhole(path, note)) return true;
   (void)MessageBox("Nie można zapisywać do pliku wydruku.@Może nie masz odpowiednich uprawnień ?"_mz, 0);
+  return false;
+}
+
+ShortText WarehousePrintDataPath(int32_t warehouse) {
+  return "dane\\" + WarehouseFolderName(warehouse) + "\\nazwa_ma";
+}
+
+bool EditWarehousePrintData(int32_t warehouse) {
+  contractors_detail::BoxKeeper keeper;
+  const ShortText path = WarehousePrintDataPath(warehouse);
+  std::string text = ReadAllBytes(path);
+  ShortText box = "Edycja danych magazynu umieszczanych na fakturach i wydaniach towaru"_mz;
+  for (int i = 0; i < 12; ++i) box += '@';
+  (void)MessageBox(box, 2);
+  if (!EditMemo(text, MemoWindow{7, 8, 74, 19}, false)) return false;
+  if (WriteWhole(path, text)) return true;
+  (void)MessageBox("Zapis danych magazynu nie powiódł się."_mz, 0);
   return false;
 }
 

@@ -337,7 +337,8 @@ bool RunOuterKey(ContractorKind kind, KeyPair key, int32_t number) {
   if (code == kF5) return PrintContractorCatalogue(kind), true;
   if (code == kF7 && kind == ContractorKind::kWarehouse) return MarkMergedWarehouses(), true;
   if (number == 0 || !(code == kF2 || code == kF3 || code == kF4 || code == kF7 || key == kCtrlF3)) return false;
-  if (key == kCtrlF3) (void)EditContractorNote(kind, number);
+  if (key == kCtrlF3 && kind == ContractorKind::kWarehouse) (void)EditWarehousePrintData(number);
+  else if (key == kCtrlF3) (void)EditContractorNote(kind, number);
   else if (code == kF3) EditFkSymbol(kind, number);
   else if (code == kF7) (void)LinkContractorToWarehouse(kind, number);
   else if (ContractorDocumentFn fn = code == kF2 ? hooks.receivables : hooks.documents) fn(kind, number);

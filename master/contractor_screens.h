@@ -73,7 +73,12 @@ bool MergeWarehouseSelection(std::vector<int32_t>& marks);
 // The note of a contractor: a text file in dane\notatki named after the catalogue and the number.
 ShortText ContractorNotePath(ContractorKind kind, int32_t number);
 // Ctrl+F3: the note in the editor under "Edycja notatki:"; true when written back.
+// In the warehouses Ctrl+F3 edits the warehouse's printing data instead.
 bool EditContractorNote(ContractorKind kind, int32_t number);
+// The text printed for a warehouse on invoices and issues: nazwa_ma in its folder.
+ShortText WarehousePrintDataPath(int32_t warehouse);
+// Its editor; "Zapis danych magazynu nie powiódł się." when it cannot be written. True when written.
+bool EditWarehousePrintData(int32_t warehouse);
 // F7 of customers and suppliers: a warehouse chosen, then LinkWarehouseAsked.
 bool LinkContractorToWarehouse(ContractorKind kind, int32_t contractor);
 // The warehouses the current user adds to the stock shown in the entry: the

@@ -49,6 +49,11 @@ ShortText DictionaryDeleteRefusal(const ShortText& path, const DictionaryEntry& 
 [[nodiscard]] int16_t DictionaryEnsure(const ShortText& path);
 // Every row in key order.
 [[nodiscard]] int16_t DictionaryRead(const ShortText& path, std::vector<DictionaryEntry>& rows);
+// The number of rows.
+[[nodiscard]] int16_t DictionaryCount(const ShortText& path, int64_t& count);
+// Up to limit rows in key order from the first whose key is not below start.
+[[nodiscard]] int16_t DictionaryReadFrom(const ShortText& path, const ShortText& start, int limit,
+                                         std::vector<DictionaryEntry>& rows);
 
 enum class DictionaryOutcome : uint8_t {
   kDone,

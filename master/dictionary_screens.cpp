@@ -121,7 +121,16 @@ bool MayChange() {
   return false;
 }
 
-void RunKey(const ShortText& path, unsigned char code, const DictionaryEntry& at) {
+// The refusal of a key that this place of the program does not allow, or empty.
+ShortText UseRefusal(const DictionaryUse& use, unsigned char code) {
+  if (code == kKeyIns) return use.add ? ShortText() : "Dopisywanie w tym miejscu programu nie jest możliwe."_mz;
+  if (code == kKeyDel) return use.remove ? ShortText() : "Usuwanie w tym miejscu programu nie jest możliwe."_mz;
+  return use.change ? ShortText() : "Edycja w tym miejscu programu nie jest możliwa."_mz;
+}
+
+void RunDictionaryKey(const ShortText& path, unsigned char code, const DictionaryEntry& at, const DictionaryUse& use) {
+  const ShortText refused = UseRefusal(use, code);
+  if (!refused.Empty()) return (void)MessageBox(refused, 0);
   DictionaryEntry e = code == kKeyIns ? DictionaryEntry{} : at;
   if (code == kKeyIns) {
     if (EditEntry(e)) SayOutcome(DictionaryAdd(path, e), path, e);
@@ -138,6 +147,40 @@ void RunKey(const ShortText& path, unsigned char code, const DictionaryEntry& at
   }
 }
 
+ShortText DictionaryListTitle(const ShortText& fieldName, bool choose) {
+  return (choose ? "Wybierz wartość pola `"_mz : "Lista wartości pola `"_mz) + fieldName + "\":";
+}
+
+// The list of a large dictionary from a start the operator gives: the rows
+// from there in a pick list; Ins, Del and Ctrl+Enter end it for their key,
+// Esc (or no row from there) goes back to the start. kLargeEnd when the
+// operator gave up the start.
+constexpr unsigned char kLargeEnd = 0;
+ListEnd BrowseFrom(const ShortText& path, const ShortText& title, ShortText& start, std::vector<DictionaryEntry>& rows) {
+  if (!contractors_detail::AskOnDashes("Wprowadź początek szukanej danej: --------------- "_mz, start))
+    return ListEnd{kLargeEnd, -1};
+  CheckDBError(DictionaryReadFrom(path, start, kPickMaxChoices, rows));
+  if (rows.empty()) {
+    Beep(1000);
+    return ListEnd{27, -1};
+  }
+  std::vector<ShortText> lines;
+  for (const DictionaryEntry& e : rows) lines.push_back(RowText(e));
+  KeyPair ended{};
+  PickListHooks hooks;
+  hooks.endsList = [&ended](KeyPair k) {
+    const unsigned char code = KeyCodeOf(k);
+    ended = k;
+    return code == kKeyIns || code == kKeyDel || code == kCtrlEnter;
+  };
+  unsigned char ch = 0, scan = 0;
+  const int16_t at = PickListHooked(1, 1, 1, 0, 0, title, lines, hooks, ch, scan);
+  if (at == 0) return ListEnd{27, -1};
+  const unsigned char code = KeyCodeOf(KeyPair{ch, scan});
+  return ListEnd{code == kKeyIns || code == kKeyDel || code == kCtrlEnter ? code : static_cast<unsigned char>(13),
+                 at - 1};
+}
+
 // The VAT dictionary offers its exempt group when it has none.
 void OfferExemptGroup(const ShortText& path) {
   if (path != ShortText(kVatDictionary)) return;
@@ -148,10 +191,11 @@ void OfferExemptGroup(const ShortText& path) {
 
 }  // namespace
 
-bool DictionaryList(const ShortText& fieldName, const ShortText& path, bool choose, ShortText& value) {
+bool DictionaryList(const ShortText& fieldName, const ShortText& path, bool choose, ShortText& value,
+                    const DictionaryUse& use) {
   CheckDBError(DictionaryEnsure(path));
   OfferExemptGroup(path);
-  const ShortText title = (choose ? "Wybierz wartość pola `"_mz : "Lista wartości pola `"_mz) + fieldName + "\":";
+  const ShortText title = DictionaryListTitle(fieldName, choose);
   for (int bar = 0;;) {
     std::vector<DictionaryEntry> rows;
     CheckDBError(DictionaryRead(path, rows));
@@ -167,7 +211,7 @@ bool DictionaryList(const ShortText& fieldName, const ShortText& path, bool choo
       value = at.indeks;
       return true;
     }
-    RunKey(path, end.code == 13 ? kCtrlEnter : end.code, at);
+    RunDictionaryKey(path, end.code == 13 ? kCtrlEnter : end.code, at, use);
   }
 }
 
@@ -187,4 +231,26 @@ void DictionaryCataloguesMenu() {
   const DictionaryDef& d = Dictionaries()[static_cast<std::size_t>(choice - 1)];
   ShortText unused;
   (void)DictionaryList(d.title, ShortText(d.path), false, unused);
+}
+
+bool DictionaryCopyList(const ShortText& fieldName, const ShortText& path, bool choose, ShortText& value,
+                        const DictionaryUse& use) {
+  CheckDBError(DictionaryEnsure(path));
+  int64_t count = 0;
+  CheckDBError(DictionaryCount(path, count));
+  if (count < kLargeDictionaryRows) return DictionaryList(fieldName, path, choose, value, use);
+  const ShortText title = DictionaryListTitle(fieldName, choose);
+  ShortText start;
+  for (;;) {
+    std::vector<DictionaryEntry> rows;
+    const ListEnd end = BrowseFrom(path, title, start, rows);
+    if (end.code == kLargeEnd) return false;
+    if (end.code == 27) continue;
+    const DictionaryEntry at = end.index >= 0 ? rows[static_cast<std::size_t>(end.index)] : DictionaryEntry{};
+    if (end.code == 13 && choose) {
+      value = at.indeks;
+      return true;
+    }
+    RunDictionaryKey(path, end.code == 13 ? kCtrlEnter : end.code, at, use);
+  }
 }
