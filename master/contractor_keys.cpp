@@ -41,6 +41,20 @@ bool WriteWhole(const ShortText& path, const std::string& bytes) {
   return WriteFileAtomically(path, bytes) == 0;
 }
 
+// A text file in the note editor under a title; failure told when it cannot
+// be written back. True when written.
+bool EditTextFile(const ShortText& path, const ShortText& title, const ShortText& failure) {
+  contractors_detail::BoxKeeper keeper;
+  std::string text = ReadAllBytes(path);
+  ShortText box = title;
+  for (int i = 0; i < 12; ++i) box += '@';
+  (void)MessageBox(box, 2);
+  if (!EditMemo(text, MemoWindow{5, 8, 76, 19}, false)) return false;
+  if (WriteWhole(path, text)) return true;
+  (void)MessageBox(failure, 0);
+  return false;
+}
+
 }  // namespace
 
 void SetContractorDocumentHooks(const ContractorDocumentHooks& hooks) { gHooks = hooks; }
@@ -52,16 +66,7 @@ ShortText ContractorNotePath(ContractorKind kind, int32_t number) {
 }
 
 bool EditContractorNote(ContractorKind kind, int32_t number) {
-  contractors_detail::BoxKeeper keeper;
-  const ShortText path = ContractorNotePath(kind, number);
-  std::string note = ReadAllBytes(path);
-  ShortText box = PadRight("Edycja notatki:"_mz, " ", 72);
-  for (int i = 0; i < 12; ++i) box += '@';
-  (void)MessageBox(box, 2);
-  if (!EditMemo(note, MemoWindow{5, 8, 76, 19}, false)) return false;
-  if (WriteWhole(path, note)) return true;
-  (void)MessageBox("Nie można zapisywać do pliku wydruku.@Może nie masz odpowiednich uprawnień ?"_mz, 0);
-  return false;
+  return EditTextFile(ContractorNotePath(kind, number), PadRight("Edycja notatki:"_mz, " ", 72), "Błąd zapisu na dysk"_mz);
 }
 
 ShortText WarehousePrintDataPath(int32_t warehouse) {
@@ -69,16 +74,9 @@ ShortText WarehousePrintDataPath(int32_t warehouse) {
 }
 
 bool EditWarehousePrintData(int32_t warehouse) {
-  contractors_detail::BoxKeeper keeper;
-  const ShortText path = WarehousePrintDataPath(warehouse);
-  std::string text = ReadAllBytes(path);
-  ShortText box = "Edycja danych magazynu umieszczanych na fakturach i wydaniach towaru"_mz;
-  for (int i = 0; i < 12; ++i) box += '@';
-  (void)MessageBox(box, 2);
-  if (!EditMemo(text, MemoWindow{7, 8, 74, 19}, false)) return false;
-  if (WriteWhole(path, text)) return true;
-  (void)MessageBox("Zapis danych magazynu nie powiódł się."_mz, 0);
-  return false;
+  return EditTextFile(WarehousePrintDataPath(warehouse),
+                      "Edycja danych magazynu umieszczanych na fakturach i wydaniach towaru"_mz,
+                      "Zapis danych magazynu nie powiódł się."_mz);
 }
 
 ShortText MergedWarehousesPath() { return UserPath(std::max(CurrentUserNumber(), 0), "magsum.txt"); }
