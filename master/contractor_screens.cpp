@@ -290,8 +290,7 @@ bool GoToStart(ListScreen& list, ListOrder order, unsigned char letter) {
 
 // F6: the exchange with a dBASE file in the user's directory, named as the catalogue's table.
 void DbfExchange(ContractorKind kind) {
-  unsigned char ch = 0, scan = 0;
-  const int16_t way = PickList(1, 1, 1, 0, 0, ShortText(), "eksport do pliku DBASE@import z pliku DBASE"_mz, ch, scan);
+  const int16_t way = contractors_detail::AskDbfWay();
   if (way == 0) return;
   const ShortText table = ContractorTablePath(kind);
   const ShortText file = UserPath(CurrentUserNumber(), table.Copy(table.Pos("\\") + 1, 8) + ".dbf");
@@ -300,14 +299,14 @@ void DbfExchange(ContractorKind kind) {
   if (way == 1) {
     code = ContractorDbfExport(kind, file, DbfCodePage::kAsIs, count);
   } else {
-    const int16_t page = PickList(1, 1, 1, 0, 0, "Jak importować polskie znaki z pliku DBASE:"_mz,
-                                  "bez zmian@DOS Latin 2@Windows Europa Centralna@ISO 8859-2"_mz, ch, scan);
-    if (page == 0) return;
+    DbfCodePage page = DbfCodePage::kAsIs;
+    if (!contractors_detail::AskDbfImportPage(page)) return;
+    unsigned char ch = 0, scan = 0;
     const int16_t mode = PickList(1, 1, 1, 0, 0, "Wybierz sposób dopisywania do katalogu:"_mz,
                                   "tylko wtedy, gdy inny jest numer kontrahenta@jw., z tworzeniem nowych, jeśli numer istnieje@wszystkich dopisać, jako nowych"_mz,
                                   ch, scan);
     if (mode == 0) return;
-    code = ContractorDbfImport(kind, file, static_cast<DbfCodePage>(page - 1), static_cast<DbfImportMode>(mode), count);
+    code = ContractorDbfImport(kind, file, page, static_cast<DbfImportMode>(mode), count);
   }
   if (code != 0) MessageBox(DbfErrorText(code), 0);
 }

@@ -94,6 +94,11 @@ std::string SqlText(const ShortText& text);
 // and the blanks around it.
 bool AskOnDashes(const ShortText& text, ShortText& value);
 
+// The way of an exchange with a dBASE file: 1 export, 2 import, 0 Esc.
+int16_t AskDbfWay();
+// "Jak importować polskie znaki z pliku DBASE:"; false on Esc.
+bool AskDbfImportPage(DbfCodePage& page);
+
 // Ends with CheckDBError unless the code is 0 or one of the two accepted ones.
 int16_t Checked(int16_t code, int16_t acceptedA = 0, int16_t acceptedB = 0);
 // Drops the tables of a warehouse that exist.

@@ -27,7 +27,7 @@ void (*gExtraRun)() = nullptr;
 
 constexpr int kVisibleRows = 18;
 constexpr unsigned char kBarAttr = 0x30;
-constexpr unsigned char kKeyIns = 252, kKeyDel = 253, kCtrlEnter = 10, kF1 = 229, kF5 = 233;
+constexpr unsigned char kKeyIns = 252, kKeyDel = 253, kCtrlEnter = 10, kF1 = 229, kF5 = 233, kF6 = 234;
 
 const ShortText kChooseHelp =
     "ƒ0..Ż⌐-przeszukanie@ƒ╒¿⌐- wybór wartości@ƒCtrl+╒¿⌐- poprawienie wskazywanej wartości.@ƒIns⌐- dopisanie nowej wartości.@ƒDel⌐- skasowanie wartości."_mz;
@@ -72,7 +72,8 @@ ListEnd Browse(const ShortText& title, bool choose, const std::vector<Dictionary
     if (code == 242 || code == 250) bar += code == 250 ? 1 : -1;
     else if (code == kF1) MessageBox(choose ? kChooseHelp : kEditHelp, 0);
     else if (code > ' ' && code != 127 && code < 224 && count > 0) SearchStart(rows, code, bar);
-    else if (code == 27 || code == kKeyIns || (code == kF5 && !choose)) return ListEnd{code, bar};
+    else if (code == 27 || code == kKeyIns || ((code == kF5 || code == kF6) && !choose))
+      return ListEnd{code, bar};
     else if ((code == 13 || code == kCtrlEnter || code == kKeyDel) && count > 0) return ListEnd{code, bar};
     else Beep(1000);
   }
@@ -201,8 +202,9 @@ bool DictionaryList(const ShortText& fieldName, const ShortText& path, bool choo
     CheckDBError(DictionaryRead(path, rows));
     const ListEnd end = Browse(title, choose, rows, bar);
     if (end.code == 27) return false;
-    if (end.code == kF5) {
-      (void)PrintDictionaryCatalogue(fieldName, path);
+    if (end.code == kF5 || end.code == kF6) {
+      if (end.code == kF5) (void)PrintDictionaryCatalogue(fieldName, path);
+      else DictionaryDbfExchange(path);
       continue;
     }
     const DictionaryEntry at = end.index >= 0 && end.index < static_cast<int>(rows.size())

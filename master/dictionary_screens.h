@@ -14,7 +14,8 @@ struct DictionaryUse {
 };
 
 // DictionaryList: the list titled by the field's name; choosing gives the
-// chosen value in value and true, Esc false. In keeping mode F5 prints it.
+// chosen value in value and true, Esc false. In keeping mode F5 prints it
+// and F6 exchanges it with a dBASE file.
 bool DictionaryList(const ShortText& fieldName, const ShortText& path, bool choose, ShortText& value,
                     const DictionaryUse& use = {});
 // A dictionary of at least this many rows is not read whole.
@@ -31,3 +32,5 @@ void DictionaryCataloguesMenu();
 // above the catalogues (the application registers the register of document
 // numbers there); a null function takes the row away.
 void SetOtherCatalogueRow(const ShortText& title, void (*run)());
+// F6: export to or import from the file named as the table in the user's directory.
+void DictionaryDbfExchange(const ShortText& path);
