@@ -94,6 +94,9 @@ std::string SqlText(const ShortText& text);
 // and the blanks around it.
 bool AskOnDashes(const ShortText& text, ShortText& value);
 
+// A failed export: the file closed and removed, so that no half file stays
+// under the name; gives the code back.
+int AbandonDbf(DbfFile& file, const ShortText& fileName, int code);
 // The way of an exchange with a dBASE file: 1 export, 2 import, 0 Esc.
 int16_t AskDbfWay();
 // "Jak importować polskie znaki z pliku DBASE:"; false on Esc.

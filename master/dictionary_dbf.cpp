@@ -2,7 +2,6 @@
 #include <string>
 #include <vector>
 
-#include "base/filevar.h"
 #include "base/mazovia.h"
 #include "base/text.h"
 #include "exchange/dbf/dbf.h"
@@ -50,13 +49,9 @@ int DictionaryDbfExport(const ShortText& path, const ShortText& fileName, DbfCod
   DbfFile file;
   if (const int code = DbfCreate(file, fileName, DictionaryFields(), codePage)) return code;
   for (const DictionaryEntry& e : rows) {
-    if (const int code = PutEntry(file, e)) {  // no half file stays under the name
-      (void)DbfClose(file);
-      FileVar half;
-      AssignFile(half, fileName);
-      (void)half.Erase();
+    if (const int code = PutEntry(file, e)) {
       written = 0;
-      return code;
+      return contractors_detail::AbandonDbf(file, fileName, code);
     }
     ++written;
   }
