@@ -16,7 +16,6 @@
 #include "master/dictionary_screens.h"
 #include "tui/keyboard.h"
 #include "tui/tui_fixture.h"
-#include "users/users.h"
 
 namespace {
 
@@ -37,11 +36,6 @@ class CatalogueLinks : public PaymentsTest {
   void SetUp() override {
     PaymentsTest::SetUp();
     tui_test::InitTerminal("linux");
-    ASSERT_EQ(UsersTableEnsure(), 0);
-    UserRecord manager;
-    bool found = false;
-    ASSERT_EQ(UserFind(kSystemManager, manager, found), 0);
-    SetCurrentUser(manager);
     ASSERT_TRUE(Psql("INSERT INTO DANE_ODBIORCY (nazwa,nazwa_inne,numer) VALUES ('Kowalski','',7)"));
     ASSERT_TRUE(Psql("INSERT INTO DANE_MAGAZYNY (nazwa,nazwa_inne,numer,czy_podmiot_gosp) VALUES ('M1','',1,'Z')"));
     state_.warehouse = kWarehouse;
@@ -54,7 +48,6 @@ class CatalogueLinks : public PaymentsTest {
     SetContractorDocumentHooks({});
     SetOtherCatalogueRow(ShortText(), nullptr);
     ConfigSettings() = ConfigValues::Defaults();
-    ClearCurrentUser();
     PaymentsTest::TearDown();
   }
   static void Keys(std::vector<KeyPair> keys) {

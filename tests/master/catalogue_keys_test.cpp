@@ -10,7 +10,6 @@
 
 #include "contractors_fixture.h"
 #include "master/catalogue_print.h"
-#include "master/contractor_hooks.h"
 #include "master/contractor_screens.h"
 #include "master/dictionaries.h"
 #include "master/dictionary_screens.h"
@@ -59,10 +58,6 @@ class CatalogueKeys : public ContractorsTest {
       ASSERT_EQ(ContractorAdd(ContractorKind::kCustomer, c, NumberRange{}), ContractorOutcome::kDone);
     }
   }
-  void TearDown() override {
-    SetContractorDocumentHooks({});
-    ContractorsTest::TearDown();
-  }
   // The print of customers as this test lays it out: the heading and a blank
   // line, then 15 lines a row, lines ending in CR LF.
   static std::string Expected(const std::vector<Row>& rows) {
@@ -100,8 +95,8 @@ TEST_F(CatalogueKeys, PrintOfTheCatalogueToAFile) {
   const Case cases[] = {
       {"every number, every town, by number", {{{kEnter, kEnter}}, {{kNo}}, {{KeyOfByte('2')}}}, {0, 1, 2, 3}},
       {"numbers 2 to 3 in Radom, by name",
-       {{{bs, KeyOfByte('2'), kEnter}}, {[&] { auto k = Repeat(bs, 10); k.push_back(KeyOfByte('3')); k.push_back(kEnter); return k; }()},
-        {{kYes}}, {{keys::kDown, kEnter}}, {{kEsc}}, {{KeyOfByte('1')}}},
+       {{{bs, KeyOfByte('2'), kEnter}}, {Repeat(bs, 10)}, {{KeyOfByte('3'), kEnter}}, {{kYes}}, {{keys::kDown, kEnter}},
+        {{kEsc}}, {{KeyOfByte('1')}}},
        {2}},
   };
   for (const Case& c : cases) {
@@ -119,53 +114,33 @@ TEST_F(CatalogueKeys, PrintOfTheCatalogueToAFile) {
   }
 }
 
-// Pages: a row never splits; each page opens with the heading.
-TEST_F(CatalogueKeys, PagesKeepRowsWhole) {
-  Contractor a = Named(ShortText("A")), b = Named(ShortText("B"));
-  const std::string text = FormatContractorCatalogue(ContractorKind::kWarehouse, {a, b}, 2 + 15 + 5);
-  const std::size_t feed = text.find('\f');
-  ASSERT_NE(feed, std::string::npos);
-  EXPECT_EQ(text.substr(feed + 1, 19), "Katalog magazynów"_mz.Str() + "\r\n");
-  EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 2 * (2 + 15));
-  EXPECT_EQ(text.find("[jest"), std::string::npos);  // a warehouse carries no VAT mark
+// F2 and F4 without registered functions do nothing; the list goes on.
+TEST_F(CatalogueKeys, DocumentKeysWithoutFunctionsDoNothing) {
+  Play({{{keys::F(2), keys::F(4), keys::kDown, keys::kDel}}, {{kNo}}, {{kEsc}}});
+  ContractorCatalogue(ContractorKind::kCustomer);
+  EXPECT_TRUE(Shown("Na pewno kasować ?"_mz));  // the Del after them reached the list
 }
 
-ContractorKind gKind = ContractorKind::kWarehouse;
-int32_t gNumber = 0;
-char gWhich = ' ';
-void Receivables(ContractorKind kind, int32_t number) { gKind = kind, gNumber = number, gWhich = 'R'; }
-void Documents(ContractorKind kind, int32_t number) { gKind = kind, gNumber = number, gWhich = 'D'; }
-
-// F2 and F4 call the registered functions with the bar's row (by name the
-// second is Kowalski, number 1); unregistered they do nothing.
-TEST_F(CatalogueKeys, DocumentKeysCallTheRegisteredFunctions) {
+// Ctrl+F3 keeps a customer's note in its file, which goes with the row, and
+// a warehouse's printing data.
+TEST_F(CatalogueKeys, CtrlF3KeepsTheNoteAndTheWarehousesPrintingData) {
+  Contractor w = Named(ShortText("Sklep"));
+  ASSERT_EQ(ContractorAdd(ContractorKind::kWarehouse, w, NumberRange{}, true), ContractorOutcome::kDone);
   const struct {
-    bool registered;
-    KeyPair key;
-    char which;
-  } cases[] = {{true, keys::F(2), 'R'}, {true, keys::F(4), 'D'}, {false, keys::F(2), ' '}, {false, keys::F(4), ' '}};
+    ContractorKind kind;
+    ShortText path, title;  // the bar's row: Adamski (4), the one warehouse
+  } cases[] = {{ContractorKind::kCustomer, ContractorNotePath(ContractorKind::kCustomer, 4), "Edycja notatki:"_mz},
+               {ContractorKind::kWarehouse, WarehousePrintDataPath(w.number),
+                "Edycja danych magazynu umieszczanych na fakturach i wydaniach towaru"_mz}};
   for (const auto& c : cases) {
-    SetContractorDocumentHooks(c.registered ? ContractorDocumentHooks{Receivables, Documents} : ContractorDocumentHooks{});
-    gWhich = ' ', gNumber = 0, gKind = ContractorKind::kWarehouse;
-    Play({{{keys::kDown, c.key}}, {{kEsc}}});
-    ContractorCatalogue(ContractorKind::kCustomer);
-    EXPECT_EQ(gWhich, c.which);
-    EXPECT_EQ(gNumber, c.registered ? 1 : 0);
-    EXPECT_EQ(gKind, c.registered ? ContractorKind::kCustomer : ContractorKind::kWarehouse);
+    Play({{{KeyPair{0, 96}}}, {Typed(ShortText("pilne"), {keys::F(10)})}, {{kEsc}}});
+    ContractorCatalogue(c.kind);
+    EXPECT_TRUE(Shown(c.title));
+    EXPECT_EQ(FileBytes(PathToUnix(c.path).Str()), "pilne\n");
   }
-}
-
-// Ctrl+F3 keeps a note in its file; the delete of the contractor takes it along.
-TEST_F(CatalogueKeys, NoteIsWrittenAndGoesWithTheContractor) {
-  const KeyPair ctrlF3{0, 96};
-  Play({{{ctrlF3}}, {Typed(ShortText("pilne"), {keys::F(10)})}, {{kEsc}}});
-  ContractorCatalogue(ContractorKind::kCustomer);  // the bar on Adamski, number 4
-  EXPECT_TRUE(Shown("Edycja notatki:"_mz));
-  const fs::path note(PathToUnix(ContractorNotePath(ContractorKind::kCustomer, 4)).Str());
-  EXPECT_EQ(FileBytes(note), "pilne\n");
   Play({{{kYes}}});
   ASSERT_TRUE(DeleteContractor(ContractorKind::kCustomer, 4));
-  EXPECT_FALSE(fs::exists(note));
+  EXPECT_FALSE(fs::exists(PathToUnix(cases[0].path).Str()));
 }
 
 // F7: a customer linked to a chosen warehouse; in the warehouses, the marks stored.
@@ -192,11 +167,8 @@ TEST_F(CatalogueKeys, MenuRowDeletesCustomersWithoutTurnover) {
   EXPECT_EQ(Rows(ContractorKind::kCustomer), "");
 }
 
-int gExtraRuns = 0;
-void ExtraRow() { ++gExtraRuns; }
-
-// F5 of a dictionary prints its rows; a lent row of the menu runs its function.
-TEST_F(CatalogueKeys, DictionaryPrintAndTheLentMenuRow) {
+// F5 of a dictionary prints its rows.
+TEST_F(CatalogueKeys, DictionaryPrint) {
   const ShortText path("dane\\pola_ind\\komentar");
   ASSERT_EQ(DictionaryEnsure(path), 0);
   ASSERT_EQ(DictionaryAdd(path, {ShortText("A1"), "pilne zlecenie"_mz, ShortText("T")}), DictionaryOutcome::kDone);
@@ -212,13 +184,6 @@ TEST_F(CatalogueKeys, DictionaryPrintAndTheLentMenuRow) {
   expected += "B2              | zwykle" + std::string(44, ' ') + " | N\r\n";
   EXPECT_EQ(FileBytes("slow.txt"), expected);
 
-  SetOtherCatalogueRow("katalog numerów dokumentów"_mz, ExtraRow);
-  const int rows = static_cast<int>(Dictionaries().size());
-  Play({{Repeat(keys::kDown, rows)}, {{kEnter}}});
-  DictionaryCataloguesMenu();
-  SetOtherCatalogueRow(ShortText(), nullptr);
-  EXPECT_EQ(gExtraRuns, 1);
-  EXPECT_TRUE(Shown("katalog numerów dokumentów"_mz));
 }
 
 }  // namespace

@@ -1,11 +1,9 @@
 // Rules of the catalogues' screens by keys on the real server: the VAT flag
-// of a contractor with turnover, the warehouse's printing data, what a place
-// of the program allows in a dictionary, and the list of a large dictionary.
+// of a contractor with turnover, what a place of the program allows in a
+// dictionary, the list of a large dictionary and its dBASE exchange.
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 
 #include "base/paths.h"
 #include "base/text.h"
@@ -26,12 +24,6 @@ const ShortText kKomentarze("dane\\pola_ind\\komentar");
 
 using CatalogueRules = ContractorsTest;
 
-std::string FileBytes(const ShortText& path) {
-  std::ifstream in(PathToUnix(path).Str(), std::ios::binary);
-  std::ostringstream all;
-  all << in.rdbuf();
-  return all.str();
-}
 
 // The flag of a customer whom a document names changes only after a yes;
 // one without documents changes without the question.
@@ -62,16 +54,6 @@ TEST_F(CatalogueRules, VatFlagOfAContractorWithTurnoverAsksFirst) {
     EXPECT_EQ(Scalar("SELECT czy_podmiot_gosp FROM dane_odbiorcy WHERE numer = " + std::to_string(c.number)), c.flag);
     ASSERT_TRUE(Psql("UPDATE dane_odbiorcy SET czy_podmiot_gosp = 'T'"));
   }
-}
-
-// Ctrl+F3 in the warehouses edits the text printed for the warehouse.
-TEST_F(CatalogueRules, WarehousePrintingDataIsKeptInItsFolder) {
-  Contractor w = Named(ShortText("Sklep"));
-  ASSERT_EQ(ContractorAdd(ContractorKind::kWarehouse, w, NumberRange{}, true), ContractorOutcome::kDone);
-  Play({{{KeyPair{0, 96}}}, {Typed(ShortText("Sklep nr 1, Radom"), {keys::F(10)})}, {{kEsc}}});
-  ContractorCatalogue(ContractorKind::kWarehouse);
-  EXPECT_TRUE(Shown("Edycja danych magazynu umieszczanych na fakturach i wydaniach towaru"_mz));
-  EXPECT_EQ(FileBytes(WarehousePrintDataPath(w.number)), "Sklep nr 1, Radom\n");
 }
 
 // A place that allows nothing refuses each key with its message and keeps the rows.
