@@ -329,6 +329,13 @@ void EditFkSymbol(ContractorKind kind, int32_t number) {
     MessageBox("Kontrahent zniknął ?!@Zmiana nie jest możliwa."_mz, 0);
 }
 
+// The function keys of the list on the bottom row of the screen (the keeper of the list puts the row back).
+void ShowKeyLine() {
+  Window(1, 1, kScreenCols, kScreenRows);
+  TextAttr(kAttrPrompt);
+  WriteAt(1, kScreenRows, PadRight("╫ç-należn. ╫ë-dokumenty ╫è-druk ╫ï-do/z DBF"_mz, " ", kScreenCols - 1));
+}
+
 // The keys that lead out of the list to another screen; true when the key was one of them.
 bool RunOuterKey(ContractorKind kind, KeyPair key, int32_t number) {
   const unsigned char code = KeyCodeOf(key);
@@ -352,6 +359,7 @@ ListEnd Browse(ContractorKind kind, const ShortText& title, bool choosing, ListS
     MessageBox(EmptyListText(kind), 0);
     return ListEnd{};
   }
+  ShowKeyLine();
   ShortText text = PadRight(title, " ", kColumns.Length()) + "@" + kColumns;
   for (int i = 0; i <= kVisibleRows; ++i) text += '@';
   MessageBox(text, 2);

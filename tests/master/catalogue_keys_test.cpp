@@ -114,11 +114,12 @@ TEST_F(CatalogueKeys, PrintOfTheCatalogueToAFile) {
   }
 }
 
-// F2 and F4 without registered functions do nothing; the list goes on.
+// F2 and F4 without registered functions do nothing; the list goes on, its keys on the bottom row.
 TEST_F(CatalogueKeys, DocumentKeysWithoutFunctionsDoNothing) {
   Play({{{keys::F(2), keys::F(4), keys::kDown, keys::kDel}}, {{kNo}}, {{kEsc}}});
   ContractorCatalogue(ContractorKind::kCustomer);
   EXPECT_TRUE(Shown("Na pewno kasować ?"_mz));  // the Del after them reached the list
+  EXPECT_TRUE(Shown("╫ç-należn. ╫ë-dokumenty ╫è-druk ╫ï-do/z DBF"_mz));
 }
 
 // Ctrl+F3 keeps a customer's note in its file, which goes with the row, and
