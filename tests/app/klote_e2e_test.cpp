@@ -229,3 +229,21 @@ TEST_F(KloteE2eTest, CustomerCatalogueAddAndFindByName) {
 }
 
 }  // namespace
+
+namespace {
+
+// "Inne katalogi" of the real program ends with the register of document
+// numbers, lent at the start: with common numbering off it refuses.
+TEST_F(KloteE2eTest, OtherCataloguesOfferTheNumberRegister) {
+  Start(Db().home);
+  LogInAsManager();
+  ASSERT_TRUE(ShowsHeading(kHeadings[0])) << Joined(Rows());
+  Keys("F6 3");
+  ASSERT_TRUE(WaitForText("katalog numerów dokumentów")) << Joined(Rows());
+  Keys("End Enter");
+  ASSERT_TRUE(WaitForText("Opcje wspólnej numeracji dokumentów sa wylaczone.")) << Joined(Rows());
+  Keys("Enter Escape Escape");
+  EXPECT_TRUE(WaitForText("KLOTE-END")) << Joined(Rows());
+}
+
+}  // namespace
