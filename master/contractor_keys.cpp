@@ -3,6 +3,7 @@
 // supplier to a warehouse and the warehouses added to the stock shown in the
 // entry (F7).
 #include <algorithm>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -84,10 +85,13 @@ ShortText MergedWarehousesPath() { return UserPath(std::max(CurrentUserNumber(),
 std::vector<int32_t> ReadMergedWarehouses() {
   std::vector<int32_t> marks;
   std::istringstream in(ReadAllBytes(MergedWarehousesPath()));
-  long long number = 0;
-  while (in >> number && static_cast<int>(marks.size()) < kMaxMarkedWarehouses)
-    if (number >= 1 && number <= kContractorMaxNumber && !WarehouseMarked(marks, static_cast<int32_t>(number)))
+  for (std::string line; std::getline(in, line) && static_cast<int>(marks.size()) < kMaxMarkedWarehouses;) {
+    char* end = nullptr;
+    const long long number = std::strtoll(line.c_str(), &end, 10);
+    const bool whole = end != line.c_str() && (*end == '\0' || *end == '\r');
+    if (whole && number >= 1 && number <= kContractorMaxNumber && !WarehouseMarked(marks, static_cast<int32_t>(number)))
       marks.push_back(static_cast<int32_t>(number));
+  }
   return marks;
 }
 

@@ -157,6 +157,8 @@ TEST_F(CatalogueKeys, F7LinksAWarehouseAndStoresMarks) {
   Play({{{keys::F(7)}}, {{KeyOfByte(' '), keys::kDown, KeyOfByte(' '), kEnter}}, {{kEsc}}});
   ContractorCatalogue(ContractorKind::kWarehouse);
   EXPECT_EQ(ReadMergedWarehouses(), (std::vector<int32_t>{10, 20}));
+  std::ofstream(PathToUnix(MergedWarehousesPath()).Str()) << "7\nx\n-3\n12abc\n7\n2147483648\n9\n";
+  EXPECT_EQ(ReadMergedWarehouses(), (std::vector<int32_t>{7, 9}));  // bad and repeated lines skipped
   EXPECT_TRUE(Shown("Podaj, czy dodawać stan tego magazynu do widocznego w opcji `Wprowadzanie\":"_mz));
 }
 
