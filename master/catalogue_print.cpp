@@ -3,12 +3,10 @@
 #include "master/catalogue_print.h"
 
 #include <algorithm>
-#include <filesystem>
 
 #include "base/mazovia.h"
 #include "base/numbers.h"
 #include "base/numbers_format.h"
-#include "base/paths.h"
 #include "base/text.h"
 #include "master/contractors_detail.h"
 #include "print/print.h"
@@ -78,10 +76,7 @@ const char* SortSql(CatalogueSort sort) {
 // The print into the user's print file and on to the print flow.
 bool HandToPrintFlow(const std::string& bytes) {
   const ShortText printFile = PrintFilePath();
-  std::error_code ignored;
-  std::filesystem::create_directories(
-      std::filesystem::path(std::string(PathToUnix(printFile).View())).parent_path(), ignored);
-  if (WriteFileAtomically(printFile, bytes) != 0) {
+  if (!contractors_detail::WriteWhole(printFile, bytes)) {
     (void)MessageBox("Nie można zapisywać do pliku wydruku.@Może nie masz odpowiednich uprawnień ?"_mz, 0);
     return false;
   }

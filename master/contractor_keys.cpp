@@ -34,14 +34,6 @@ std::string ReadAllBytes(const ShortText& path) {
   return all.str();
 }
 
-// Writes beside the target and renames (print/print.h), making the directory first.
-bool WriteWhole(const ShortText& path, const std::string& bytes) {
-  std::error_code ignored;
-  std::filesystem::create_directories(std::filesystem::path(std::string(PathToUnix(path).View())).parent_path(),
-                                      ignored);
-  return WriteFileAtomically(path, bytes) == 0;
-}
-
 // A text file in the note editor under a title; failure told when it cannot
 // be written back. True when written.
 bool EditTextFile(const ShortText& path, const ShortText& title, const ShortText& failure) {
@@ -51,12 +43,23 @@ bool EditTextFile(const ShortText& path, const ShortText& title, const ShortText
   for (int i = 0; i < 12; ++i) box += '@';
   (void)MessageBox(box, 2);
   if (!EditMemo(text, MemoWindow{5, 8, 76, 19}, false)) return false;
-  if (WriteWhole(path, text)) return true;
+  if (contractors_detail::WriteWhole(path, text)) return true;
   (void)MessageBox(failure, 0);
   return false;
 }
 
 }  // namespace
+
+namespace contractors_detail {
+
+bool WriteWhole(const ShortText& path, const std::string& bytes) {
+  std::error_code ignored;
+  std::filesystem::create_directories(std::filesystem::path(std::string(PathToUnix(path).View())).parent_path(),
+                                      ignored);
+  return WriteFileAtomically(path, bytes) == 0;
+}
+
+}  // namespace contractors_detail
 
 void SetContractorDocumentHooks(const ContractorDocumentHooks& hooks) { gHooks = hooks; }
 const ContractorDocumentHooks& ContractorDocumentHooksNow() { return gHooks; }
@@ -100,7 +103,7 @@ bool MarkMergedWarehouses() {
   if (!MergeWarehouseSelection(marks)) return false;
   std::string text;
   for (int32_t number : marks) text += std::to_string(number) + "\n";
-  return WriteWhole(MergedWarehousesPath(), text);
+  return contractors_detail::WriteWhole(MergedWarehousesPath(), text);
 }
 
 bool LinkContractorToWarehouse(ContractorKind kind, int32_t contractor) {

@@ -94,6 +94,9 @@ std::string SqlText(const ShortText& text);
 // and the blanks around it.
 bool AskOnDashes(const ShortText& text, ShortText& value);
 
+// Writes the bytes over the file whole or not at all (beside it, then
+// renamed), making its directory first; false on a failure.
+bool WriteWhole(const ShortText& path, const std::string& bytes);
 // A failed export: the file closed and removed, so that no half file stays
 // under the name; gives the code back.
 int AbandonDbf(DbfFile& file, const ShortText& fileName, int code);
