@@ -41,23 +41,25 @@ ShortText VatMark(ContractorKind kind, const Contractor& c) {
 
 // Pages of the heading and the blocks: a block that does not fit the rest of
 // a page opens the next one; a block longer than a page stands alone on it.
+// No block: the heading alone.
 std::string Paginate(const ShortText& heading, const std::vector<Block>& blocks, int linesPerPage) {
   constexpr int kHeadLines = 2;
   std::string out;
-  int used = linesPerPage;  // no page open yet
+  int used = 0;  // lines of the open page, 0 before the first
   const auto line = [&out](const ShortText& text) { out += text.Str() + "\r\n"; };
-  for (std::size_t b = 0; b <= blocks.size(); ++b) {
-    const int need = b < blocks.size() ? static_cast<int>(blocks[b].size()) : 0;
-    if (used == linesPerPage || (used > kHeadLines && used + need > linesPerPage)) {
-      if (!out.empty()) out += kFormFeed;
-      line(heading);
-      line(ShortText());
-      used = kHeadLines;
-    }
-    if (b == blocks.size()) break;
-    for (const ShortText& text : blocks[b]) line(text);
+  const auto openPage = [&] {
+    if (!out.empty()) out += kFormFeed;
+    line(heading);
+    line(ShortText());
+    used = kHeadLines;
+  };
+  for (const Block& block : blocks) {
+    const int need = static_cast<int>(block.size());
+    if (used == 0 || (used > kHeadLines && used + need > linesPerPage)) openPage();
+    for (const ShortText& text : block) line(text);
     used += need;
   }
+  if (out.empty()) openPage();
   return out;
 }
 

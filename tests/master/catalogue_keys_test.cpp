@@ -189,4 +189,18 @@ TEST_F(CatalogueKeys, DictionaryPrint) {
 
 }
 
+// Pages of 4 lines: the heading and two values each; a full page opens no empty one.
+TEST(CataloguePages, FullPagesAndTheEmptyPrint) {
+  const std::string head = "Katalog x\r\n\r\n";
+  const auto row = [](char k) { return std::string(1, k) + std::string(14, ' ') + " | " + std::string(50, ' ') + " | N\r\n"; };
+  const struct {
+    std::string keys, expected;
+  } cases[] = {{"", head}, {"ab", head + row('a') + row('b')}, {"abc", head + row('a') + row('b') + "\f" + head + row('c')}};
+  for (const auto& c : cases) {
+    std::vector<DictionaryEntry> rows;
+    for (char k : c.keys) rows.push_back({ShortText(std::string(1, k)), ShortText(), ShortText("N")});
+    EXPECT_EQ(FormatDictionaryCatalogue(ShortText("x"), rows, 4), c.expected) << c.keys;
+  }
+}
+
 }  // namespace
