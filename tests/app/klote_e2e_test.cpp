@@ -2,7 +2,8 @@
 // the System Manager's entry, the menu bar after the start, every heading by its function key and by Left and Right, the
 // lists and the explanation line checked against the texts, one entry that
 // is not built yet, the users' list, and Esc that ends the program and the
-// session. Also the end after a failed connection.
+// session. Also the end after a failed connection, and the number register
+// that the start lends the other catalogues.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
