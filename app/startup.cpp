@@ -3,6 +3,7 @@
 
 #include <cstdlib>
 
+#include "app/catalogue_links.h"
 #include "app/menu.h"
 #include "config/fieldlists.h"
 #include "config/konfigur.h"
@@ -66,6 +67,12 @@ bool ChooseWarehouse(AppState& state) {
   return true;
 }
 
+// The functions the catalogues borrow from the documents, bound to the state.
+bool LinkCatalogues(AppState& state) {
+  RegisterCatalogueLinks(state);
+  return true;
+}
+
 bool RunMenuBar(AppState& state) {
   MenuBar(state.menu, state);
   return true;
@@ -78,6 +85,7 @@ constexpr StartStep kStartSteps[] = {
     {"login", LogIn},
     {"printers", ReadPrinterConfiguration},
     {"warehouse", ChooseWarehouse},
+    {"links", LinkCatalogues},
     {"menu", RunMenuBar},
 };
 

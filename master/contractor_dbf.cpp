@@ -59,6 +59,18 @@ int PutRecord(DbfFile& file, const Contractor& c) {
 
 }  // namespace
 
+namespace contractors_detail {
+
+int AbandonDbf(DbfFile& file, const ShortText& fileName, int code) {
+  (void)DbfClose(file);
+  FileVar half;
+  AssignFile(half, fileName);
+  (void)half.Erase();
+  return code;
+}
+
+}  // namespace contractors_detail
+
 int ContractorDbfExport(ContractorKind kind, const ShortText& fileName, DbfCodePage codePage, int64_t& written) {
   written = 0;
   std::vector<DbfFieldSpec> specs;
@@ -72,13 +84,9 @@ int ContractorDbfExport(ContractorKind kind, const ShortText& fileName, DbfCodeP
     contractors_detail::Checked(contractors_detail::ListRead(kind, contractors_detail::ListOrder::kNumber, from, true,
                                                              1000, std::string(), rows));
     for (const Contractor& c : rows) {
-      if (const int code = PutRecord(file, c)) {  // no half file stays under the name
-        (void)DbfClose(file);
-        FileVar half;
-        AssignFile(half, fileName);
-        (void)half.Erase();
+      if (const int code = PutRecord(file, c)) {
         written = 0;
-        return code;
+        return contractors_detail::AbandonDbf(file, fileName, code);
       }
       ++written;
     }

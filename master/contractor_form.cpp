@@ -6,6 +6,7 @@
 
 #include "base/mazovia.h"
 #include "base/numbers.h"
+#include "base/paths.h"
 #include "base/text.h"
 #include "config/konfigur.h"
 #include "master/contractor_screens.h"
@@ -209,6 +210,19 @@ void MirrorToOtherCatalogue(ContractorKind kind, const Contractor& c) {
   (void)ContractorStore(other, c);
 }
 
+// A change of the VAT flag of a contractor whom documents name: only after a yes.
+bool FlagChangeConfirmed(ContractorKind kind, const Contractor& before, const Contractor& after) {
+  if (kind == ContractorKind::kWarehouse ||
+      TrimRightAll(before[C::czy_podmiot_gosp], ' ') == TrimRightAll(after[C::czy_podmiot_gosp], ' '))
+    return true;
+  bool inUse = false;
+  contractors_detail::Checked(ContractorInUse(kind, before.number, inUse));
+  const ShortText who = kind == ContractorKind::kSupplier ? "dostawcą"_mz : "kontrahentem"_mz;
+  return !inUse || MessageBox("Jeżeli z tym "_mz + who +
+                                  " był wykonany jakikolwiek obrót, nie należy zmieniać@tej danej. Czy chcesz ją jednak zmienić ?"_mz,
+                              1);
+}
+
 }  // namespace
 
 bool LinkWarehouseAsked(ContractorKind kind, int32_t contractor, int32_t warehouse) {
@@ -261,6 +275,7 @@ bool ChangeContractor(ContractorKind kind, int32_t number) {
     MessageBox("Zmiana numeru jest zabroniona !@Poprawki odwołane."_mz, 0);
     return false;
   }
+  if (!FlagChangeConfirmed(kind, before, after)) return false;
   if (ContractorStoreChanges(kind, before, after) == ContractorOutcome::kGone) {
     MessageBox("Zmiana kontrahenta nr "_mz + ShortText(std::to_string(number)) + " nie jest możliwa,@"_mz +
                    "ponieważ kontrahent taki nie istnieje w tej chwili (być może@został usunięty przez innego operatora)."_mz,
@@ -297,6 +312,7 @@ bool DeleteContractor(ContractorKind kind, int32_t number) {
     MessageBox("Kontrahent zniknął ?!@Zmiana nie jest możliwa."_mz, 0);
     return false;
   }
+  (void)DeleteFile(ContractorNotePath(kind, number));
   return true;
 }
 
@@ -335,6 +351,7 @@ bool DeleteCustomersWithoutTurnover() {
     MessageBox("Trwa kontrola i kasowanie...[      %][          ][          ]"_mz, 2);
     contractors_detail::Checked(ContractorDeleteUnused(ContractorKind::kCustomer, deleted));
   }
+  for (const Contractor& c : deleted) (void)DeleteFile(ContractorNotePath(ContractorKind::kCustomer, c.number));
   if (!deleted.empty() && MessageBox("Czy pokazać ich listę ?"_mz, 1)) ShowDeleted(deleted);
   return true;
 }

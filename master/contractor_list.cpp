@@ -112,17 +112,22 @@ ListKey KeyOf(const Contractor& row, bool inclusive) {
 
 int16_t ListRead(ContractorKind kind, ListOrder order, const ListKey& from, bool forward, int limit,
                  const std::string& condition, std::vector<Contractor>& rows) {
-  rows.clear();
   std::string where = condition;
   if (from.set) where += (where.empty() ? "" : " AND ") + KeyCondition(order, from, forward);
+  const int16_t code = SelectRows(kind, where, OrderBy(order, forward) + " LIMIT " + std::to_string(limit), rows);
+  if (!forward) std::reverse(rows.begin(), rows.end());
+  return code;
+}
+
+int16_t SelectRows(ContractorKind kind, const std::string& condition, const std::string& tail,
+                   std::vector<Contractor>& rows) {
+  rows.clear();
   PGResult res;
   const int16_t code = PGRunQueryWithTup("SELECT " + ListColumns() + " FROM " +
                                              PGSqlName(ContractorTablePath(kind)).Str() +
-                                             (where.empty() ? "" : " WHERE " + where) + OrderBy(order, forward) +
-                                             " LIMIT " + std::to_string(limit),
+                                             (condition.empty() ? "" : " WHERE " + condition) + tail,
                                          res);
   for (int r = 0; code == 0 && r < res.Rows(); ++r) rows.push_back(RowOf(res, r));
-  if (!forward) std::reverse(rows.begin(), rows.end());
   return code;
 }
 

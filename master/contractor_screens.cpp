@@ -11,6 +11,8 @@
 #include "base/mazovia.h"
 #include "base/numbers.h"
 #include "base/text.h"
+#include "master/catalogue_print.h"
+#include "master/contractor_hooks.h"
 #include "master/contractors_detail.h"
 #include "sqltable/dbapp.h"
 #include "sqltable/pgnav.h"
@@ -33,7 +35,8 @@ namespace {
 
 constexpr int kVisibleRows = 18;
 constexpr unsigned char kBarAttr = 0x30;
-constexpr unsigned char kF3 = 231, kF6 = 234;
+constexpr unsigned char kF2 = 230, kF3 = 231, kF4 = 232, kF5 = 233, kF6 = 234, kF7 = 235;
+constexpr KeyPair kCtrlF3{0, 96};
 constexpr unsigned char kKeyIns = 252, kKeyDel = 253, kCtrlK = 11, kCtrlN = 14, kCtrlR = 18, kCtrlT = 20;
 constexpr unsigned char kUp = 242, kDown = 250, kHome = 241, kEnd = 249, kPgUp = 243, kPgDn = 251;
 
@@ -287,8 +290,7 @@ bool GoToStart(ListScreen& list, ListOrder order, unsigned char letter) {
 
 // F6: the exchange with a dBASE file in the user's directory, named as the catalogue's table.
 void DbfExchange(ContractorKind kind) {
-  unsigned char ch = 0, scan = 0;
-  const int16_t way = PickList(1, 1, 1, 0, 0, ShortText(), "eksport do pliku DBASE@import z pliku DBASE"_mz, ch, scan);
+  const int16_t way = contractors_detail::AskDbfWay();
   if (way == 0) return;
   const ShortText table = ContractorTablePath(kind);
   const ShortText file = UserPath(CurrentUserNumber(), table.Copy(table.Pos("\\") + 1, 8) + ".dbf");
@@ -297,14 +299,14 @@ void DbfExchange(ContractorKind kind) {
   if (way == 1) {
     code = ContractorDbfExport(kind, file, DbfCodePage::kAsIs, count);
   } else {
-    const int16_t page = PickList(1, 1, 1, 0, 0, "Jak importować polskie znaki z pliku DBASE:"_mz,
-                                  "bez zmian@DOS Latin 2@Windows Europa Centralna@ISO 8859-2"_mz, ch, scan);
-    if (page == 0) return;
+    DbfCodePage page = DbfCodePage::kAsIs;
+    if (!contractors_detail::AskDbfImportPage(page)) return;
+    unsigned char ch = 0, scan = 0;
     const int16_t mode = PickList(1, 1, 1, 0, 0, "Wybierz sposób dopisywania do katalogu:"_mz,
                                   "tylko wtedy, gdy inny jest numer kontrahenta@jw., z tworzeniem nowych, jeśli numer istnieje@wszystkich dopisać, jako nowych"_mz,
                                   ch, scan);
     if (mode == 0) return;
-    code = ContractorDbfImport(kind, file, static_cast<DbfCodePage>(page - 1), static_cast<DbfImportMode>(mode), count);
+    code = ContractorDbfImport(kind, file, page, static_cast<DbfImportMode>(mode), count);
   }
   if (code != 0) MessageBox(DbfErrorText(code), 0);
 }
@@ -327,6 +329,28 @@ void EditFkSymbol(ContractorKind kind, int32_t number) {
     MessageBox("Kontrahent zniknął ?!@Zmiana nie jest możliwa."_mz, 0);
 }
 
+// The function keys of the list on the bottom row of the screen (the keeper of the list puts the row back).
+void ShowKeyLine() {
+  Window(1, 1, kScreenCols, kScreenRows);
+  TextAttr(kAttrPrompt);
+  WriteAt(1, kScreenRows, PadRight("╫ç-należn. ╫ë-dokumenty ╫è-druk ╫ï-do/z DBF"_mz, " ", kScreenCols - 1));
+}
+
+// The keys that lead out of the list to another screen; true when the key was one of them.
+bool RunOuterKey(ContractorKind kind, KeyPair key, int32_t number) {
+  const unsigned char code = KeyCodeOf(key);
+  const ContractorDocumentHooks& hooks = ContractorDocumentHooksNow();
+  if (code == kF5) return PrintContractorCatalogue(kind), true;
+  if (code == kF7 && kind == ContractorKind::kWarehouse) return MarkMergedWarehouses(), true;
+  if (number == 0 || !(code == kF2 || code == kF3 || code == kF4 || code == kF7 || key == kCtrlF3)) return false;
+  if (key == kCtrlF3 && kind == ContractorKind::kWarehouse) (void)EditWarehousePrintData(number);
+  else if (key == kCtrlF3) (void)EditContractorNote(kind, number);
+  else if (code == kF3) EditFkSymbol(kind, number);
+  else if (code == kF7) (void)LinkContractorToWarehouse(kind, number);
+  else if (ContractorDocumentFn fn = code == kF2 ? hooks.receivables : hooks.documents) fn(kind, number);
+  return true;
+}
+
 ListEnd Browse(ContractorKind kind, const ShortText& title, bool choosing, ListState& state) {
   BoxKeeper keeper;
   ListScreen list(kind, state);
@@ -335,6 +359,7 @@ ListEnd Browse(ContractorKind kind, const ShortText& title, bool choosing, ListS
     MessageBox(EmptyListText(kind), 0);
     return ListEnd{};
   }
+  ShowKeyLine();
   ShortText text = PadRight(title, " ", kColumns.Length()) + "@" + kColumns;
   for (int i = 0; i <= kVisibleRows; ++i) text += '@';
   MessageBox(text, 2);
@@ -357,8 +382,8 @@ ListEnd Browse(ContractorKind kind, const ShortText& title, bool choosing, ListS
                                             : FragmentField::kNip);
       continue;
     }
-    if (code == kF3 && number != 0) {
-      EditFkSymbol(kind, number);
+    if (RunOuterKey(kind, key, number)) {
+      list.Reload();
       continue;
     }
     if (code == kF6) {
@@ -415,9 +440,8 @@ bool MergeWarehouseSelection(std::vector<int32_t>& marks) {
   state.order = ListOrder::kNumber;
   ListScreen list(ContractorKind::kWarehouse, state, &chosen);
   list.Reload();
-  ShortText text =
-      PadRight("Podaj, czy dodawać stan tego magazynu do widocznego w opcji `Wprowadzanie\":"_mz, " ", kColumns.Length()) +
-      "@" + kColumns;
+  // The title is wider than the columns: the box takes its width.
+  ShortText text = "Podaj, czy dodawać stan tego magazynu do widocznego w opcji `Wprowadzanie\":"_mz + "@" + kColumns;
   for (int i = 0; i <= kVisibleRows; ++i) text += '@';
   MessageBox(text, 2);
   for (;;) {
@@ -447,10 +471,12 @@ int32_t ChooseContractor(ContractorKind kind, ChoosePurpose purpose) {
 void ContractorCataloguesMenu() {
   CheckDBError(ContractorTablesEnsure());
   unsigned char ch = 0, scan = 0;
-  const int16_t choice = PickList(1, 1, 1, 0, 0, ShortText(), "odbiorcy@dostawcy@magazyny"_mz, ch, scan);
+  const int16_t choice = PickList(1, 1, 1, 0, 0, ShortText(),
+                                  "odbiorcy@dostawcy@magazyny@kasowanie odbiorców, z którymi nie ma obrotów"_mz, ch, scan);
   if (choice == 1) ContractorCatalogue(ContractorKind::kCustomer);
   if (choice == 2) ContractorCatalogue(ContractorKind::kSupplier);
   if (choice == 3) ContractorCatalogue(ContractorKind::kWarehouse);
+  if (choice == 4) (void)DeleteCustomersWithoutTurnover();
 }
 
 bool ChooseCurrentWarehouse(bool atStart, int32_t& number, bool& special) {

@@ -24,13 +24,17 @@ enum class ChoosePurpose : uint8_t {
 // NIP, telephones and registration number from the bar on; a digit opens the
 // search by number and a letter goes to the first name (in a town order, the
 // first town) that starts with it; Shift+Tab changes the order (name,
-// number, and the three towns); F3 edits the FK symbol, F6 exchanges the
-// catalogue with a dBASE file; Esc ends.
+// number, and the three towns); F2 and F4 run the receivables and the
+// documents of master/contractor_hooks.h, F3 edits the FK symbol and
+// Ctrl+F3 the note, F5 prints the catalogue, F6 exchanges it with a dBASE
+// file, F7 links a customer or supplier to a warehouse (in the warehouses,
+// marks those added to the stock of the entry); Esc ends.
 void ContractorCatalogue(ContractorKind kind);
 // ChooseContractor: the same list for choosing one; Enter gives its number,
 // Esc 0. Ins still adds.
 int32_t ChooseContractor(ContractorKind kind, ChoosePurpose purpose);
-// The menu entry of the three catalogues: which one, then its list.
+// The menu entry of the three catalogues: which one, then its list; a
+// fourth choice deletes the customers without turnover.
 void ContractorCataloguesMenu();
 
 // AddContractor: the form titled "Dopisanie nowego" and the kind; true when a row was added.
@@ -65,3 +69,22 @@ bool ToggleWarehouseMark(std::vector<int32_t>& marks, int32_t number);
 // one under the bar (a "*" before it) for the stock added to the one shown in
 // the entry; Enter gives the marks back in marks, Esc leaves them as they were.
 bool MergeWarehouseSelection(std::vector<int32_t>& marks);
+
+// The note of a contractor: a text file in dane\notatki named after the catalogue and the number.
+ShortText ContractorNotePath(ContractorKind kind, int32_t number);
+// Ctrl+F3: the note in the editor under "Edycja notatki:"; true when written back.
+// In the warehouses Ctrl+F3 edits the warehouse's printing data instead.
+bool EditContractorNote(ContractorKind kind, int32_t number);
+// The text printed for a warehouse on invoices and issues: nazwa_ma in its folder.
+ShortText WarehousePrintDataPath(int32_t warehouse);
+// Its editor; "Zapis danych magazynu nie powiódł się." when it cannot be written. True when written.
+bool EditWarehousePrintData(int32_t warehouse);
+// F7 of customers and suppliers: a warehouse chosen, then LinkWarehouseAsked.
+bool LinkContractorToWarehouse(ContractorKind kind, int32_t contractor);
+// The warehouses the current user adds to the stock shown in the entry: the
+// file magsum.txt in his directory, one number a line (bad lines skipped).
+ShortText MergedWarehousesPath();
+std::vector<int32_t> ReadMergedWarehouses();
+// F7 of the warehouses: MergeWarehouseSelection over the stored marks,
+// stored again on Enter; true when stored.
+bool MarkMergedWarehouses();

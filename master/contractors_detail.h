@@ -73,6 +73,10 @@ ListKey KeyOf(const Contractor& row, bool inclusive);
 // the limit, so no read grows with the catalogue.
 [[nodiscard]] int16_t ListRead(ContractorKind kind, ListOrder order, const ListKey& from, bool forward, int limit,
                                const std::string& condition, std::vector<Contractor>& rows);
+// Every row meeting the SQL condition (none: all), the tail (ORDER BY,
+// LIMIT) added as it is; NULL columns read as empty texts and 0.
+[[nodiscard]] int16_t SelectRows(ContractorKind kind, const std::string& condition, const std::string& tail,
+                                 std::vector<Contractor>& rows);
 // The SQL condition of a search by a fragment: the name (letters compared
 // as capitals, Polish ones folded here since the server's upper() may not),
 // the telephones, the registration number, or the NIP with its dashes and
@@ -89,6 +93,17 @@ std::string SqlText(const ShortText& text);
 // value as it comes; false on Esc. The value comes back without the fill
 // and the blanks around it.
 bool AskOnDashes(const ShortText& text, ShortText& value);
+
+// Writes the bytes over the file whole or not at all (beside it, then
+// renamed), making its directory first; false on a failure.
+bool WriteWhole(const ShortText& path, const std::string& bytes);
+// A failed export: the file closed and removed, so that no half file stays
+// under the name; gives the code back.
+int AbandonDbf(DbfFile& file, const ShortText& fileName, int code);
+// The way of an exchange with a dBASE file: 1 export, 2 import, 0 Esc.
+int16_t AskDbfWay();
+// "Jak importować polskie znaki z pliku DBASE:"; false on Esc.
+bool AskDbfImportPage(DbfCodePage& page);
 
 // Ends with CheckDBError unless the code is 0 or one of the two accepted ones.
 int16_t Checked(int16_t code, int16_t acceptedA = 0, int16_t acceptedB = 0);

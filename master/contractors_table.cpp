@@ -1,4 +1,5 @@
 // The open catalogue, its lock and the row <-> buffer copies.
+#include "base/mazovia.h"
 #include "base/numbers.h"
 #include "base/text.h"
 #include "master/contractors_detail.h"
@@ -8,6 +9,7 @@
 #include "sqltable/pgrecord.h"
 #include "tui/editfield.h"
 #include "tui/msgbox.h"
+#include "tui/picklist.h"
 
 namespace contractors_detail {
 
@@ -68,6 +70,20 @@ bool AskOnDashes(const ShortText& text, ShortText& value) {
   EditField(1, 1, '-', width, value, key);
   value = TrimBoth(TrimRightAll(TrimRightAll(value, '-'), ' '), ' ');
   return key != 27;
+}
+
+int16_t AskDbfWay() {
+  unsigned char ch = 0, scan = 0;
+  return PickList(1, 1, 1, 0, 0, ShortText(), "eksport do pliku DBASE@import z pliku DBASE"_mz, ch, scan);
+}
+
+bool AskDbfImportPage(DbfCodePage& page) {
+  unsigned char ch = 0, scan = 0;
+  const int16_t choice = PickList(1, 1, 1, 0, 0, "Jak importować polskie znaki z pliku DBASE:"_mz,
+                                  "bez zmian@DOS Latin 2@Windows Europa Centralna@ISO 8859-2"_mz, ch, scan);
+  if (choice == 0) return false;
+  page = static_cast<DbfCodePage>(choice - 1);
+  return true;
 }
 
 int16_t Checked(int16_t code, int16_t acceptedA, int16_t acceptedB) {

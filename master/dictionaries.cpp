@@ -3,6 +3,7 @@
 
 #include <iterator>
 
+#include "base/codepage.h"
 #include "base/mazovia.h"
 #include "base/numbers.h"
 #include "base/text.h"
@@ -142,6 +143,30 @@ int16_t DictionaryRead(const ShortText& path, std::vector<DictionaryEntry>& rows
   }
   if (rec != 0) (void)PGRecBufClose(rec);
   if (tbl != 0) (void)PGTblClose(tbl);
+  return code;
+}
+
+int16_t DictionaryCount(const ShortText& path, int64_t& count) {
+  count = 0;
+  PGResult res;
+  const int16_t code = PGRunQueryWithTup("SELECT count(*) FROM " + PGSqlName(path).Str(), res);
+  if (code == 0 && res.Rows() == 1) count = static_cast<int64_t>(TextToRealLoose(ShortText(res.Value(0, 0))));
+  return code;
+}
+
+int16_t DictionaryReadFrom(const ShortText& path, const ShortText& start, int limit,
+                           std::vector<DictionaryEntry>& rows) {
+  rows.clear();
+  std::string bytes = start.Str();
+  MazToDbInPlace(bytes.data(), bytes.size());
+  PGResult res;
+  const int16_t code = PGRunQueryWithTup("SELECT indeks, opis, czy_byl_obrot FROM " + PGSqlName(path).Str() +
+                                             " WHERE indeks >= " + PGValueLiteral(PGKind::Text, bytes) +
+                                             " ORDER BY indeks LIMIT " + std::to_string(limit),
+                                         res);
+  for (int r = 0; code == 0 && r < res.Rows(); ++r)
+    rows.push_back({DbToMaz(ShortText(res.Value(r, 0))), DbToMaz(ShortText(res.Value(r, 1))),
+                    DbToMaz(ShortText(res.Value(r, 2)))});
   return code;
 }
 

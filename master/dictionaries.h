@@ -12,6 +12,7 @@
 
 #include "base/real.h"
 #include "base/shorttext.h"
+#include "exchange/dbf/dbf.h"
 
 // One dictionary of the "Inne katalogi" list: its list title and its table.
 struct DictionaryDef {
@@ -49,6 +50,11 @@ ShortText DictionaryDeleteRefusal(const ShortText& path, const DictionaryEntry& 
 [[nodiscard]] int16_t DictionaryEnsure(const ShortText& path);
 // Every row in key order.
 [[nodiscard]] int16_t DictionaryRead(const ShortText& path, std::vector<DictionaryEntry>& rows);
+// The number of rows.
+[[nodiscard]] int16_t DictionaryCount(const ShortText& path, int64_t& count);
+// Up to limit rows in key order from the first whose key is not below start.
+[[nodiscard]] int16_t DictionaryReadFrom(const ShortText& path, const ShortText& start, int limit,
+                                         std::vector<DictionaryEntry>& rows);
 
 enum class DictionaryOutcome : uint8_t {
   kDone,
@@ -95,6 +101,14 @@ Real KmRateFor(int32_t day, bool quiet);
 // the value and "=", with turnover; under the dictionary's lock. kPGBadArgument
 // (the layer's code) for a field that is no text column of the catalogue.
 [[nodiscard]] int16_t RebuildDictionaryFromCatalogue(const ShortText& field);
+
+// Writes every row to a new dBASE file (INDEKS, OPIS, CZY_BYL_OB), whole or
+// not at all; 0 or a code of the DBF layer.
+[[nodiscard]] int DictionaryDbfExport(const ShortText& path, const ShortText& fileName, DbfCodePage codePage,
+                                      int64_t& written);
+// Adds the live records of the file whose key is not on the list yet; 0 or a code of the DBF layer.
+[[nodiscard]] int DictionaryDbfImport(const ShortText& path, const ShortText& fileName, DbfCodePage codePage,
+                                      int64_t& added);
 
 // The place of the first row whose key starts with the text, capitals
 // compared; -1 when none.

@@ -2,7 +2,8 @@
 // the System Manager's entry, the menu bar after the start, every heading by its function key and by Left and Right, the
 // lists and the explanation line checked against the texts, one entry that
 // is not built yet, the users' list, and Esc that ends the program and the
-// session. Also the end after a failed connection.
+// session. Also the end after a failed connection, and the number register
+// that the start lends the other catalogues.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -226,6 +227,24 @@ TEST_F(KloteE2eTest, CustomerCatalogueAddAndFindByName) {
   std::string out;
   ASSERT_TRUE(Psql("SELECT numer || ':' || nazwa || ':' || miasto FROM dane_odbiorcy", &out)) << out;
   EXPECT_EQ(out, "1:Zakład Żółć:Łódź\n");
+}
+
+}  // namespace
+
+namespace {
+
+// "Inne katalogi" of the real program ends with the register of document
+// numbers, lent at the start: with common numbering off it refuses.
+TEST_F(KloteE2eTest, OtherCataloguesOfferTheNumberRegister) {
+  Start(Db().home);
+  LogInAsManager();
+  ASSERT_TRUE(ShowsHeading(kHeadings[0])) << Joined(Rows());
+  Keys("F6 3");
+  ASSERT_TRUE(WaitForText("katalog numerów dokumentów")) << Joined(Rows());
+  Keys("End Enter");
+  ASSERT_TRUE(WaitForText("Opcje wspólnej numeracji dokumentów sa wylaczone.")) << Joined(Rows());
+  Keys("Enter Escape Escape");
+  EXPECT_TRUE(WaitForText("KLOTE-END")) << Joined(Rows());
 }
 
 }  // namespace

@@ -1,0 +1,206 @@
+// The keys of the contractor list that lead out of it, and the printed
+// catalogues, by keys on the real server: a print taken to a file is checked
+// byte for byte against the text built here from the test's own rows.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "contractors_fixture.h"
+#include "master/catalogue_print.h"
+#include "master/contractor_screens.h"
+#include "master/dictionaries.h"
+#include "master/dictionary_screens.h"
+#include "base/paths.h"
+#include "tui/keyboard.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using keys::kEnter;
+using keys::kEsc;
+const KeyPair kYes = KeyOfByte('T'), kNo = KeyOfByte('N');
+
+std::string FileBytes(const fs::path& path) {
+  std::ifstream in(path, std::ios::binary);
+  std::ostringstream all;
+  all << in.rdbuf();
+  return all.str();
+}
+
+std::vector<KeyPair> Repeat(KeyPair key, int times) { return std::vector<KeyPair>(static_cast<std::size_t>(times), key); }
+
+// The destination "do pliku do wydruku", the name typed over the proposal, Mazovia.
+std::vector<KeyStep> ToFile(const char* name) {
+  return {{{KeyOfByte('3')}}, {Typed(ShortText(name), {kEnter}), [] {
+             for (int i = 0; i < 12; ++i) (void)PushKey(keys::kBackspace.ch, keys::kBackspace.scan);
+           }},
+          {{KeyOfByte('1')}}};
+}
+
+struct Row {
+  int32_t number;
+  ShortText name, town, nip, vat;
+};
+
+class CatalogueKeys : public ContractorsTest {
+ protected:
+  void SetUp() override {
+    ContractorsTest::SetUp();
+    for (const Row& r : rows_) {
+      Contractor c = Named(r.name, r.town);
+      c.number = r.number;
+      c[KontrahentCol::nip] = r.nip;
+      c[KontrahentCol::czy_podmiot_gosp] = r.vat;
+      c.discount = r.number == 3 ? 2.5L : 0;
+      ASSERT_EQ(ContractorAdd(ContractorKind::kCustomer, c, NumberRange{}), ContractorOutcome::kDone);
+    }
+  }
+  // The print of customers as this test lays it out: the heading and a blank
+  // line, then 15 lines a row, lines ending in CR LF.
+  static std::string Expected(const std::vector<Row>& rows) {
+    const std::string heading = "Katalog odbiorców"_mz.Str() + "\r\n\r\n";
+    std::string out = heading;
+    int onPage = 0;
+    for (const Row& r : rows) {
+      if (onPage++ == 3) out += "\f" + heading, onPage = 1;  // 2 + 3 * 15 lines of 60
+
+      const std::string vat = r.vat == ShortText("N") ? " [nie jest płatnikiem VAT]"_mz.Str() : " [jest płatnikiem VAT]"_mz.Str();
+      for (const std::string& line :
+           {"Nazwa: " + r.name.Str(), std::string("Nazwa, inne: "), "Numer: " + std::to_string(r.number) + vat,
+            "Adres: " + r.town.Str(), "NIP: " + r.nip.Str(), std::string("REGON: "), std::string("PESEL: "),
+            "NUMER REJ.DZIAŁALNOŚCI: "_mz.Str(), std::string("Konto: "), std::string("Symb.FK: "),
+            std::string("Telefony: "), std::string("e-mail: "), std::string("Adres do korespondencji: "),
+            std::string(r.number == 3 ? "rabat: 2.50" : "rabat: 0.00"), std::string(79, '-')})
+        out += line + "\r\n";
+    }
+    return out;
+  }
+  const std::vector<Row> rows_ = {{1, ShortText("Kowalski"), ShortText("Radom"), ShortText("796-000-11-22"), ShortText("T")},
+                                  {2, "Zakład Żółć"_mz, ShortText("Kielce"), ShortText(""), ShortText("N")},
+                                  {3, ShortText("Nowak"), ShortText("Radom"), ShortText(""), ShortText("T")},
+                                  {4, ShortText("Adamski"), ShortText("Radom"), ShortText(""), ShortText("T")}};
+};
+
+// F5: the range, the towns and the sort as asked; the file holds exactly those rows.
+TEST_F(CatalogueKeys, PrintOfTheCatalogueToAFile) {
+  const KeyPair bs = keys::kBackspace;
+  struct Case {
+    const char* what;
+    std::vector<KeyStep> ask;  // after F5, up to the destination dialog
+    std::vector<int> rows;     // indexes into rows_, in print order
+  };
+  const Case cases[] = {
+      {"every number, every town, by number", {{{kEnter, kEnter}}, {{kNo}}, {{KeyOfByte('2')}}}, {0, 1, 2, 3}},
+      {"numbers 2 to 3 in Radom, by name",
+       {{{bs, KeyOfByte('2'), kEnter}}, {Repeat(bs, 10)}, {{KeyOfByte('3'), kEnter}}, {{kYes}}, {{keys::kDown, kEnter}},
+        {{kEsc}}, {{KeyOfByte('1')}}},
+       {2}},
+  };
+  for (const Case& c : cases) {
+    std::vector<KeyStep> steps{{{keys::F(5)}}};
+    steps.insert(steps.end(), c.ask.begin(), c.ask.end());
+    for (KeyStep& s : ToFile("kat.txt")) steps.push_back(s);
+    steps.push_back({{kEsc}});
+    Play(steps);
+    ContractorCatalogue(ContractorKind::kCustomer);
+    std::vector<Row> expected;
+    for (int i : c.rows) expected.push_back(rows_[static_cast<std::size_t>(i)]);
+    EXPECT_EQ(FileBytes("kat.txt"), Expected(expected)) << c.what;
+    EXPECT_TRUE(Shown("Czy chcesz ograniczyć zestawienie do odbiorców z wybranych miast ?"_mz)) << c.what;
+    EXPECT_TRUE(Shown("Posortować wydruk według:"_mz)) << c.what;
+  }
+}
+
+// F2 and F4 without registered functions do nothing; the list goes on, its keys on the bottom row.
+TEST_F(CatalogueKeys, DocumentKeysWithoutFunctionsDoNothing) {
+  Play({{{keys::F(2), keys::F(4), keys::kDown, keys::kDel}}, {{kNo}}, {{kEsc}}});
+  ContractorCatalogue(ContractorKind::kCustomer);
+  EXPECT_TRUE(Shown("Na pewno kasować ?"_mz));  // the Del after them reached the list
+  EXPECT_TRUE(Shown("╫ç-należn. ╫ë-dokumenty ╫è-druk ╫ï-do/z DBF"_mz));
+}
+
+// Ctrl+F3 keeps a customer's note in its file, which goes with the row, and
+// a warehouse's printing data.
+TEST_F(CatalogueKeys, CtrlF3KeepsTheNoteAndTheWarehousesPrintingData) {
+  Contractor w = Named(ShortText("Sklep"));
+  ASSERT_EQ(ContractorAdd(ContractorKind::kWarehouse, w, NumberRange{}, true), ContractorOutcome::kDone);
+  const struct {
+    ContractorKind kind;
+    ShortText path, title;  // the bar's row: Adamski (4), the one warehouse
+  } cases[] = {{ContractorKind::kCustomer, ContractorNotePath(ContractorKind::kCustomer, 4), "Edycja notatki:"_mz},
+               {ContractorKind::kWarehouse, WarehousePrintDataPath(w.number),
+                "Edycja danych magazynu umieszczanych na fakturach i wydaniach towaru"_mz}};
+  for (const auto& c : cases) {
+    Play({{{KeyPair{0, 96}}}, {Typed(ShortText("pilne"), {keys::F(10)})}, {{kEsc}}});
+    ContractorCatalogue(c.kind);
+    EXPECT_TRUE(Shown(c.title));
+    EXPECT_EQ(FileBytes(PathToUnix(c.path).Str()), "pilne\n");
+  }
+  Play({{{kYes}}});
+  ASSERT_TRUE(DeleteContractor(ContractorKind::kCustomer, 4));
+  EXPECT_FALSE(fs::exists(PathToUnix(cases[0].path).Str()));
+}
+
+// F7: a customer linked to a chosen warehouse; in the warehouses, the marks stored.
+TEST_F(CatalogueKeys, F7LinksAWarehouseAndStoresMarks) {
+  for (int32_t n : {10, 20}) {
+    Contractor w = Named(ShortText("Mag ") + ShortText(std::to_string(n)));
+    w.number = n;
+    ASSERT_EQ(ContractorAdd(ContractorKind::kWarehouse, w, NumberRange{}, true), ContractorOutcome::kDone);
+  }
+  Play({{{keys::F(7)}}, {{keys::kDown, kEnter}}, {{kEsc}}});
+  ContractorCatalogue(ContractorKind::kCustomer);
+  EXPECT_EQ(Scalar("SELECT string_agg(nr_kon || '>' || nr_mag, ',') FROM dane_odb_mag_"), "4>20");
+  Play({{{keys::F(7)}}, {{KeyOfByte(' '), keys::kDown, KeyOfByte(' '), kEnter}}, {{kEsc}}});
+  ContractorCatalogue(ContractorKind::kWarehouse);
+  EXPECT_EQ(ReadMergedWarehouses(), (std::vector<int32_t>{10, 20}));
+  std::ofstream(PathToUnix(MergedWarehousesPath()).Str()) << "7\nx\n-3\n12abc\n7\n2147483648\n9\n";
+  EXPECT_EQ(ReadMergedWarehouses(), (std::vector<int32_t>{7, 9}));  // bad and repeated lines skipped
+  EXPECT_TRUE(Shown("Podaj, czy dodawać stan tego magazynu do widocznego w opcji `Wprowadzanie\":"_mz));
+}
+
+// The catalogues menu's fourth row deletes the customers no document names.
+TEST_F(CatalogueKeys, MenuRowDeletesCustomersWithoutTurnover) {
+  Play({{{KeyOfByte('4')}}, {{kYes}}, {{kYes}}, {{kNo}}});
+  ContractorCataloguesMenu();
+  EXPECT_TRUE(Shown("Czy na pewno chcesz skasować odbiorców, z którymi nie ma obrotów ?"_mz));
+  EXPECT_EQ(Rows(ContractorKind::kCustomer), "");
+}
+
+// F5 of a dictionary prints its rows.
+TEST_F(CatalogueKeys, DictionaryPrint) {
+  const ShortText path("dane\\pola_ind\\komentar");
+  ASSERT_EQ(DictionaryEnsure(path), 0);
+  ASSERT_EQ(DictionaryAdd(path, {ShortText("A1"), "pilne zlecenie"_mz, ShortText("T")}), DictionaryOutcome::kDone);
+  ASSERT_EQ(DictionaryAdd(path, {ShortText("B2"), ShortText("zwykle"), ShortText("")}), DictionaryOutcome::kDone);
+  std::vector<KeyStep> steps{{{keys::F(5)}}};
+  for (KeyStep& s : ToFile("slow.txt")) steps.push_back(s);
+  steps.push_back({{kEsc}});
+  Play(steps);
+  ShortText unused;
+  EXPECT_FALSE(DictionaryList(ShortText("komentarze"), path, false, unused));
+  std::string expected = "Katalog komentarze\r\n\r\n";
+  expected += "A1              | pilne zlecenie" + std::string(36, ' ') + " | T\r\n";
+  expected += "B2              | zwykle" + std::string(44, ' ') + " | N\r\n";
+  EXPECT_EQ(FileBytes("slow.txt"), expected);
+
+}
+
+// Pages of 4 lines: the heading and two values each; a full page opens no empty one.
+TEST(CataloguePages, FullPagesAndTheEmptyPrint) {
+  const std::string head = "Katalog x\r\n\r\n";
+  const auto row = [](char k) { return std::string(1, k) + std::string(14, ' ') + " | " + std::string(50, ' ') + " | N\r\n"; };
+  const struct {
+    std::string keys, expected;
+  } cases[] = {{"", head}, {"ab", head + row('a') + row('b')}, {"abc", head + row('a') + row('b') + "\f" + head + row('c')}};
+  for (const auto& c : cases) {
+    std::vector<DictionaryEntry> rows;
+    for (char k : c.keys) rows.push_back({ShortText(std::string(1, k)), ShortText(), ShortText("N")});
+    EXPECT_EQ(FormatDictionaryCatalogue(ShortText("x"), rows, 4), c.expected) << c.keys;
+  }
+}
+
+}  // namespace
