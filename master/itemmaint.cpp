@@ -100,17 +100,9 @@ int16_t StockCondition(std::string& out) {
 }
 
 std::string CatalogueSet(const ItemData& item) {
-  std::string set = "nazwa=" + SqlText(item.name) + ",nazwa_=" + SqlText(item.name2) + ",cena_z_n=" +
-                    NumberText(item.buyNet) + ",cena_z_b=" + NumberText(item.buyGross) + ",vat=" + SqlText(item.vat) +
-                    ",sww=" + SqlText(item.sww) + ",czy_od_pl_vat=" + SqlText(item.vatPayer) +
-                    ",indeks_znakowy_isbn=" + SqlText(item.code) +
-                    ",indeks_numeryczny=" + std::to_string(item.digitIndex) + ",dostawca=" +
-                    std::to_string(item.supplier) + ",miejsce_w_magazynie=" + SqlText(item.place);
-  static const char* const keys[5] = {"k1_pochodzenie_autor", "k2_wydawca", "k3_grupa_tow", "k4", "k5"};
-  for (int k = 0; k < 5; ++k) set += std::string(",") + keys[k] + "=" + SqlText(item.keys[k]);
-  return set + ",cena_s_n=" + NumberText(item.saleNet) + ",cena_s_b=" + NumberText(item.saleGross) +
-         ",jednostka=" + SqlText(item.unit) + ",ilosc_w_opak=" + NumberText(item.packQuantity) +
-         ",dostawca_opis=" + SqlText(item.supplierText) + ",blok_rab=" + std::to_string(item.discountLock);
+  return items_detail::DescriptiveSet(item) + ",cena_z_n=" + NumberText(item.buyNet) + ",cena_z_b=" +
+         NumberText(item.buyGross) + ",cena_s_n=" + NumberText(item.saleNet) + ",cena_s_b=" +
+         NumberText(item.saleGross) + ",blok_rab=" + std::to_string(item.discountLock);
 }
 
 // Another row with the same key (names, vat, sww, VAT-payer text, purchase prices) or the same character index.
@@ -183,6 +175,7 @@ int16_t ItemEdit(const ItemData& item, ItemPriceScope scope, int32_t warehouse, 
     if (const int16_t code = PGRunQueryNoTup("UPDATE " + kKat + " SET " + CatalogueSet(item) +
                                              " WHERE nr_wewn=" + std::to_string(item.number)))
       return code;
+    if (const int16_t code = ItemWalkUserTables(stored, item, report)) return code;
   }
   std::vector<int32_t> numbers;
   if (scope == ItemPriceScope::kEverywhere) {

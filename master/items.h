@@ -119,8 +119,9 @@ bool AmountInRange(Real value);
 enum class ItemPriceScope : uint8_t { kWarehouse = 1, kCatalogueAndWarehouse = 2, kEverywhere = 3 };
 // Sets an item's gross sale price (net through its VAT group) in the scope:
 // the current warehouse's stock row (added with quantity 0 when missing),
-// and the catalogue, and every warehouse of dane\magazyny marked Z. found
-// false when the item is gone; a refusal leaves everything as it was.
+// and the catalogue (with the users' tables, ItemWalkUserTables), and every
+// warehouse of dane\magazyny marked Z. found false when the item is gone; a
+// refusal leaves everything as it was.
 [[nodiscard]] int16_t ItemChangeSalePrice(int32_t number, Real gross, ItemPriceScope scope, int32_t warehouse,
                                           bool& found, ShortText& refusal);
 
@@ -132,11 +133,17 @@ bool ItemKeyChanged(const ItemData& before, const ItemData& after);
 // Writes a changed item in the scope: the current warehouse's sale prices
 // only; or the whole catalogue row and those prices; or the row and the
 // sale prices of every warehouse. A changed key goes into the lines of
-// goods documents of every warehouse. A row that would repeat another's key
+// goods documents of every warehouse; a change of the catalogue row goes
+// into the users' work tables and work files (ItemWalkUserTables). A row that would repeat another's key
 // or character index is refused; found false when the item is gone; on any
 // refusal or failure nothing is written.
 [[nodiscard]] int16_t ItemEdit(const ItemData& item, ItemPriceScope scope, int32_t warehouse,
                                const ItemWalkReport& report, bool& found, ShortText& refusal);
+// Carries a changed item into every user's praca___ and plikrob_: their
+// rows of the item take its names, VAT group, indexes and the other
+// descriptive columns; a row's price pair follows only when it held the
+// catalogue's old pair (a price of the row's own stays). Told per table.
+[[nodiscard]] int16_t ItemWalkUserTables(const ItemData& before, const ItemData& after, const ItemWalkReport& report);
 // Deletes an item with its stock rows. An item with lines in any warehouse,
 // or stock held or ordered, stays (hadTurnover), only its empty stock rows go.
 [[nodiscard]] int16_t ItemDelete(int32_t number, bool& found, bool& hadTurnover);
