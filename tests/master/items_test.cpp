@@ -1,8 +1,6 @@
 // The item catalogue and the stock lists on the real server: the rules of
 // new items, prices, stock changes against sums the test keeps itself, the
 // grouped view, the list's pages, and the screen driven by keys.
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cmath>
@@ -372,20 +370,9 @@ TEST_F(ItemsTest, TheListReadsPagesInNameOrderUnderItsFilters) {
   EXPECT_EQ(flat(pages({ItemListStock::kNonZero, true, true}, true)), expect([](int i) { return i % 3 && i % 5; }));
 }
 
-// Another process, with its own connection, deletes an item.
+// Another process (psql, with its own connection) deletes an item.
 void DeleteElsewhere(int32_t number) {
-  const pid_t pid = fork();
-  if (pid == 0) {
-    PGConn = nullptr;
-    PGConnected = false;
-    PGTransDepth = 0;
-    const bool ok = PGSetDefaults() == 0 &&
-                    PGRunQueryNoTup("DELETE FROM dane_kat_tow_ WHERE nr_wewn=" + std::to_string(number)) == 0;
-    _exit(ok ? 0 : 1);
-  }
-  int status = -1;
-  waitpid(pid, &status, 0);
-  ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+  ASSERT_TRUE(DbTest::Psql("DELETE FROM dane_kat_tow_ WHERE nr_wewn=" + std::to_string(number)));
 }
 
 TEST_F(ItemsTest, TheScreenFindsByNameAndIndexAndChangesAPrice) {
