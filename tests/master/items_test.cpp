@@ -370,11 +370,6 @@ TEST_F(ItemsTest, TheListReadsPagesInNameOrderUnderItsFilters) {
   EXPECT_EQ(flat(pages({ItemListStock::kNonZero, true, true}, true)), expect([](int i) { return i % 3 && i % 5; }));
 }
 
-// Another process (psql, with its own connection) deletes an item.
-void DeleteElsewhere(int32_t number) {
-  ASSERT_TRUE(DbTest::Psql("DELETE FROM dane_kat_tow_ WHERE nr_wewn=" + std::to_string(number)));
-}
-
 TEST_F(ItemsTest, TheScreenFindsByNameAndIndexAndChangesAPrice) {
   for (const char* name : {"BULKA", "CHLEB", "DROZDZE", "MAKA", "MLEKO", "SER"}) Add(Item(name), 2);
   ItemData milk;
@@ -398,7 +393,11 @@ TEST_F(ItemsTest, TheScreenFindsByNameAndIndexAndChangesAPrice) {
   // An item deleted by another process while the list shows it.
   gScreens.clear();
   const int32_t ser = milk.number + 1;
-  Play({Keys("", {keys::kEnd}), [ser] { DeleteElsewhere(ser); (void)PushKey(13, 28); }, Keys("", {keys::kEnter})});
+  Play({Keys("", {keys::kEnd}), [ser] {
+    // Another process (psql, with its own connection) deletes the item.
+    EXPECT_TRUE(Psql("DELETE FROM dane_kat_tow_ WHERE nr_wewn=" + std::to_string(ser)));
+    (void)PushKey(13, 28);
+  }, Keys("", {keys::kEnter})});
   ItemCatalogue(kWarehouse);
   EXPECT_TRUE(Shown("SER\"")) ;
   EXPECT_TRUE(Shown("został usunięty z katalogu przez innego użytkownika."_mz));
