@@ -229,3 +229,79 @@ TEST_F(KloteE2eTest, CustomerCatalogueAddAndFindByName) {
 }
 
 }  // namespace
+
+namespace {
+
+// The goods walks run on the demo firm, made by tools/demo-firm in the test's own schema.
+class KloteGoodsE2eTest : public KloteE2eTest {
+ protected:
+  void SetUp() override {
+    KloteE2eTest::SetUp();
+    if (IsSkipped()) return;
+    const char* options = std::getenv("PGOPTIONS");
+    const std::string demo = "cd " + Db().home + " && HOME=" + Db().home + " PGOPTIONS='" + (options ? options : "") +
+                             "' " KLOTE_BINARY_DIR "/tools/demo-firm/demo-firm >/dev/null";
+    ASSERT_EQ(std::system(demo.c_str()), 0);
+  }
+  // The manager logs in and takes the first warehouse; the bar of Towary is up.
+  void StartInFirstWarehouse() {
+    Start(Db().home);
+    LogInAsManager();
+    ASSERT_TRUE(WaitForText("Wybierz magazyn, na którego konto wprowadzać będziesz dane:")) << Joined(Rows());
+    Keys("Enter");
+    ASSERT_TRUE(ShowsHeading(kHeadings[0])) << Joined(Rows());
+  }
+  static std::string One(const std::string& sql) {
+    std::string out;
+    EXPECT_TRUE(Psql(sql, &out)) << out;
+    if (!out.empty() && out.back() == '\n') out.pop_back();
+    return out;
+  }
+};
+
+// The catalogue from the menu: an item found by the start of its name, another
+// by its character index (the search by any field), its price changed in the
+// catalogue and the warehouse, and the way out; the database then holds the price.
+TEST_F(KloteGoodsE2eTest, CatalogueFindsByNameAndCodeAndChangesAPrice) {
+  const std::string bread = "nazwa='Chleb żytni' AND nazwa_='Mazowiecki'";
+  const std::string number = One("SELECT nr_wewn FROM dane_kat_tow_ WHERE " + bread);
+  const std::string code = One("SELECT rtrim(indeks_znakowy_isbn) FROM dane_kat_tow_ WHERE " + bread);
+  ASSERT_EQ(code.size(), 13u);
+  const std::string elsewhere = One("SELECT csb FROM dane_2_stany_mg WHERE nr_wewn=" + number);
+  StartInFirstWarehouse();
+  Keys("F3 1");
+  ASSERT_TRUE(WaitForText("Katalog towarów - magazyn nr 1")) << Joined(Rows());
+  Keys("F2");
+  ASSERT_TRUE(WaitForText("Wprowadź początek szukanej nazwy:")) << Joined(Rows());
+  Keys("'Kawa mi' Enter");
+  ASSERT_TRUE(WaitFor([](const std::vector<std::string>& rows) { return rows[2].find(" Kawa mielona") == 0; }))
+      << Joined(Rows());
+  Keys("F7");
+  ASSERT_TRUE(WaitForText("Wybierz, według jakiego pola szukać:")) << Joined(Rows());
+  Keys("Down Down Down Down Down Down Down Down Enter");  // the ninth field, indeks_znakowy_isbn
+  ASSERT_TRUE(WaitForText("Podaj pełną wartość pola:")) << Joined(Rows());
+  Keys(code + " Enter");
+  ASSERT_TRUE(WaitFor([](const std::vector<std::string>& rows) {
+    for (const std::string& r : rows)
+      if (r.find(" Chleb żytni Mazowiecki") == 0) return true;
+    return false;
+  })) << Joined(Rows());
+  Keys("Enter");
+  ASSERT_TRUE(WaitForText("Korekta danych oznaczonej ciemnym pasem kartoteki towarowej:")) << Joined(Rows());
+  Keys("BSpace BSpace BSpace BSpace BSpace BSpace BSpace BSpace BSpace BSpace BSpace BSpace '7.77' Enter");
+  ASSERT_TRUE(WaitForText("Jak zmienić dane (jeśli nie wiesz, wybierz zaznaczoną opcję)")) << Joined(Rows());
+  Keys("Enter");  // the marked scope: the catalogue and the current warehouse
+  ASSERT_TRUE(WaitForText("7.77")) << Joined(Rows());
+  Keys("Escape");
+  ASSERT_TRUE(WaitFor([](const std::vector<std::string>& rows) {
+    return rows[24] == "Specjalne operacje na katalogu towarów, dopisywanie kartotek, zmiany.";
+  })) << Joined(Rows());
+  Keys("Escape");
+  EXPECT_TRUE(WaitForText("KLOTE-END")) << Joined(Rows());
+  EXPECT_EQ(One("SELECT cena_s_b||'/'||round(cena_s_n,2) FROM dane_kat_tow_ WHERE " + bread),
+            "7.7700000/" + One("SELECT round(7.77/1.05,2)"));
+  EXPECT_EQ(One("SELECT csb FROM dane_1_stany_mg WHERE nr_wewn=" + number), "7.7700000");
+  EXPECT_EQ(One("SELECT csb FROM dane_2_stany_mg WHERE nr_wewn=" + number), elsewhere);  // out of the scope
+}
+
+}  // namespace
