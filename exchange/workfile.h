@@ -17,6 +17,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "base/real.h"
@@ -45,6 +46,7 @@ inline constexpr int kFormMini = 16;   // dane.klt
 enum class WorkFileImport : uint8_t {
   kDone,
   kBadDbf,  // no file, not dBASE, cut short or of another layout: nothing changed
+  kBadFile,  // dane.klt missing, too large or with a line that is no "number,quantity": nothing changed
   kLocked,  // the work file's lock is held by another process: nothing changed
 };
 
@@ -112,6 +114,25 @@ WorkFileImport WorkFileFromDbf(const ShortText& path, const ShortText& dbfPath, 
 // The forms lying in a directory (bits kForm...); 0 for none.
 int DetectWorkFileForms(const ShortText& directory);
 
+// --- The short form "mini" (numer,ilość), dane.klt ---
+struct MiniEntry {
+  int32_t number = 0;
+  Real quantity = 0;
+};
+// One line of dane.klt: "number,quantity" (up to 7 decimals, no trailing zeros) and CR LF.
+std::string MiniLine(int32_t number, Real quantity);
+// The entries of a dane.klt (CR LF or LF, blank lines and the end-of-file
+// mark skipped); false, with no entry, when any line is no internal number
+// (1..2,147,483,647), a comma and a quantity in range.
+bool ParseMini(std::string_view bytes, std::vector<MiniEntry>& entries);
+// Writes the rows' numbers and quantities to target; false when the file cannot be written.
+bool WorkFileToMini(const ShortText& path, const ShortText& target, int16_t& code);
+// Replaces the rows of the work file by the catalogue's items of the
+// file's numbers with their quantities, in one transaction under the lock;
+// numbers that the catalogue does not hold go to unknown, not into the file.
+WorkFileImport WorkFileFromMini(const ShortText& path, const ShortText& file, int16_t& code,
+                                std::vector<int32_t>& unknown);
+
 // --- Screens ---
 // Writes the rows into the current user's work file, asking whether to add
 // them to rows present, under "Trwa zapis...[          ]" (report: the
@@ -123,7 +144,7 @@ void WorkFileMenu(int32_t warehouse);
 void PassWorkFile();
 // Export of the work file as DBF to a directory (A:\, B:\ or any); true when copied.
 bool ExportWorkFileTo(const ShortText& directory);
-// Import of plikrob_.dbf from a directory; true when the work file was replaced.
+// Import of plikrob_.dbf or dane.klt from a directory; true when the work file was replaced.
 bool ImportWorkFileFrom(const ShortText& directory, bool askCodePage);
 // "Wprowadzanie zmian w pliku roboczym": the rows in a list; Enter changes
 // the quantity, Del removes the row, Ins adds a document or the catalogue.

@@ -8,6 +8,7 @@
 
 #include <cstdio>
 #include <filesystem>
+#include <fstream>
 #include <functional>
 #include <string>
 #include <vector>
@@ -349,6 +350,129 @@ TEST_F(WorkFileTest, AUserWorkingInAnotherProcessKeepsHisWorkFile) {
             WorkFileImport::kLocked);
   EXPECT_EQ(Rows(2), before);
   EXPECT_FALSE(UserWorkingElsewhere(1));
+}
+
+TEST(WorkFileMiniTest, LinesAreNumberCommaQuantityAndAnyBadLineRefusesTheFile) {
+  struct Case {
+    std::string bytes;
+    bool ok;
+    std::vector<std::pair<int32_t, double>> entries;
+  };
+  const Case cases[] = {
+      {"", true, {}},
+      {"7,2.5\r\n12,-1\r\n", true, {{7, 2.5}, {12, -1}}},
+      {"7,2.5\n\n2147483647,0\n\x1a", true, {{7, 2.5}, {2147483647, 0}}},
+      {"7,2.5", true, {{7, 2.5}}},
+      {"7;2.5\r\n", false, {}},
+      {"7,\r\n", false, {}},
+      {",3\r\n", false, {}},
+      {"0,3\r\n", false, {}},
+      {"2147483648,3\r\n", false, {}},
+      {"-7,3\r\n", false, {}},
+      {"7,3x\r\n", false, {}},
+      {"7,2.5\r\n8,1e30\r\n", false, {}},
+      {"7,100000000000000000000000000000\r\n", false, {}},
+      {std::string("7,2\0\r\n", 6), false, {}},
+  };
+  for (const Case& c : cases) {
+    std::vector<MiniEntry> got = {{1, 1}};
+    EXPECT_EQ(ParseMini(c.bytes, got), c.ok) << c.bytes;
+    ASSERT_EQ(got.size(), c.entries.size()) << c.bytes;
+    for (std::size_t i = 0; i < got.size(); ++i) {
+      EXPECT_EQ(got[i].number, c.entries[i].first) << c.bytes;
+      EXPECT_EQ(static_cast<double>(got[i].quantity), c.entries[i].second) << c.bytes;
+    }
+  }
+  EXPECT_EQ(MiniLine(12, 1.5L), "12,1.5\r\n");
+  EXPECT_EQ(MiniLine(3, 4), "3,4\r\n");
+  EXPECT_EQ(MiniLine(3, -0.0000001L), "3,-0.0000001\r\n");
+}
+
+TEST_F(WorkFileTest, TheMiniFormGoesOutAndComesBackThroughTheCatalogue) {
+  Fill();
+  std::vector<WorkFileRow> rows;
+  ASSERT_EQ(WorkRowsFromDocument(kWarehouse, 1, 7, "FV", rows), 0);
+  rows[0].quantity = 1.234567L;
+  ASSERT_EQ(WorkFileWrite(WorkFileName(1), rows, false), 0);
+  std::filesystem::create_directories("mini");
+  int16_t code = 0;
+  ASSERT_TRUE(WorkFileToMini(WorkFileName(1), ShortText("mini/dane.klt"), code));
+  EXPECT_EQ(ReadFile("mini/dane.klt"), MiniLine(items_[0], 1.234567L) + MiniLine(items_[2], 1.5L));
+  // A number the catalogue does not hold is left out and named.
+  { std::ofstream("mini/dane.klt", std::ios::app) << "99999,3\r\n"; }
+  std::vector<int32_t> unknown;
+  ASSERT_EQ(WorkFileFromMini(WorkFileName(2), ShortText("mini/dane.klt"), code, unknown), WorkFileImport::kDone);
+  EXPECT_EQ(code, 0);
+  EXPECT_EQ(unknown, std::vector<int32_t>{99999});
+  EXPECT_EQ(Rows(2), "Mleko:1.235 " + ("Żółć"_mz).Str() + ":1.500 ");
+  std::vector<WorkFileRow> back;
+  ASSERT_EQ(WorkFileRead(WorkFileName(2), back), 0);
+  EXPECT_EQ(back[1].item.saleGross, GrossFromNet(10, ShortText("23")));  // the catalogue's price, not the line's
+
+  // Bad files and a held lock change nothing.
+  const std::string before = Rows(2);
+  std::filesystem::remove("mini/none.klt");
+  { std::ofstream("mini/bad.klt") << MiniLine(items_[1], 2) << "x,1\r\n"; }
+  struct Bad {
+    const char* file;
+    WorkFileImport result;
+  };
+  const Bad bad[] = {{"mini/none.klt", WorkFileImport::kBadFile}, {"mini/bad.klt", WorkFileImport::kBadFile}};
+  for (const Bad& b : bad) {
+    EXPECT_EQ(WorkFileFromMini(WorkFileName(2), ShortText(b.file), code, unknown), b.result) << b.file;
+    EXPECT_EQ(Rows(2), before) << b.file;
+  }
+  HoldElsewhere(2);
+  EXPECT_EQ(WorkFileFromMini(WorkFileName(2), ShortText("mini/dane.klt"), code, unknown), WorkFileImport::kLocked);
+  EXPECT_EQ(Rows(2), before);
+
+  // Through the screen: the form is recognised, asked about, and taken.
+  gSteps = {[] { (void)PushKey('t', 20); }};
+  EXPECT_TRUE(ImportWorkFileFrom(ShortText("mini/"), false));
+  EXPECT_TRUE(Shown("Wykryto `mini\" (numer,ilość)."_mz));
+  EXPECT_TRUE(Shown("nr 99999"));
+  EXPECT_EQ(Rows(1), before);
+}
+
+// The menu by keys: its rows under their key-caps, and the entries run by their digits.
+TEST_F(WorkFileTest, TheMenuShowsItsRowsAndRunsThemByTheirKeys) {
+  Fill();
+  std::vector<WorkFileRow> rows;
+  ASSERT_EQ(WorkRowsFromCatalogue(kWarehouse, rows), 0);
+  ASSERT_EQ(WorkFileWrite(WorkFileName(1), rows, false), 0);
+  auto keys = [](const std::string& text) {
+    return [text] {
+      for (unsigned char c : text) (void)PushKey(c == '\r' ? 13 : c, c == '\r' ? 28 : 0);
+    };
+  };
+  // 4: not built; the last row (key-cap A): drive A, which is no diskette; 7: a directory.
+  gSteps = {keys("4"), keys("\r"), keys("A"), keys("\r"), keys("\r"), keys("7"), keys("menu\r"), keys("\r")};
+  std::filesystem::remove_all("menu");
+  std::filesystem::create_directories("menu");
+  WorkFileMenu(kWarehouse);
+  const ShortText kRows[] = {
+      "╧à  Eksport pliku roboczego do miejsc A i B (format `KLOTE\")"_mz,
+      "╧ç  Import pliku roboczego z miejsc A i B (format `KLOTE\")"_mz,
+      "╧ê  Przekazywanie pliku roboczego pomiędzy użytkownikami"_mz,
+      "╧ë  Import do pliku roboczego z formatów innych programów"_mz,
+      "╧è  Eksport pliku roboczego w formatach innych programów"_mz,
+      "╧ï  Wprowadzanie zmian w pliku roboczym"_mz,
+      "╧î  Eksport pliku roboczego do dowolnego miejsca systemu plików"_mz,
+      "╧Ä  Import pliku roboczego z dowolnego miejsca systemu plików"_mz,
+      "╧ô  Eksport pliku roboczego do `katalogu wymiany plików\""_mz,
+      "╧ö  Import pliku roboczego z `katalogu wymiany plików\""_mz,
+      "  Czyszczenie głównego katalogu dyskietki"_mz,
+  };
+  ASSERT_FALSE(gScreens.empty());
+  for (const ShortText& row : kRows) EXPECT_NE(gScreens[0].find(row.Str()), std::string::npos) << row.Str();
+  EXPECT_NE(gScreens[0].find(("Wybierz opcję:"_mz).Str()), std::string::npos);
+  EXPECT_TRUE(Shown("Ta opcja nie jest jeszcze dostępna."_mz));
+  EXPECT_TRUE(Shown("Wybrane miejsce nie wygląda na dyskietkę."_mz));
+  EXPECT_TRUE(Shown("Kopiowanie zakończone poprawnie."_mz));
+  DbfFile dbf;
+  ASSERT_EQ(DbfOpen(dbf, ShortText("menu/plikrob_.dbf")), 0);
+  EXPECT_EQ(dbf.recordCount, static_cast<int64_t>(rows.size()));
+  EXPECT_TRUE(DbfIsWorkFile(dbf));
 }
 
 }  // namespace
