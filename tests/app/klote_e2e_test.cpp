@@ -304,4 +304,51 @@ TEST_F(KloteGoodsE2eTest, CatalogueFindsByNameAndCodeAndChangesAPrice) {
   EXPECT_EQ(One("SELECT csb FROM dane_2_stany_mg WHERE nr_wewn=" + number), elsewhere);  // out of the scope
 }
 
+// The work file from the Towary menu: filled from the catalogue in its
+// editor, written as DBF to a directory, and that file read by Debian's
+// python3-dbfread against the warehouse's stock.
+TEST_F(KloteGoodsE2eTest, WorkFileFromTheCatalogueWrittenAsDbf) {
+  const std::string dir = Db().home + "/wyj";
+  std::filesystem::remove_all(dir);
+  std::filesystem::create_directories(dir);
+  StartInFirstWarehouse();
+  Keys("F3 2");
+  ASSERT_TRUE(WaitForText("Wybierz opcję:")) << Joined(Rows());
+  ASSERT_TRUE(WaitForText("6  Wprowadzanie zmian w pliku roboczym")) << Joined(Rows());
+  Keys("6");
+  ASSERT_TRUE(WaitForText("Plik roboczy jest pusty.")) << Joined(Rows());
+  Keys("IC");
+  ASSERT_TRUE(WaitForText("Dopisać do pliku roboczego:")) << Joined(Rows());
+  Keys("2");
+  ASSERT_TRUE(WaitForText("Atlas Polski (eksport)")) << Joined(Rows());  // the list of rows, name order
+  Keys("Escape");
+  ASSERT_TRUE(WaitForText("Wybierz opcję:")) << Joined(Rows());
+  Keys("7");
+  ASSERT_TRUE(WaitForText("Skopiować plik roboczy do miejsca:")) << Joined(Rows());
+  Keys("wyj Enter");
+  ASSERT_TRUE(WaitForText("Kopiowanie zakończone poprawnie.")) << Joined(Rows());
+  Keys("Enter");
+  ASSERT_TRUE(WaitForText("Wybierz opcję:")) << Joined(Rows());
+  Keys("Escape");
+  ASSERT_TRUE(WaitFor([](const std::vector<std::string>& rows) {
+    return rows[24] == "Przesyłanie, eksporty, importy sporządzonej listy roboczej towarów.";
+  })) << Joined(Rows());
+  Keys("Escape");
+  EXPECT_TRUE(WaitForText("KLOTE-END")) << Joined(Rows());
+
+  const std::string script = "import dbfread\n"
+                             "rows = list(dbfread.DBF('" + dir + "/plikrob_.dbf', encoding='latin1'))\n"
+                             "print(len(rows), sum(r['NR_WEWN'] for r in rows), '%.3f' % sum(r['ILOSC'] for r in rows))\n";
+  FILE* py = ::popen(("/usr/bin/python3 -c \"" + script + "\"").c_str(), "r");
+  ASSERT_NE(py, nullptr);
+  char line[200] = {};
+  const bool read = std::fgets(line, sizeof line, py) != nullptr;
+  ASSERT_EQ(::pclose(py), 0);
+  ASSERT_TRUE(read);
+  EXPECT_EQ(std::string(line),
+            One("SELECT count(*)||' '||sum(K.nr_wewn)||' '||to_char(sum(S.ilosc),'FM999990.000') FROM dane_kat_tow_ K "
+                "JOIN dane_1_stany_mg S ON S.nr_wewn=K.nr_wewn WHERE K.ilosc IS NOT NULL") + "\n");
+  EXPECT_EQ(One("SELECT count(*) FROM dane_uzytkown_0_plikrob_"), One("SELECT count(*) FROM dane_kat_tow_"));
+}
+
 }  // namespace
