@@ -16,6 +16,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -133,11 +134,46 @@ bool WorkFileToMini(const ShortText& path, const ShortText& target, int16_t& cod
 WorkFileImport WorkFileFromMini(const ShortText& path, const ShortText& file, int16_t& code,
                                 std::vector<int32_t>& unknown);
 
+// --- Into the specification being written ---
+// How the rows are taken, the rows of the question "Jako jakie dane pobrać plik roboczy ?".
+enum class WorkFileSource : uint8_t {
+  kOwn = 1,                     // as they are
+  kOwnSaleIsPurchase,           // the sale prices become the purchase prices
+  kForeignDelivery,             // another firm's sale (its delivery): its sale prices are the purchase prices
+  kForeignSalesSamePurchase,    // another firm's sales report, purchase prices equal to ours
+  kForeignSalesPurchaseIsSale,  // the same, its purchase prices are our sale prices
+};
+struct TakeRules {
+  WorkFileSource source = WorkFileSource::kOwn;
+  int32_t supplier = 0;  // a foreign source's supplier, given to every row
+  Real percent = 0;      // margin or mark-up of the computed prices
+  bool margin = true;
+  Real step = 0;         // the computed sale gross is rounded to it (0: not rounded)
+};
+// True for the three sources of another firm.
+bool ForeignSource(WorkFileSource source);
+// The row with its prices as the source makes them: computed sale prices
+// from the purchase net by the margin or mark-up, the gross rounded to the
+// step and the net from it; the supplier of a foreign source.
+WorkFileRow TakenRow(WorkFileRow row, const TakeRules& rules);
+// Appends the rows of the work file to the user's praca___ (in one
+// transaction), each tied to the catalogue's item of equal key (names, vat,
+// sww, VAT payer): a missing item is added with an empty stock row, and an
+// item without a stock row in the warehouse gets one. phase is told 1
+// (catalogue), 2 (stock), 3 (writing). A refusal of ItemAdd (the system's
+// message) stops before anything is written to praca___.
+[[nodiscard]] int16_t WorkFileToSpecification(const ShortText& workFile, int32_t user, int32_t warehouse,
+                                              const TakeRules& rules, const std::function<void(int)>& phase,
+                                              ShortText& refusal);
+
 // --- Screens ---
 // Writes the rows into the current user's work file, asking whether to add
 // them to rows present, under "Trwa zapis...[          ]" (report: the
 // report's wording), ending with "Zapis poprawny.". False when refused.
 bool AddSpecificationToWorkFile(const std::vector<WorkFileRow>& rows, bool report = false);
+// The work file into the current user's praca___ after the questions of
+// how to take it; false when missing, empty, cancelled or refused.
+bool AddWorkFileToSpecification(int32_t warehouse);
 // The menu "Operacje na plikach roboczych" over the current warehouse.
 void WorkFileMenu(int32_t warehouse);
 // "Przekazywanie pliku roboczego pomiędzy użytkownikami".

@@ -252,6 +252,10 @@ int16_t ItemFindByDigitIndex(int64_t digitIndex, ItemData& item, bool& found) {
   return FindOne("K.indeks_numeryczny=" + std::to_string(digitIndex), "K.nr_wewn", item, found);
 }
 
+int16_t ItemFindByFeatures(const ItemData& item, ItemData& found, bool& exists) {
+  return FindOne(SameFeatures(item), "K.nr_wewn", found, exists);
+}
+
 int16_t ItemFindByName(const ShortText& prefix, ItemData& item, bool& found) {
   std::string bytes = prefix.Str();
   MazToDbInPlace(bytes.data(), bytes.size());

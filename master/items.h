@@ -95,6 +95,9 @@ bool AmountInRange(Real value);
 [[nodiscard]] int16_t ItemFindByCode(const ShortText& code, ItemData& item, bool& found);
 // The first row with that digit index.
 [[nodiscard]] int16_t ItemFindByDigitIndex(int64_t digitIndex, ItemData& item, bool& found);
+// The first row (in internal-number order) equal to item on the catalogue's
+// key: both names, vat, sww and czy_od_pl_vat.
+[[nodiscard]] int16_t ItemFindByFeatures(const ItemData& item, ItemData& found, bool& exists);
 // The first row by name order whose name starts with prefix.
 [[nodiscard]] int16_t ItemFindByName(const ShortText& prefix, ItemData& item, bool& found);
 // Writes the item's prices over its catalogue row; found false (nothing written) when it is gone.

@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "base/mazovia.h"
+#include "documents/docsave.h"
 #include "exchange/workfile.h"
 #include "master/tables.h"
 #include "sqltable/pglib.h"
@@ -473,6 +474,91 @@ TEST_F(WorkFileTest, TheMenuShowsItsRowsAndRunsThemByTheirKeys) {
   ASSERT_EQ(DbfOpen(dbf, ShortText("menu/plikrob_.dbf")), 0);
   EXPECT_EQ(dbf.recordCount, static_cast<int64_t>(rows.size()));
   EXPECT_TRUE(DbfIsWorkFile(dbf));
+}
+
+TEST(WorkFileTakeTest, TheSourceDecidesThePricesOfTheRows) {
+  WorkFileRow row;
+  row.item.vat = "23";
+  row.item.supplier = 3;
+  row.item.buyNet = 10;
+  row.item.buyGross = 12.3L;
+  row.item.saleNet = 15;
+  row.item.saleGross = 18.45L;
+  struct Case {
+    TakeRules rules;
+    Real buyNet, buyGross, saleNet, saleGross;
+    int32_t supplier;
+  };
+  const Case cases[] = {
+      {{WorkFileSource::kOwn, 9, 20, true, 0.1L}, 10, 12.3L, 15, 18.45L, 3},
+      {{WorkFileSource::kOwnSaleIsPurchase, 9, 20, true, 0.1L}, 15, 18.45L, 15, 18.45L, 3},
+      // 15 / 0.8 = 18.75 net, 23.0625 gross, 23.1 by the step
+      {{WorkFileSource::kForeignDelivery, 9, 20, true, 0.1L}, 15, 18.45L, 23.1L / 1.23L, 23.1L, 9},
+      // 10 * 1.5 = 15 net, 18.45 gross, 18 by the step
+      {{WorkFileSource::kForeignSalesSamePurchase, 9, 50, false, 1}, 10, 12.3L, 18 / 1.23L, 18, 9},
+      // sale 10 net, 12.3 gross; purchase 80 % of it
+      {{WorkFileSource::kForeignSalesPurchaseIsSale, 9, 20, true, 0}, 8, 9.84L, 10, 12.3L, 9},
+  };
+  for (const Case& c : cases) {
+    const WorkFileRow got = TakenRow(row, c.rules);
+    const int source = static_cast<int>(c.rules.source);
+    EXPECT_NEAR(static_cast<double>(got.item.buyNet), static_cast<double>(c.buyNet), 1e-9) << source;
+    EXPECT_NEAR(static_cast<double>(got.item.buyGross), static_cast<double>(c.buyGross), 1e-9) << source;
+    EXPECT_NEAR(static_cast<double>(got.item.saleNet), static_cast<double>(c.saleNet), 1e-9) << source;
+    EXPECT_NEAR(static_cast<double>(got.item.saleGross), static_cast<double>(c.saleGross), 1e-9) << source;
+    EXPECT_EQ(got.item.supplier, c.supplier) << source;
+  }
+}
+
+TEST_F(WorkFileTest, TakenIntoTheSpecificationRowsFindOrAddTheirItems) {
+  Fill();
+  std::vector<WorkFileRow> rows;
+  ASSERT_EQ(WorkRowsFromDocument(kWarehouse, 1, 7, "FV", rows), 0);
+  WorkFileRow stranger;
+  stranger.item.name = "Nowy towar";
+  stranger.item.vat = "23";
+  stranger.item.unit = "kg";
+  stranger.item.saleNet = 4;
+  stranger.item.saleGross = 4.92L;
+  stranger.quantity = 6;
+  rows.push_back(stranger);
+  ASSERT_TRUE(Psql("DELETE FROM dane_1_stany_mg WHERE nr_wewn=" + std::to_string(items_[2])));
+  ASSERT_EQ(WorkFileWrite(WorkFileName(1), rows, false), 0);
+  const std::string catalogue = Scalar("SELECT count(*) FROM dane_kat_tow_");
+
+  // A new item the catalogue refuses (no unit): the specification stays empty.
+  std::vector<WorkFileRow> bad = rows;
+  bad.back().item.unit.Clear();
+  ASSERT_EQ(WorkFileWrite(WorkFileName(2), bad, false), 0);
+  const TakeRules delivery{WorkFileSource::kForeignDelivery, 9, 25, false, 0.01L};
+  ShortText refusal;
+  ASSERT_EQ(WorkFileToSpecification(WorkFileName(2), 1, kWarehouse, delivery, nullptr, refusal), 0);
+  EXPECT_EQ(refusal, "Towar musi mieć jakąś jednostkę miary, prawda ?"_mz);
+  bool exists = false;
+  ASSERT_EQ(PGTblExist(WorkTablePath(1), exists), 0);
+  EXPECT_TRUE(!exists || Scalar("SELECT count(*) FROM dane_uzytkown_1_praca___") == "0");
+
+  std::vector<int> phases;
+  ASSERT_EQ(WorkFileToSpecification(WorkFileName(1), 1, kWarehouse, delivery,
+                                    [&](int p) { phases.push_back(p); }, refusal), 0);
+  EXPECT_TRUE(refusal.Empty()) << refusal.Str();
+  EXPECT_EQ(phases, (std::vector<int>{1, 2, 3}));
+  EXPECT_EQ(Scalar("SELECT count(*) FROM dane_kat_tow_"), std::to_string(std::stoi(catalogue) + 1));
+  const std::string added = Scalar("SELECT nr_wewn FROM dane_kat_tow_ WHERE nazwa='Nowy towar' AND dostawca=9");
+  EXPECT_EQ(Scalar("SELECT ilosc FROM dane_1_stany_mg WHERE nr_wewn=" + added), "0.0000000");
+  EXPECT_EQ(Scalar("SELECT ilosc FROM dane_1_stany_mg WHERE nr_wewn=" + std::to_string(items_[2])), "0.0000000");
+  std::vector<DocLine> lines;
+  ASSERT_EQ(WorkLinesRead(WorkTablePath(1), lines), 0);
+  ASSERT_EQ(lines.size(), 3u);
+  const int32_t numbers[] = {items_[0], items_[2], std::stoi(added)};
+  for (std::size_t i = 0; i < 3; ++i) {
+    EXPECT_EQ(lines[i].item.number, numbers[i]);
+    EXPECT_EQ(lines[i].quantity, rows[i].quantity);
+    // The other firm's sale is the purchase; the sale is 125 % of it, gross to the grosz.
+    EXPECT_EQ(lines[i].item.buyNet, rows[i].item.saleNet);
+    const Real gross = RoundToStep(GrossFromNet(rows[i].item.saleNet * 125 / 100, rows[i].item.vat), 0.01L);
+    EXPECT_NEAR(static_cast<double>(lines[i].item.saleGross), static_cast<double>(gross), 1e-7);
+  }
 }
 
 }  // namespace
