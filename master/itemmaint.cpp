@@ -19,6 +19,7 @@
 #include "master/tables.h"
 #include "sqltable/dbapp.h"
 #include "sqltable/pgtable.h"
+#include "users/users.h"
 
 using items_detail::NumberText;
 using items_detail::SqlText;
@@ -223,12 +224,15 @@ int16_t ItemDelete(int32_t number, bool& found, bool& hadTurnover) {
   return lock.Commit();
 }
 
-int16_t StockCountIn(int32_t warehouse, StockCounts& counts) {
+namespace {
+
+// Rows of a table by the sign of its column ilosc.
+int16_t CountBySign(const std::string& table, StockCounts& counts) {
   counts = StockCounts{};
   PGResult res;
   if (const int16_t code = PGRunQueryWithTup(
           "SELECT count(*) FILTER (WHERE ilosc>0),count(*) FILTER (WHERE ilosc<0),count(*) FILTER (WHERE ilosc=0),"
-          "count(*) FROM " + items_detail::WarehouseSql(warehouse, "stany_mg"),
+          "count(*) FROM " + table,
           res))
     return code;
   counts.positive = static_cast<long>(items_detail::IntOf(res.Value(0, 0)));
@@ -236,6 +240,19 @@ int16_t StockCountIn(int32_t warehouse, StockCounts& counts) {
   counts.zero = static_cast<long>(items_detail::IntOf(res.Value(0, 2)));
   counts.all = static_cast<long>(items_detail::IntOf(res.Value(0, 3)));
   return 0;
+}
+
+}  // namespace
+
+int16_t StockCountIn(int32_t warehouse, StockCounts& counts) {
+  return CountBySign(items_detail::WarehouseSql(warehouse, "stany_mg"), counts);
+}
+
+int16_t WorkFileCountIn(int32_t user, StockCounts& counts, bool& exists) {
+  counts = StockCounts{};
+  const ShortText path = UserPath(user, ShortText("plikrob_"));
+  if (const int16_t code = PGTblExist(path, exists); code != 0 || !exists) return code;
+  return CountBySign(PGSqlName(path).Str(), counts);
 }
 
 int16_t RemoveZeroStock(int32_t warehouse, long& removed) {

@@ -155,6 +155,8 @@ struct StockCounts {
   long positive = 0, negative = 0, zero = 0, all = 0;
 };
 [[nodiscard]] int16_t StockCountIn(int32_t warehouse, StockCounts& counts);
+// The rows of a user's work file by the sign of their quantity; exists false (all 0) when he has none.
+[[nodiscard]] int16_t WorkFileCountIn(int32_t user, StockCounts& counts, bool& exists);
 // Deletes the stock rows with nothing in stock and nothing ordered, in one
 // warehouse or (warehouse 0) in all; removed receives how many.
 [[nodiscard]] int16_t RemoveZeroStock(int32_t warehouse, long& removed);

@@ -231,4 +231,18 @@ TEST_F(ItemChangeTest, AnItemDeletedByAnotherProcessIsReportedGoneAndNothingIsWr
   }
 }
 
+TEST_F(ItemChangeTest, TheWorkFileIsCountedBySignOfItsQuantities) {
+  ASSERT_TRUE(Psql("UPDATE " + Sql("plikrob_") + " SET ilosc=CASE WHEN cena_s_n=7 THEN -1 WHEN nr_wewn=" +
+                   std::to_string(b_) + " THEN 0 ELSE ilosc END"));
+  StockCounts counts;
+  bool exists = false;
+  ASSERT_EQ(WorkFileCountIn(0, counts, exists), 0);
+  EXPECT_TRUE(exists);
+  EXPECT_EQ(std::vector<long>({counts.positive, counts.negative, counts.zero, counts.all}),
+            std::vector<long>({1, 1, 1, 3}));
+  ASSERT_EQ(WorkFileCountIn(5, counts, exists), 0);
+  EXPECT_FALSE(exists);
+  EXPECT_EQ(counts.all, 0);
+}
+
 }  // namespace
