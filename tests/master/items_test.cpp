@@ -402,6 +402,16 @@ TEST_F(ItemsTest, TheScreenFindsByNameAndIndexAndChangesAPrice) {
   EXPECT_TRUE(Shown("SER\"")) ;
   EXPECT_TRUE(Shown("został usunięty z katalogu przez innego użytkownika."_mz));
   EXPECT_EQ(Scalar("SELECT count(*) FROM dane_kat_tow_ WHERE nr_wewn=" + std::to_string(ser)), "0");
+
+  // The stock list gone under the list: the next read ends the list with the system's message, not the program.
+  gScreens.clear();
+  Play({[] {
+    EXPECT_TRUE(Psql("DROP TABLE dane_1_stany_mg"));
+    (void)PushKey(keys::kEnd.ch, keys::kEnd.scan);
+  }});
+  ItemCatalogue(kWarehouse);
+  EXPECT_TRUE(Shown("Wystąpiły zakłócenia odczytu bazy."_mz));
+  EXPECT_EQ(Scalar("SELECT count(*) FROM dane_kat_tow_"), "5");
 }
 
 // --- Changes and maintenance ---
