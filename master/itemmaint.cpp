@@ -278,9 +278,18 @@ int16_t RemoveItemsWithoutTurnover(long& removed) {
   std::string stock;
   if (const int16_t code = SpecTables(specs)) return code;
   if (const int16_t code = StockCondition(stock)) return code;
+  bool keptExists = false;
+  if (const int16_t code = PGTblExist(kKeptItemsTable, keptExists)) return code;
+  if (!keptExists)
+    if (const int16_t code = CreateTableFrom(kKeptItemsTable, TableDef{kKatTowDef.columns, 0, {}, {}})) return code;
+  std::string columns;
+  for (const ColumnDef& c : kKatTowDef.columns) columns += (columns.empty() ? "" : ",") + std::string(c.name);
+  // The deleted rows go into the copy in the same statement: none is lost, none kept twice.
   items_detail::CatalogueLock lock;
-  if (const int16_t code = Changed("DELETE FROM " + kKat + " K WHERE NOT " + TurnoverCondition(specs, "") +
-                                       " AND NOT " + stock,
+  if (const int16_t code = CountOf("WITH d AS (DELETE FROM " + kKat + " K WHERE NOT " + TurnoverCondition(specs, "") +
+                                       " AND NOT " + stock + " RETURNING " + columns + "), i AS (INSERT INTO " +
+                                       PGSqlName(kKeptItemsTable).Str() + " (" + columns + ") SELECT " + columns +
+                                       " FROM d RETURNING 1) SELECT count(*) FROM i",
                                    removed))
     return code;
   return lock.Commit();

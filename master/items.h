@@ -21,6 +21,8 @@
 #include "base/shorttext.h"
 
 inline constexpr const char* kKatTowTable = "dane\\kat_tow_";
+// The copy of the items deleted for having no turnover (the catalogue's columns).
+inline constexpr const char* kKeptItemsTable = "dane\\kat_towz";
 inline constexpr int32_t kItemNumberMax = 2147483647;
 inline constexpr int64_t kDigitIndexMax = 999999999999999LL;
 // The grouped stock view sums at most this many warehouses; the rest are left out.
@@ -161,7 +163,8 @@ struct StockCounts {
 // warehouse or (warehouse 0) in all; removed receives how many.
 [[nodiscard]] int16_t RemoveZeroStock(int32_t warehouse, long& removed);
 // Also deletes the items without any line in any warehouse and with nothing
-// in stock or ordered; removed receives how many items went.
+// in stock or ordered, keeping their rows in dane\kat_towz; removed
+// receives how many items went.
 [[nodiscard]] int16_t RemoveItemsWithoutTurnover(long& removed);
 // Hides the active items without a line dated on or after since
 // ("DD-MM-RRRR") and with nothing in stock or ordered, telling step 1..4.

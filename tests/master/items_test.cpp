@@ -458,6 +458,8 @@ TEST_F(ItemsTest, MaintenanceKeepsWhatHasTurnoverOrStock) {
   EXPECT_EQ(removed, 1);  // only E: A has a line, B and D stock
   EXPECT_EQ(Scalar("SELECT string_agg(nazwa,',' ORDER BY nazwa) FROM dane_kat_tow_"), "A,B,D");
   EXPECT_EQ(Scalar("SELECT count(*) FROM dane_1_stany_mg"), "2");
+  // The deleted item is kept whole in the copy.
+  EXPECT_EQ(Scalar("SELECT nazwa||'/'||vat||'/'||cena_s_n FROM dane_kat_towz"), "E/23/15.0000000");
 }
 
 TEST_F(ItemsTest, UnusedItemsAreHiddenAndDigitIndexesPutInOrder) {
