@@ -561,4 +561,44 @@ TEST_F(WorkFileTest, TakenIntoTheSpecificationRowsFindOrAddTheirItems) {
   }
 }
 
+// Passing by the screen: to oneself, and to a user whose session another process holds; nothing moves.
+TEST_F(WorkFileTest, PassingRefusesOneselfAndAUserWhoIsWorking) {
+  Fill();
+  ASSERT_EQ(UsersTableEnsure(), 0);
+  for (const char* name : {"Jan", "Ewa"}) {
+    UserRecord user;
+    user.firstName = name;
+    ASSERT_EQ(UserAppend(user), UserAppendOutcome::kDone);
+  }
+  std::vector<WorkFileRow> rows;
+  ASSERT_EQ(WorkRowsFromDocument(kWarehouse, 1, 7, "FV", rows), 0);
+  ASSERT_EQ(WorkFileWrite(WorkFileName(1), rows, false), 0);
+  ASSERT_EQ(WorkRowsFromDocument(kWarehouse, 1, 8, "FV", rows), 0);
+  ASSERT_EQ(WorkFileWrite(WorkFileName(2), rows, false), 0);
+  const std::string mine = Rows(1), theirs = Rows(2);
+  HoldElsewhere(2);
+  auto key = [](KeyPair k) { return [k] { (void)PushKey(k.ch, k.scan); }; };
+  auto digit = [](char d) { return [d] { (void)PushKey(static_cast<unsigned char>(d), 0); }; };
+  struct Case {
+    const char* what;
+    std::vector<std::function<void()>> steps;
+    ShortText message;
+  };
+  const Case cases[] = {
+      {"to oneself", {digit('2'), key(keys::kDown), key(keys::kEnter), key(keys::kEnter)},
+       "Wysłanie swojego pliku roboczego sobie nie jest możliwe."_mz},
+      {"from a user at work", {digit('4'), key(keys::kDown), key(keys::kDown), key(keys::kEnter), key(keys::kEnter)},
+       "Użytkownik nadal pracuje, albo system operacyjny nie zamknął jego zbiorów."_mz},
+  };
+  for (const Case& c : cases) {
+    gScreens.clear();
+    gSteps = c.steps;
+    gNext = 0;
+    PassWorkFile();
+    EXPECT_TRUE(Shown(c.message)) << c.what;
+    EXPECT_EQ(Rows(1), mine) << c.what;
+    EXPECT_EQ(Rows(2), theirs) << c.what;
+  }
+}
+
 }  // namespace
