@@ -232,6 +232,12 @@ TEST_F(KloteE2eTest, CustomerCatalogueAddAndFindByName) {
 
 namespace {
 
+// One step of a walk: keys sent, then a text that must appear.
+struct WalkStep {
+  std::string keys;
+  std::string shown;
+};
+
 // The goods walks run on the demo firm, made by tools/demo-firm in the test's own schema.
 class KloteGoodsE2eTest : public KloteE2eTest {
  protected:
@@ -251,6 +257,14 @@ class KloteGoodsE2eTest : public KloteE2eTest {
     Keys("Enter");
     ASSERT_TRUE(ShowsHeading(kHeadings[0])) << Joined(Rows());
   }
+  // Esc back to the menu, whose bar rests on the entry with that explanation, and Esc out of the program.
+  void LeaveToTheEnd(const std::string& explanation) {
+    Keys("Escape");
+    ASSERT_TRUE(WaitFor([&](const std::vector<std::string>& rows) { return rows[24] == explanation; }))
+        << Joined(Rows());
+    Keys("Escape");
+    EXPECT_TRUE(WaitForText("KLOTE-END")) << Joined(Rows());
+  }
   static std::string One(const std::string& sql) {
     std::string out;
     EXPECT_TRUE(Psql(sql, &out)) << out;
@@ -269,35 +283,23 @@ TEST_F(KloteGoodsE2eTest, CatalogueFindsByNameAndCodeAndChangesAPrice) {
   ASSERT_EQ(code.size(), 13u);
   const std::string elsewhere = One("SELECT csb FROM dane_2_stany_mg WHERE nr_wewn=" + number);
   StartInFirstWarehouse();
-  Keys("F3 1");
-  ASSERT_TRUE(WaitForText("Katalog towarów - magazyn nr 1")) << Joined(Rows());
-  Keys("F2");
-  ASSERT_TRUE(WaitForText("Wprowadź początek szukanej nazwy:")) << Joined(Rows());
-  Keys("'Kawa mi' Enter");
-  ASSERT_TRUE(WaitFor([](const std::vector<std::string>& rows) { return rows[2].find(" Kawa mielona") == 0; }))
-      << Joined(Rows());
-  Keys("F7");
-  ASSERT_TRUE(WaitForText("Wybierz, według jakiego pola szukać:")) << Joined(Rows());
-  Keys("Down Down Down Down Down Down Down Down Enter");  // the ninth field, indeks_znakowy_isbn
-  ASSERT_TRUE(WaitForText("Podaj pełną wartość pola:")) << Joined(Rows());
-  Keys(code + " Enter");
-  ASSERT_TRUE(WaitFor([](const std::vector<std::string>& rows) {
-    for (const std::string& r : rows)
-      if (r.find(" Chleb żytni Mazowiecki") == 0) return true;
-    return false;
-  })) << Joined(Rows());
-  Keys("Enter");
-  ASSERT_TRUE(WaitForText("Korekta danych oznaczonej ciemnym pasem kartoteki towarowej:")) << Joined(Rows());
-  Keys("BSpace BSpace BSpace BSpace BSpace BSpace BSpace BSpace BSpace BSpace BSpace BSpace '7.77' Enter");
-  ASSERT_TRUE(WaitForText("Jak zmienić dane (jeśli nie wiesz, wybierz zaznaczoną opcję)")) << Joined(Rows());
-  Keys("Enter");  // the marked scope: the catalogue and the current warehouse
-  ASSERT_TRUE(WaitForText("7.77")) << Joined(Rows());
-  Keys("Escape");
-  ASSERT_TRUE(WaitFor([](const std::vector<std::string>& rows) {
-    return rows[24] == "Specjalne operacje na katalogu towarów, dopisywanie kartotek, zmiany.";
-  })) << Joined(Rows());
-  Keys("Escape");
-  EXPECT_TRUE(WaitForText("KLOTE-END")) << Joined(Rows());
+  const WalkStep steps[] = {
+      {"F3 1", "Katalog towarów - magazyn nr 1"},
+      {"F2", "Wprowadź początek szukanej nazwy:"},
+      {"'Kawa mi' Enter", "\n Kawa mielona"},  // the first row of the list
+      {"F7", "Wybierz, według jakiego pola szukać:"},
+      {"Down Down Down Down Down Down Down Down Enter", "Podaj pełną wartość pola:"},  // the ninth, indeks_znakowy_isbn
+      {code + " Enter", "\n Chleb żytni Mazowiecki"},
+      {"Enter", "Korekta danych oznaczonej ciemnym pasem kartoteki towarowej:"},
+      {"BSpace BSpace BSpace BSpace BSpace BSpace BSpace BSpace BSpace BSpace BSpace BSpace '7.77' Enter",
+       "Jak zmienić dane (jeśli nie wiesz, wybierz zaznaczoną opcję)"},
+      {"Enter", "7.77"},  // the marked scope: the catalogue and the current warehouse
+  };
+  for (const WalkStep& step : steps) {
+    Keys(step.keys);
+    ASSERT_TRUE(WaitForText(step.shown)) << step.keys << "\n" << Joined(Rows());
+  }
+  LeaveToTheEnd("Specjalne operacje na katalogu towarów, dopisywanie kartotek, zmiany.");
   EXPECT_EQ(One("SELECT cena_s_b||'/'||round(cena_s_n,2) FROM dane_kat_tow_ WHERE " + bread),
             "7.7700000/" + One("SELECT round(7.77/1.05,2)"));
   EXPECT_EQ(One("SELECT csb FROM dane_1_stany_mg WHERE nr_wewn=" + number), "7.7700000");
@@ -312,29 +314,21 @@ TEST_F(KloteGoodsE2eTest, WorkFileFromTheCatalogueWrittenAsDbf) {
   std::filesystem::remove_all(dir);
   std::filesystem::create_directories(dir);
   StartInFirstWarehouse();
-  Keys("F3 2");
-  ASSERT_TRUE(WaitForText("Wybierz opcję:")) << Joined(Rows());
-  ASSERT_TRUE(WaitForText("6  Wprowadzanie zmian w pliku roboczym")) << Joined(Rows());
-  Keys("6");
-  ASSERT_TRUE(WaitForText("Plik roboczy jest pusty.")) << Joined(Rows());
-  Keys("IC");
-  ASSERT_TRUE(WaitForText("Dopisać do pliku roboczego:")) << Joined(Rows());
-  Keys("2");
-  ASSERT_TRUE(WaitForText("Atlas Polski (eksport)")) << Joined(Rows());  // the list of rows, name order
-  Keys("Escape");
-  ASSERT_TRUE(WaitForText("Wybierz opcję:")) << Joined(Rows());
-  Keys("7");
-  ASSERT_TRUE(WaitForText("Skopiować plik roboczy do miejsca:")) << Joined(Rows());
-  Keys("wyj Enter");
-  ASSERT_TRUE(WaitForText("Kopiowanie zakończone poprawnie.")) << Joined(Rows());
-  Keys("Enter");
-  ASSERT_TRUE(WaitForText("Wybierz opcję:")) << Joined(Rows());
-  Keys("Escape");
-  ASSERT_TRUE(WaitFor([](const std::vector<std::string>& rows) {
-    return rows[24] == "Przesyłanie, eksporty, importy sporządzonej listy roboczej towarów.";
-  })) << Joined(Rows());
-  Keys("Escape");
-  EXPECT_TRUE(WaitForText("KLOTE-END")) << Joined(Rows());
+  const WalkStep steps[] = {
+      {"F3 2", "6  Wprowadzanie zmian w pliku roboczym"},
+      {"6", "Plik roboczy jest pusty."},
+      {"IC", "Dopisać do pliku roboczego:"},
+      {"2", "Atlas Polski (eksport)"},  // the list of rows, name order
+      {"Escape", "Wybierz opcję:"},
+      {"7", "Skopiować plik roboczy do miejsca:"},
+      {"wyj Enter", "Kopiowanie zakończone poprawnie."},
+      {"Enter", "Wybierz opcję:"},
+  };
+  for (const WalkStep& step : steps) {
+    Keys(step.keys);
+    ASSERT_TRUE(WaitForText(step.shown)) << step.keys << "\n" << Joined(Rows());
+  }
+  LeaveToTheEnd("Przesyłanie, eksporty, importy sporządzonej listy roboczej towarów.");
 
   const std::string script = "import dbfread\n"
                              "rows = list(dbfread.DBF('" + dir + "/plikrob_.dbf', encoding='latin1'))\n"
