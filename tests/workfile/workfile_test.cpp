@@ -601,4 +601,40 @@ TEST_F(WorkFileTest, PassingRefusesOneselfAndAUserWhoIsWorking) {
   }
 }
 
+// Taking the work file by the screen: a missing or empty file says so; the own form takes the rows as they are.
+TEST_F(WorkFileTest, TakingByTheScreenNamesAMissingOrEmptyFileAndTakesOwnRows) {
+  Fill();
+  std::vector<WorkFileRow> rows;
+  ASSERT_EQ(WorkRowsFromDocument(kWarehouse, 1, 7, "FV", rows), 0);
+  struct Case {
+    const char* what;
+    std::function<void()> prepare;
+    std::vector<std::function<void()>> steps;
+    ShortText message;
+    bool taken;
+  };
+  const Case cases[] = {
+      {"no work file", [] {}, {}, "Plik roboczy nie istnieje."_mz, false},
+      {"an empty one", [] { ASSERT_EQ(CreateWorkFile(WorkFileName(1)), 0); }, {}, "Plik roboczy jest pusty."_mz, false},
+      {"own rows", [&] { ASSERT_EQ(WorkFileWrite(WorkFileName(1), rows, false), 0); },
+       {[] { (void)PushKey('1', 0); }}, "Trwa dopisywanie do specyfikacji..."_mz, true},
+  };
+  for (const Case& c : cases) {
+    c.prepare();
+    gScreens.clear();
+    gSteps = c.steps;
+    gNext = 0;
+    EXPECT_EQ(AddWorkFileToSpecification(kWarehouse), c.taken) << c.what;
+    EXPECT_TRUE(Shown(c.message) || Sent(c.message.Str().c_str())) << c.what;
+  }
+  std::vector<DocLine> lines;
+  ASSERT_EQ(WorkLinesRead(WorkTablePath(1), lines), 0);
+  ASSERT_EQ(lines.size(), rows.size());
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    EXPECT_EQ(lines[i].item.number, rows[i].item.number);
+    EXPECT_EQ(lines[i].quantity, rows[i].quantity);
+    EXPECT_EQ(lines[i].item.saleGross, rows[i].item.saleGross);  // the line's own price
+  }
+}
+
 }  // namespace
