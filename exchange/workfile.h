@@ -16,7 +16,9 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "base/real.h"
@@ -45,6 +47,7 @@ inline constexpr int kFormMini = 16;   // dane.klt
 enum class WorkFileImport : uint8_t {
   kDone,
   kBadDbf,  // no file, not dBASE, cut short or of another layout: nothing changed
+  kBadFile,  // dane.klt missing, too large or with a line that is no "number,quantity": nothing changed
   kLocked,  // the work file's lock is held by another process: nothing changed
 };
 
@@ -112,18 +115,72 @@ WorkFileImport WorkFileFromDbf(const ShortText& path, const ShortText& dbfPath, 
 // The forms lying in a directory (bits kForm...); 0 for none.
 int DetectWorkFileForms(const ShortText& directory);
 
+// --- The short form "mini" (numer,ilość), dane.klt ---
+struct MiniEntry {
+  int32_t number = 0;
+  Real quantity = 0;
+};
+// One line of dane.klt: "number,quantity" (up to 7 decimals, no trailing zeros) and CR LF.
+std::string MiniLine(int32_t number, Real quantity);
+// The entries of a dane.klt (CR LF or LF, blank lines and the end-of-file
+// mark skipped); false, with no entry, when any line is no internal number
+// (1..2,147,483,647), a comma and a quantity in range.
+bool ParseMini(std::string_view bytes, std::vector<MiniEntry>& entries);
+// Writes the rows' numbers and quantities to target; false when the file cannot be written.
+bool WorkFileToMini(const ShortText& path, const ShortText& target, int16_t& code);
+// Replaces the rows of the work file by the catalogue's items of the
+// file's numbers with their quantities, in one transaction under the lock;
+// numbers that the catalogue does not hold go to unknown, not into the file.
+WorkFileImport WorkFileFromMini(const ShortText& path, const ShortText& file, int16_t& code,
+                                std::vector<int32_t>& unknown);
+
+// --- Into the specification being written ---
+// How the rows are taken, the rows of the question "Jako jakie dane pobrać plik roboczy ?".
+enum class WorkFileSource : uint8_t {
+  kOwn = 1,                     // as they are
+  kOwnSaleIsPurchase,           // the sale prices become the purchase prices
+  kForeignDelivery,             // another firm's sale (its delivery): its sale prices are the purchase prices
+  kForeignSalesSamePurchase,    // another firm's sales report, purchase prices equal to ours
+  kForeignSalesPurchaseIsSale,  // the same, its purchase prices are our sale prices
+};
+struct TakeRules {
+  WorkFileSource source = WorkFileSource::kOwn;
+  int32_t supplier = 0;  // a foreign source's supplier, given to every row
+  Real percent = 0;      // margin or mark-up of the computed prices
+  bool margin = true;
+  Real step = 0;         // the computed sale gross is rounded to it (0: not rounded)
+};
+// True for the three sources of another firm.
+bool ForeignSource(WorkFileSource source);
+// The row with its prices as the source makes them: computed sale prices
+// from the purchase net by the margin or mark-up, the gross rounded to the
+// step and the net from it; the supplier of a foreign source.
+WorkFileRow TakenRow(WorkFileRow row, const TakeRules& rules);
+// Appends the rows of the work file to the user's praca___ (in one
+// transaction), each tied to the catalogue's item of equal key (names, vat,
+// sww, VAT payer): a missing item is added with an empty stock row, and an
+// item without a stock row in the warehouse gets one. phase is told 1
+// (catalogue), 2 (stock), 3 (writing). A refusal of ItemAdd (the system's
+// message) stops before anything is written to praca___.
+[[nodiscard]] int16_t WorkFileToSpecification(const ShortText& workFile, int32_t user, int32_t warehouse,
+                                              const TakeRules& rules, const std::function<void(int)>& phase,
+                                              ShortText& refusal);
+
 // --- Screens ---
 // Writes the rows into the current user's work file, asking whether to add
 // them to rows present, under "Trwa zapis...[          ]" (report: the
 // report's wording), ending with "Zapis poprawny.". False when refused.
 bool AddSpecificationToWorkFile(const std::vector<WorkFileRow>& rows, bool report = false);
+// The work file into the current user's praca___ after the questions of
+// how to take it; false when missing, empty, cancelled or refused.
+bool AddWorkFileToSpecification(int32_t warehouse);
 // The menu "Operacje na plikach roboczych" over the current warehouse.
 void WorkFileMenu(int32_t warehouse);
 // "Przekazywanie pliku roboczego pomiędzy użytkownikami".
 void PassWorkFile();
 // Export of the work file as DBF to a directory (A:\, B:\ or any); true when copied.
 bool ExportWorkFileTo(const ShortText& directory);
-// Import of plikrob_.dbf from a directory; true when the work file was replaced.
+// Import of plikrob_.dbf or dane.klt from a directory; true when the work file was replaced.
 bool ImportWorkFileFrom(const ShortText& directory, bool askCodePage);
 // "Wprowadzanie zmian w pliku roboczym": the rows in a list; Enter changes
 // the quantity, Del removes the row, Ins adds a document or the catalogue.

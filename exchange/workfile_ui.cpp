@@ -71,18 +71,6 @@ ShortText AskDirectory(const ShortText& title) {
   return AsDirectory(dir);
 }
 
-// The numbers and quantities of the short form, "numer,ilość" a line.
-bool WriteMini(const ShortText& target) {
-  std::vector<WorkFileRow> rows;
-  CheckDBError(WorkFileRead(WorkFileName(), rows));
-  std::FILE* out = std::fopen(PathToUnix(target).Str().c_str(), "wb");
-  if (!out) return false;
-  bool ok = true;
-  for (const WorkFileRow& row : rows)
-    ok = std::fprintf(out, "%d,%.3Lf\r\n", row.item.number, static_cast<long double>(row.quantity)) > 0 && ok;
-  return std::fclose(out) == 0 && ok;
-}
-
 void ExportToPlaces() {
   const int16_t form = Choose("Wyeksportować plik roboczy w postaci:"_mz,
                               "wewnętrznym programu KLOTE `DBF-3\" bez informacji o dokumentach@eksport do rozliczeń@mini (numer,ilość)"_mz);
@@ -100,7 +88,9 @@ void ExportToPlaces() {
   WorkFileLock lock(WorkFileName());
   if (lock.busy()) return (void)MessageBox(kLockHeld, 0);
   (void)MessageBox("Trwa kopiowanie..."_mz, 2);
-  const bool ok = WorkFileExists() && WriteMini(PlaceOf(place) + "dane.klt");
+  int16_t code = 0;
+  const bool ok = WorkFileExists() && WorkFileToMini(WorkFileName(), PlaceOf(place) + "dane.klt", code);
+  CheckDBError(code);
   (void)MessageBox(ok ? "Kopiowanie zakończone poprawnie."_mz : kCopyFailed, 0);
 }
 
@@ -146,6 +136,15 @@ DbfCodePage AskCodePage(bool& cancelled) {
   return cancelled ? DbfCodePage::kAsIs : kPages[choice - 1];
 }
 
+// The rows that were left out because the catalogue does not hold their items.
+void ShowDropped(const std::vector<ShortText>& names) {
+  if (names.empty()) return;
+  (void)MessageBox("Znaleziono w pliku roboczym pozycje, których nie ma w Twoim katalogu@towarów. Zostały one usunięte z pliku roboczego."_mz, 0);
+  ShortText list = "Towary nie znalezione w Twoim katalogu towarów:"_mz;
+  for (std::size_t i = 0; i < names.size() && i < 8; ++i) list += "@"_mz + names[i];
+  (void)MessageBox(list + "@(Zostały usunięte na wszelki wypadek z pliku roboczego)."_mz, 0);
+}
+
 // Rows not in the catalogue are gone from the work file: the list of them.
 void CheckAgainstCatalogue() {
   std::vector<ShortText> names;
@@ -154,11 +153,33 @@ void CheckAgainstCatalogue() {
     CheckDBError(WorkFileDropUnknown(WorkFileName(), names));
     box.Done();
   }
-  if (names.empty()) return;
-  (void)MessageBox("Znaleziono w pliku roboczym pozycje, których nie ma w Twoim katalogu@towarów. Zostały one usunięte z pliku roboczego."_mz, 0);
-  ShortText list = "Towary nie znalezione w Twoim katalogu towarów:"_mz;
-  for (std::size_t i = 0; i < names.size() && i < 8; ++i) list += "@"_mz + names[i];
-  (void)MessageBox(list + "@(Zostały usunięte na wszelki wypadek z pliku roboczego)."_mz, 0);
+  ShowDropped(names);
+}
+
+// dane.klt: the numbers taken from the catalogue, those it lacks listed.
+bool ImportMini(const ShortText& directory) {
+  const ShortText local = UserPath(CurrentUserNumber(), ShortText("dane.klt"));
+  if (CopyFileChecked(directory + "dane.klt", local, -1, -1) != 0) {
+    (void)MessageBox(kCopyFailed, 0);
+    return false;
+  }
+  int16_t code = 0;
+  std::vector<int32_t> unknown;
+  WorkFileImport result;
+  {
+    WorkBox box("Trwa kontrola pliku roboczego...[          ]"_mz);
+    result = WorkFileFromMini(WorkFileName(), local, code, unknown);
+    box.Done();
+  }
+  CheckDBError(code);
+  if (result == WorkFileImport::kBadFile) (void)MessageBox(kCopyFailed, 0);
+  if (result == WorkFileImport::kLocked) (void)MessageBox(kLockHeld, 0);
+  if (result != WorkFileImport::kDone) return false;
+  std::vector<ShortText> names;
+  for (int32_t number : unknown) names.push_back(ShortText("nr " + std::to_string(number)));
+  ShowDropped(names);
+  (void)MessageBox("Kopiowanie zakończone poprawnie."_mz, 0);
+  return true;
 }
 
 void ImportFromPlaces() {
@@ -199,7 +220,8 @@ void ClearFloppy() {
   (void)DeleteMany(dir + "*");
 }
 
-// The menu's rows with their functions; the warehouse goes to the editor.
+// The menu's rows with their functions (the list puts the key-caps before
+// them); the warehouse goes to the editor.
 int32_t gWarehouse = 0;
 void EditHere() { EditWorkFile(gWarehouse); }
 void NotYet() { (void)MessageBox(kNotAvailable, 0); }
@@ -254,6 +276,7 @@ bool ExportWorkFileTo(const ShortText& directory) {
 bool ImportWorkFileFrom(const ShortText& directory, bool askCodePage) {
   const int form = directory.Empty() ? 0 : ChooseForm(DetectWorkFileForms(directory));
   if (form == 0) return false;
+  if (form == kFormMini) return ImportMini(directory);
   if (form != kFormDbf) {
     (void)MessageBox(kNotAvailable, 0);
     return false;
@@ -320,17 +343,17 @@ void PassWorkFile() {
 void WorkFileMenu(int32_t warehouse) {
   gWarehouse = warehouse;
   const MenuRow kRows[] = {
-      {"╧à Eksport pliku roboczego do miejsc A i B (format `KLOTE\") "_mz, ExportToPlaces},
-      {"╧ç Import pliku roboczego z miejsc A i B (format `KLOTE\") "_mz, ImportFromPlaces},
-      {"╧ê Przekazywanie pliku roboczego pomiędzy użytkownikami "_mz, PassWorkFile},
-      {"╧ë Import do pliku roboczego z formatów innych programów "_mz, NotYet},
-      {"╧è Eksport pliku roboczego w formatach innych programów "_mz, NotYet},
-      {"╧ï Wprowadzanie zmian w pliku roboczym "_mz, EditHere},
-      {"╧î Eksport pliku roboczego do dowolnego miejsca systemu plików "_mz, ExportAnywhere},
-      {"╧Ä Import pliku roboczego z dowolnego miejsca systemu plików "_mz, ImportAnywhere},
-      {"╧ô Eksport pliku roboczego do `katalogu wymiany plików\" "_mz, ExportToExchange},
-      {"╧ö Import pliku roboczego z `katalogu wymiany plików\" "_mz, ImportFromExchange},
-      {"   Czyszczenie głównego katalogu dyskietki "_mz, ClearFloppy},
+      {" Eksport pliku roboczego do miejsc A i B (format `KLOTE\") "_mz, ExportToPlaces},
+      {" Import pliku roboczego z miejsc A i B (format `KLOTE\") "_mz, ImportFromPlaces},
+      {" Przekazywanie pliku roboczego pomiędzy użytkownikami "_mz, PassWorkFile},
+      {" Import do pliku roboczego z formatów innych programów "_mz, NotYet},
+      {" Eksport pliku roboczego w formatach innych programów "_mz, NotYet},
+      {" Wprowadzanie zmian w pliku roboczym "_mz, EditHere},
+      {" Eksport pliku roboczego do dowolnego miejsca systemu plików "_mz, ExportAnywhere},
+      {" Import pliku roboczego z dowolnego miejsca systemu plików "_mz, ImportAnywhere},
+      {" Eksport pliku roboczego do `katalogu wymiany plików\" "_mz, ExportToExchange},
+      {" Import pliku roboczego z `katalogu wymiany plików\" "_mz, ImportFromExchange},
+      {" Czyszczenie głównego katalogu dyskietki "_mz, ClearFloppy},
   };
   std::vector<ShortText> choices;
   for (const MenuRow& row : kRows) choices.push_back(row.text);

@@ -84,6 +84,10 @@ void CountStock() {
   }
   for (std::size_t i = 0; i < numbers.size(); ++i)
     (void)MessageBox(CountsText("Magazyn nr "_mz + ShortText(std::to_string(numbers[i])), counts[i]), 0);
+  StockCounts own;
+  bool exists = false;
+  Checked(WorkFileCountIn(CurrentUserNumber(), own, exists));
+  if (exists) (void)MessageBox(CountsText("Ilości w Twoim pliku roboczym"_mz, own), 0);
 }
 
 void RemoveEmpty(int32_t warehouse) {

@@ -60,6 +60,8 @@ const ShortText kHeader = " nazwa                       indeks cyfrowy  indeks z
 const ShortText kKeys = " F2-nazwa F3-fragm. F4-ind. F7-pole Ins-nowy F5-kor. Del-kas. F6-widok F9-kons."_mz;
 const ShortText kNameSearch = "Wprowadź początek szukanej nazwy: ------------------------------- "_mz;
 const ShortText kFragmentSearch = "Wprowadź ciąg znaków z nazwy: --------------------------------------------- "_mz;
+const ShortText kReadFault =
+    "Wystąpiły zakłócenia odczytu bazy.@@Wyjdź do głównego menu programu, rezygnując z wprowadzanych zmian,@a potem wróć do wykonywanych czynności."_mz;
 const ShortText kIndexSearch = "Wprowadź szukany indeks cyfrowy:                 "_mz;
 
 ShortText RowText(const ItemListRow& row) {
@@ -78,6 +80,7 @@ class CatalogueScreen {
     Window(1, 1, 80, 25);
     LoadFrom(ItemListKey{}, true);
     for (;;) {
+      if (readFailed_) return (void)MessageBox(kReadFault, 0);
       Draw();
       const unsigned char code = KeyCodeOf(ReadKeyUpper());
       if (code == kEsc) return;
@@ -127,10 +130,18 @@ class CatalogueScreen {
     TermFlush();
   }
 
+  // Rows of the list; a read that fails leaves none and ends the list with
+  // the system's message (a table changed under it, the server gone), not the program.
+  void Read(const ItemListKey& key, bool forward, int limit, std::vector<ItemListRow>& rows) {
+    if (ItemListRead(kind_, warehouse_, key, forward, limit, rows) == 0) return;
+    rows.clear();
+    readFailed_ = true;
+  }
+
   // A screenful from the key on (forward) or up to it (backward).
   void LoadFrom(const ItemListKey& key, bool forward) {
     std::vector<ItemListRow> rows;
-    Checked(ItemListRead(kind_, warehouse_, key, forward, kRows, rows));
+    Read(key, forward, kRows, rows);
     rows_ = std::move(rows);
     bar_ = 0;
   }
@@ -143,7 +154,7 @@ class CatalogueScreen {
       return true;
     }
     std::vector<ItemListRow> more;
-    Checked(ItemListRead(kind_, warehouse_, ItemListKeyOf(down ? rows_.back() : rows_.front()), down, 1, more));
+    Read(ItemListKeyOf(down ? rows_.back() : rows_.front()), down, 1, more);
     if (more.empty()) return false;
     if (down) {
       rows_.erase(rows_.begin());
@@ -158,7 +169,7 @@ class CatalogueScreen {
   bool Page(bool down) {
     if (rows_.empty()) return false;
     std::vector<ItemListRow> more;
-    Checked(ItemListRead(kind_, warehouse_, ItemListKeyOf(down ? rows_.back() : rows_.front()), down, kRows, more));
+    Read(ItemListKeyOf(down ? rows_.back() : rows_.front()), down, kRows, more);
     if (more.empty()) {
       bar_ = down ? static_cast<int>(rows_.size()) - 1 : 0;
       return true;
@@ -249,6 +260,7 @@ class CatalogueScreen {
   ItemListKind kind_;
   std::vector<ItemListRow> rows_;
   int bar_ = 0;
+  bool readFailed_ = false;
 };
 
 bool CatalogueScreen::EditPrice() {

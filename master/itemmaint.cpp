@@ -19,6 +19,7 @@
 #include "master/tables.h"
 #include "sqltable/dbapp.h"
 #include "sqltable/pgtable.h"
+#include "users/users.h"
 
 using items_detail::NumberText;
 using items_detail::SqlText;
@@ -100,17 +101,9 @@ int16_t StockCondition(std::string& out) {
 }
 
 std::string CatalogueSet(const ItemData& item) {
-  std::string set = "nazwa=" + SqlText(item.name) + ",nazwa_=" + SqlText(item.name2) + ",cena_z_n=" +
-                    NumberText(item.buyNet) + ",cena_z_b=" + NumberText(item.buyGross) + ",vat=" + SqlText(item.vat) +
-                    ",sww=" + SqlText(item.sww) + ",czy_od_pl_vat=" + SqlText(item.vatPayer) +
-                    ",indeks_znakowy_isbn=" + SqlText(item.code) +
-                    ",indeks_numeryczny=" + std::to_string(item.digitIndex) + ",dostawca=" +
-                    std::to_string(item.supplier) + ",miejsce_w_magazynie=" + SqlText(item.place);
-  static const char* const keys[5] = {"k1_pochodzenie_autor", "k2_wydawca", "k3_grupa_tow", "k4", "k5"};
-  for (int k = 0; k < 5; ++k) set += std::string(",") + keys[k] + "=" + SqlText(item.keys[k]);
-  return set + ",cena_s_n=" + NumberText(item.saleNet) + ",cena_s_b=" + NumberText(item.saleGross) +
-         ",jednostka=" + SqlText(item.unit) + ",ilosc_w_opak=" + NumberText(item.packQuantity) +
-         ",dostawca_opis=" + SqlText(item.supplierText) + ",blok_rab=" + std::to_string(item.discountLock);
+  return items_detail::DescriptiveSet(item) + ",cena_z_n=" + NumberText(item.buyNet) + ",cena_z_b=" +
+         NumberText(item.buyGross) + ",cena_s_n=" + NumberText(item.saleNet) + ",cena_s_b=" +
+         NumberText(item.saleGross) + ",blok_rab=" + std::to_string(item.discountLock);
 }
 
 // Another row with the same key (names, vat, sww, VAT-payer text, purchase prices) or the same character index.
@@ -183,6 +176,7 @@ int16_t ItemEdit(const ItemData& item, ItemPriceScope scope, int32_t warehouse, 
     if (const int16_t code = PGRunQueryNoTup("UPDATE " + kKat + " SET " + CatalogueSet(item) +
                                              " WHERE nr_wewn=" + std::to_string(item.number)))
       return code;
+    if (const int16_t code = ItemWalkUserTables(stored, item, report)) return code;
   }
   std::vector<int32_t> numbers;
   if (scope == ItemPriceScope::kEverywhere) {
@@ -230,12 +224,15 @@ int16_t ItemDelete(int32_t number, bool& found, bool& hadTurnover) {
   return lock.Commit();
 }
 
-int16_t StockCountIn(int32_t warehouse, StockCounts& counts) {
+namespace {
+
+// Rows of a table by the sign of its column ilosc.
+int16_t CountBySign(const std::string& table, StockCounts& counts) {
   counts = StockCounts{};
   PGResult res;
   if (const int16_t code = PGRunQueryWithTup(
           "SELECT count(*) FILTER (WHERE ilosc>0),count(*) FILTER (WHERE ilosc<0),count(*) FILTER (WHERE ilosc=0),"
-          "count(*) FROM " + items_detail::WarehouseSql(warehouse, "stany_mg"),
+          "count(*) FROM " + table,
           res))
     return code;
   counts.positive = static_cast<long>(items_detail::IntOf(res.Value(0, 0)));
@@ -243,6 +240,19 @@ int16_t StockCountIn(int32_t warehouse, StockCounts& counts) {
   counts.zero = static_cast<long>(items_detail::IntOf(res.Value(0, 2)));
   counts.all = static_cast<long>(items_detail::IntOf(res.Value(0, 3)));
   return 0;
+}
+
+}  // namespace
+
+int16_t StockCountIn(int32_t warehouse, StockCounts& counts) {
+  return CountBySign(items_detail::WarehouseSql(warehouse, "stany_mg"), counts);
+}
+
+int16_t WorkFileCountIn(int32_t user, StockCounts& counts, bool& exists) {
+  counts = StockCounts{};
+  const ShortText path = UserPath(user, ShortText("plikrob_"));
+  if (const int16_t code = PGTblExist(path, exists); code != 0 || !exists) return code;
+  return CountBySign(PGSqlName(path).Str(), counts);
 }
 
 int16_t RemoveZeroStock(int32_t warehouse, long& removed) {
@@ -268,9 +278,18 @@ int16_t RemoveItemsWithoutTurnover(long& removed) {
   std::string stock;
   if (const int16_t code = SpecTables(specs)) return code;
   if (const int16_t code = StockCondition(stock)) return code;
+  bool keptExists = false;
+  if (const int16_t code = PGTblExist(kKeptItemsTable, keptExists)) return code;
+  if (!keptExists)
+    if (const int16_t code = CreateTableFrom(kKeptItemsTable, TableDef{kKatTowDef.columns, 0, {}, {}})) return code;
+  std::string columns;
+  for (const ColumnDef& c : kKatTowDef.columns) columns += (columns.empty() ? "" : ",") + std::string(c.name);
+  // The deleted rows go into the copy in the same statement: none is lost, none kept twice.
   items_detail::CatalogueLock lock;
-  if (const int16_t code = Changed("DELETE FROM " + kKat + " K WHERE NOT " + TurnoverCondition(specs, "") +
-                                       " AND NOT " + stock,
+  if (const int16_t code = CountOf("WITH d AS (DELETE FROM " + kKat + " K WHERE NOT " + TurnoverCondition(specs, "") +
+                                       " AND NOT " + stock + " RETURNING " + columns + "), i AS (INSERT INTO " +
+                                       PGSqlName(kKeptItemsTable).Str() + " (" + columns + ") SELECT " + columns +
+                                       " FROM d RETURNING 1) SELECT count(*) FROM i",
                                    removed))
     return code;
   return lock.Commit();

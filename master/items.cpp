@@ -252,6 +252,10 @@ int16_t ItemFindByDigitIndex(int64_t digitIndex, ItemData& item, bool& found) {
   return FindOne("K.indeks_numeryczny=" + std::to_string(digitIndex), "K.nr_wewn", item, found);
 }
 
+int16_t ItemFindByFeatures(const ItemData& item, ItemData& found, bool& exists) {
+  return FindOne(SameFeatures(item), "K.nr_wewn", found, exists);
+}
+
 int16_t ItemFindByName(const ShortText& prefix, ItemData& item, bool& found) {
   std::string bytes = prefix.Str();
   MazToDbInPlace(bytes.data(), bytes.size());
@@ -260,13 +264,10 @@ int16_t ItemFindByName(const ShortText& prefix, ItemData& item, bool& found) {
                  "K.nazwa,K.nazwa_,K.oid", item, found);
 }
 
-int16_t ItemStorePrices(const ItemData& item, bool& found, ShortText& refusal) {
-  found = false;
-  refusal.Clear();
-  for (Real v : {item.buyNet, item.buyGross, item.saleNet, item.saleGross})
-    if (!AmountInRange(v)) refusal = items_detail::BadAmountText();
-  if (!refusal.Empty()) return 0;
-  items_detail::CatalogueLock lock;
+namespace {
+
+// ItemStorePrices under the catalogue's lock that the caller holds.
+int16_t StorePricesLocked(const ItemData& item, bool& found, ShortText& refusal) {
   ItemData stored;
   if (const int16_t code = ItemFindByNumber(item.number, stored, found); code != 0 || !found) return code;
   // The purchase prices belong to the catalogue's key: a change that repeats another row's key is refused.
@@ -289,10 +290,20 @@ int16_t ItemStorePrices(const ItemData& item, bool& found, ShortText& refusal) {
     found = false;
     return 0;
   }
-  if (const int16_t code = First({search, PGRecGet(kat.Tbl(), kat.Rec()), PutPrices(kat.Rec(), item),
-                                  PGRecUpdate(kat.Tbl(), kat.Rec())}))
-    return code;
-  return lock.Commit();
+  return First({search, PGRecGet(kat.Tbl(), kat.Rec()), PutPrices(kat.Rec(), item), PGRecUpdate(kat.Tbl(), kat.Rec())});
+}
+
+}  // namespace
+
+int16_t ItemStorePrices(const ItemData& item, bool& found, ShortText& refusal) {
+  found = false;
+  refusal.Clear();
+  for (Real v : {item.buyNet, item.buyGross, item.saleNet, item.saleGross})
+    if (!AmountInRange(v)) refusal = items_detail::BadAmountText();
+  if (!refusal.Empty()) return 0;
+  items_detail::CatalogueLock lock;
+  const int16_t code = StorePricesLocked(item, found, refusal);
+  return code != 0 || !found || !refusal.Empty() ? code : lock.Commit();
 }
 
 int16_t SetItemActive(int32_t number, bool active) {
@@ -370,16 +381,20 @@ int16_t StockPricesOrNewRow(int32_t warehouse, int32_t number, Real net, Real gr
 int16_t ItemChangeSalePrice(int32_t number, Real gross, ItemPriceScope scope, int32_t warehouse, bool& found,
                             ShortText& refusal) {
   refusal.Clear();
-  ItemData item;
-  if (const int16_t code = ItemFindByNumber(number, item, found); code != 0 || !found) return code;
   if (!AmountInRange(gross) || gross < 0) {
     refusal = items_detail::BadAmountText();
     return 0;
   }
+  // One transaction over the catalogue, the users' tables and the warehouses.
+  items_detail::CatalogueLock lock;
+  ItemData item;
+  if (const int16_t code = ItemFindByNumber(number, item, found); code != 0 || !found) return code;
+  const ItemData before = item;
   item.saleGross = gross;
   item.saleNet = NetFromGross(gross, item.vat);
   if (scope != ItemPriceScope::kWarehouse) {
-    if (const int16_t code = ItemStorePrices(item, found, refusal); code != 0 || !found || !refusal.Empty()) return code;
+    if (const int16_t code = StorePricesLocked(item, found, refusal); code != 0 || !found || !refusal.Empty()) return code;
+    if (const int16_t code = ItemWalkUserTables(before, item, nullptr)) return code;
   }
   if (scope == ItemPriceScope::kEverywhere) {
     PGResult numbers;
@@ -391,5 +406,7 @@ int16_t ItemChangeSalePrice(int32_t number, Real gross, ItemPriceScope scope, in
       if (const int16_t code = StockStorePrices(other, number, item.saleNet, item.saleGross)) return code;
     }
   }
-  return warehouse > 0 ? StockPricesOrNewRow(warehouse, number, item.saleNet, item.saleGross) : 0;
+  if (warehouse > 0)
+    if (const int16_t code = StockPricesOrNewRow(warehouse, number, item.saleNet, item.saleGross)) return code;
+  return lock.Commit();
 }

@@ -21,6 +21,8 @@
 #include "base/shorttext.h"
 
 inline constexpr const char* kKatTowTable = "dane\\kat_tow_";
+// The copy of the items deleted for having no turnover (the catalogue's columns).
+inline constexpr const char* kKeptItemsTable = "dane\\kat_towz";
 inline constexpr int32_t kItemNumberMax = 2147483647;
 inline constexpr int64_t kDigitIndexMax = 999999999999999LL;
 // The grouped stock view sums at most this many warehouses; the rest are left out.
@@ -95,6 +97,9 @@ bool AmountInRange(Real value);
 [[nodiscard]] int16_t ItemFindByCode(const ShortText& code, ItemData& item, bool& found);
 // The first row with that digit index.
 [[nodiscard]] int16_t ItemFindByDigitIndex(int64_t digitIndex, ItemData& item, bool& found);
+// The first row (in internal-number order) equal to item on the catalogue's
+// key: both names, vat, sww and czy_od_pl_vat.
+[[nodiscard]] int16_t ItemFindByFeatures(const ItemData& item, ItemData& found, bool& exists);
 // The first row by name order whose name starts with prefix.
 [[nodiscard]] int16_t ItemFindByName(const ShortText& prefix, ItemData& item, bool& found);
 // Writes the item's prices over its catalogue row; found false (nothing written) when it is gone.
@@ -119,8 +124,9 @@ bool AmountInRange(Real value);
 enum class ItemPriceScope : uint8_t { kWarehouse = 1, kCatalogueAndWarehouse = 2, kEverywhere = 3 };
 // Sets an item's gross sale price (net through its VAT group) in the scope:
 // the current warehouse's stock row (added with quantity 0 when missing),
-// and the catalogue, and every warehouse of dane\magazyny marked Z. found
-// false when the item is gone; a refusal leaves everything as it was.
+// and the catalogue (with the users' tables, ItemWalkUserTables), and every
+// warehouse of dane\magazyny marked Z. found false when the item is gone; a
+// refusal leaves everything as it was.
 [[nodiscard]] int16_t ItemChangeSalePrice(int32_t number, Real gross, ItemPriceScope scope, int32_t warehouse,
                                           bool& found, ShortText& refusal);
 
@@ -132,11 +138,17 @@ bool ItemKeyChanged(const ItemData& before, const ItemData& after);
 // Writes a changed item in the scope: the current warehouse's sale prices
 // only; or the whole catalogue row and those prices; or the row and the
 // sale prices of every warehouse. A changed key goes into the lines of
-// goods documents of every warehouse. A row that would repeat another's key
+// goods documents of every warehouse; a change of the catalogue row goes
+// into the users' work tables and work files (ItemWalkUserTables). A row that would repeat another's key
 // or character index is refused; found false when the item is gone; on any
 // refusal or failure nothing is written.
 [[nodiscard]] int16_t ItemEdit(const ItemData& item, ItemPriceScope scope, int32_t warehouse,
                                const ItemWalkReport& report, bool& found, ShortText& refusal);
+// Carries a changed item into every user's praca___ and plikrob_: their
+// rows of the item take its names, VAT group, indexes and the other
+// descriptive columns; a row's price pair follows only when it held the
+// catalogue's old pair (a price of the row's own stays). Told per table.
+[[nodiscard]] int16_t ItemWalkUserTables(const ItemData& before, const ItemData& after, const ItemWalkReport& report);
 // Deletes an item with its stock rows. An item with lines in any warehouse,
 // or stock held or ordered, stays (hadTurnover), only its empty stock rows go.
 [[nodiscard]] int16_t ItemDelete(int32_t number, bool& found, bool& hadTurnover);
@@ -145,11 +157,14 @@ struct StockCounts {
   long positive = 0, negative = 0, zero = 0, all = 0;
 };
 [[nodiscard]] int16_t StockCountIn(int32_t warehouse, StockCounts& counts);
+// The rows of a user's work file by the sign of their quantity; exists false (all 0) when he has none.
+[[nodiscard]] int16_t WorkFileCountIn(int32_t user, StockCounts& counts, bool& exists);
 // Deletes the stock rows with nothing in stock and nothing ordered, in one
 // warehouse or (warehouse 0) in all; removed receives how many.
 [[nodiscard]] int16_t RemoveZeroStock(int32_t warehouse, long& removed);
 // Also deletes the items without any line in any warehouse and with nothing
-// in stock or ordered; removed receives how many items went.
+// in stock or ordered, keeping their rows in dane\kat_towz; removed
+// receives how many items went.
 [[nodiscard]] int16_t RemoveItemsWithoutTurnover(long& removed);
 // Hides the active items without a line dated on or after since
 // ("DD-MM-RRRR") and with nothing in stock or ordered, telling step 1..4.

@@ -30,6 +30,8 @@ Real RealOf(std::string_view text);
 int64_t IntOf(std::string_view text);
 // A price or quantity as an SQL number with seven decimals.
 std::string NumberText(Real value);
+// "nazwa=...,...,dostawca_opis=...": the columns of an item row other than prices, quantities and marks.
+std::string DescriptiveSet(const ItemData& item);
 // The SQL name of a warehouse's table.
 std::string WarehouseSql(int32_t warehouse, const char* table);
 

@@ -247,4 +247,117 @@ TEST_F(KloteE2eTest, OtherCataloguesOfferTheNumberRegister) {
   EXPECT_TRUE(WaitForText("KLOTE-END")) << Joined(Rows());
 }
 
+// One step of a walk: keys sent, then a text that must appear.
+struct WalkStep {
+  std::string keys;
+  std::string shown;
+};
+
+// The goods walks run on the demo firm, made by tools/demo-firm in the test's own schema.
+class KloteGoodsE2eTest : public KloteE2eTest {
+ protected:
+  void SetUp() override {
+    KloteE2eTest::SetUp();
+    if (IsSkipped()) return;
+    const char* options = std::getenv("PGOPTIONS");
+    const std::string demo = "cd " + Db().home + " && HOME=" + Db().home + " PGOPTIONS='" + (options ? options : "") +
+                             "' " KLOTE_BINARY_DIR "/tools/demo-firm/demo-firm >/dev/null";
+    ASSERT_EQ(std::system(demo.c_str()), 0);
+  }
+  // The manager logs in and takes the first warehouse; the bar of Towary is up.
+  void StartInFirstWarehouse() {
+    Start(Db().home);
+    LogInAsManager();
+    ASSERT_TRUE(WaitForText("Wybierz magazyn, na którego konto wprowadzać będziesz dane:")) << Joined(Rows());
+    Keys("Enter");
+    ASSERT_TRUE(ShowsHeading(kHeadings[0])) << Joined(Rows());
+  }
+  // Esc back to the menu, whose bar rests on the entry with that explanation, and Esc out of the program.
+  void LeaveToTheEnd(const std::string& explanation) {
+    Keys("Escape");
+    ASSERT_TRUE(WaitFor([&](const std::vector<std::string>& rows) { return rows[24] == explanation; }))
+        << Joined(Rows());
+    Keys("Escape");
+    EXPECT_TRUE(WaitForText("KLOTE-END")) << Joined(Rows());
+  }
+  static std::string One(const std::string& sql) {
+    std::string out;
+    EXPECT_TRUE(Psql(sql, &out)) << out;
+    if (!out.empty() && out.back() == '\n') out.pop_back();
+    return out;
+  }
+};
+
+// The catalogue from the menu: an item found by the start of its name, another
+// by its character index (the search by any field), its price changed in the
+// catalogue and the warehouse, and the way out; the database then holds the price.
+TEST_F(KloteGoodsE2eTest, CatalogueFindsByNameAndCodeAndChangesAPrice) {
+  const std::string bread = "nazwa='Chleb żytni' AND nazwa_='Mazowiecki'";
+  const std::string number = One("SELECT nr_wewn FROM dane_kat_tow_ WHERE " + bread);
+  const std::string code = One("SELECT rtrim(indeks_znakowy_isbn) FROM dane_kat_tow_ WHERE " + bread);
+  ASSERT_EQ(code.size(), 13u);
+  const std::string elsewhere = One("SELECT csb FROM dane_2_stany_mg WHERE nr_wewn=" + number);
+  StartInFirstWarehouse();
+  const WalkStep steps[] = {
+      {"F3 1", "Katalog towarów - magazyn nr 1"},
+      {"F2", "Wprowadź początek szukanej nazwy:"},
+      {"'Kawa mi' Enter", "\n Kawa mielona"},  // the first row of the list
+      {"F7", "Wybierz, według jakiego pola szukać:"},
+      {"Down Down Down Down Down Down Down Down Enter", "Podaj pełną wartość pola:"},  // the ninth, indeks_znakowy_isbn
+      {code + " Enter", "\n Chleb żytni Mazowiecki"},
+      {"Enter", "Korekta danych oznaczonej ciemnym pasem kartoteki towarowej:"},
+      {"BSpace BSpace BSpace BSpace BSpace BSpace BSpace BSpace BSpace BSpace BSpace BSpace '7.77' Enter",
+       "Jak zmienić dane (jeśli nie wiesz, wybierz zaznaczoną opcję)"},
+      {"Enter", "7.77"},  // the marked scope: the catalogue and the current warehouse
+  };
+  for (const WalkStep& step : steps) {
+    Keys(step.keys);
+    ASSERT_TRUE(WaitForText(step.shown)) << step.keys << "\n" << Joined(Rows());
+  }
+  LeaveToTheEnd("Specjalne operacje na katalogu towarów, dopisywanie kartotek, zmiany.");
+  EXPECT_EQ(One("SELECT cena_s_b||'/'||round(cena_s_n,2) FROM dane_kat_tow_ WHERE " + bread),
+            "7.7700000/" + One("SELECT round(7.77/1.05,2)"));
+  EXPECT_EQ(One("SELECT csb FROM dane_1_stany_mg WHERE nr_wewn=" + number), "7.7700000");
+  EXPECT_EQ(One("SELECT csb FROM dane_2_stany_mg WHERE nr_wewn=" + number), elsewhere);  // out of the scope
+}
+
+// The work file from the Towary menu: filled from the catalogue in its
+// editor, written as DBF to a directory, and that file read by Debian's
+// python3-dbfread against the warehouse's stock.
+TEST_F(KloteGoodsE2eTest, WorkFileFromTheCatalogueWrittenAsDbf) {
+  const std::string dir = Db().home + "/wyj";
+  std::filesystem::remove_all(dir);
+  std::filesystem::create_directories(dir);
+  StartInFirstWarehouse();
+  const WalkStep steps[] = {
+      {"F3 2", "6  Wprowadzanie zmian w pliku roboczym"},
+      {"6", "Plik roboczy jest pusty."},
+      {"IC", "Dopisać do pliku roboczego:"},
+      {"2", "Atlas Polski (eksport)"},  // the list of rows, name order
+      {"Escape", "Wybierz opcję:"},
+      {"7", "Skopiować plik roboczy do miejsca:"},
+      {"wyj Enter", "Kopiowanie zakończone poprawnie."},
+      {"Enter", "Wybierz opcję:"},
+  };
+  for (const WalkStep& step : steps) {
+    Keys(step.keys);
+    ASSERT_TRUE(WaitForText(step.shown)) << step.keys << "\n" << Joined(Rows());
+  }
+  LeaveToTheEnd("Przesyłanie, eksporty, importy sporządzonej listy roboczej towarów.");
+
+  const std::string script = "import dbfread\n"
+                             "rows = list(dbfread.DBF('" + dir + "/plikrob_.dbf', encoding='latin1'))\n"
+                             "print(len(rows), sum(r['NR_WEWN'] for r in rows), '%.3f' % sum(r['ILOSC'] for r in rows))\n";
+  FILE* py = ::popen(("/usr/bin/python3 -c \"" + script + "\"").c_str(), "r");
+  ASSERT_NE(py, nullptr);
+  char line[200] = {};
+  const bool read = std::fgets(line, sizeof line, py) != nullptr;
+  ASSERT_EQ(::pclose(py), 0);
+  ASSERT_TRUE(read);
+  EXPECT_EQ(std::string(line),
+            One("SELECT count(*)||' '||sum(K.nr_wewn)||' '||to_char(sum(S.ilosc),'FM999990.000') FROM dane_kat_tow_ K "
+                "JOIN dane_1_stany_mg S ON S.nr_wewn=K.nr_wewn WHERE K.ilosc IS NOT NULL") + "\n");
+  EXPECT_EQ(One("SELECT count(*) FROM dane_uzytkown_0_plikrob_"), One("SELECT count(*) FROM dane_kat_tow_"));
+}
+
 }  // namespace

@@ -8,11 +8,13 @@
 
 #include <cstdio>
 #include <filesystem>
+#include <fstream>
 #include <functional>
 #include <string>
 #include <vector>
 
 #include "base/mazovia.h"
+#include "documents/docsave.h"
 #include "exchange/workfile.h"
 #include "master/tables.h"
 #include "sqltable/pglib.h"
@@ -349,6 +351,290 @@ TEST_F(WorkFileTest, AUserWorkingInAnotherProcessKeepsHisWorkFile) {
             WorkFileImport::kLocked);
   EXPECT_EQ(Rows(2), before);
   EXPECT_FALSE(UserWorkingElsewhere(1));
+}
+
+TEST(WorkFileMiniTest, LinesAreNumberCommaQuantityAndAnyBadLineRefusesTheFile) {
+  struct Case {
+    std::string bytes;
+    bool ok;
+    std::vector<std::pair<int32_t, double>> entries;
+  };
+  const Case cases[] = {
+      {"", true, {}},
+      {"7,2.5\r\n12,-1\r\n", true, {{7, 2.5}, {12, -1}}},
+      {"7,2.5\n\n2147483647,0\n\x1a", true, {{7, 2.5}, {2147483647, 0}}},
+      {"7,2.5", true, {{7, 2.5}}},
+      {"7;2.5\r\n", false, {}},
+      {"7,\r\n", false, {}},
+      {",3\r\n", false, {}},
+      {"0,3\r\n", false, {}},
+      {"2147483648,3\r\n", false, {}},
+      {"-7,3\r\n", false, {}},
+      {"7,3x\r\n", false, {}},
+      {"7,2.5\r\n8,1e30\r\n", false, {}},
+      {"7,100000000000000000000000000000\r\n", false, {}},
+      {std::string("7,2\0\r\n", 6), false, {}},
+  };
+  for (const Case& c : cases) {
+    std::vector<MiniEntry> got = {{1, 1}};
+    EXPECT_EQ(ParseMini(c.bytes, got), c.ok) << c.bytes;
+    ASSERT_EQ(got.size(), c.entries.size()) << c.bytes;
+    for (std::size_t i = 0; i < got.size(); ++i) {
+      EXPECT_EQ(got[i].number, c.entries[i].first) << c.bytes;
+      EXPECT_EQ(static_cast<double>(got[i].quantity), c.entries[i].second) << c.bytes;
+    }
+  }
+  EXPECT_EQ(MiniLine(12, 1.5L), "12,1.5\r\n");
+  EXPECT_EQ(MiniLine(3, 4), "3,4\r\n");
+  EXPECT_EQ(MiniLine(3, -0.0000001L), "3,-0.0000001\r\n");
+}
+
+TEST_F(WorkFileTest, TheMiniFormGoesOutAndComesBackThroughTheCatalogue) {
+  Fill();
+  std::vector<WorkFileRow> rows;
+  ASSERT_EQ(WorkRowsFromDocument(kWarehouse, 1, 7, "FV", rows), 0);
+  rows[0].quantity = 1.234567L;
+  ASSERT_EQ(WorkFileWrite(WorkFileName(1), rows, false), 0);
+  std::filesystem::create_directories("mini");
+  int16_t code = 0;
+  ASSERT_TRUE(WorkFileToMini(WorkFileName(1), ShortText("mini/dane.klt"), code));
+  EXPECT_EQ(ReadFile("mini/dane.klt"), MiniLine(items_[0], 1.234567L) + MiniLine(items_[2], 1.5L));
+  // A number the catalogue does not hold is left out and named.
+  { std::ofstream("mini/dane.klt", std::ios::app) << "99999,3\r\n"; }
+  std::vector<int32_t> unknown;
+  ASSERT_EQ(WorkFileFromMini(WorkFileName(2), ShortText("mini/dane.klt"), code, unknown), WorkFileImport::kDone);
+  EXPECT_EQ(code, 0);
+  EXPECT_EQ(unknown, std::vector<int32_t>{99999});
+  EXPECT_EQ(Rows(2), "Mleko:1.235 " + ("Żółć"_mz).Str() + ":1.500 ");
+  std::vector<WorkFileRow> back;
+  ASSERT_EQ(WorkFileRead(WorkFileName(2), back), 0);
+  EXPECT_EQ(back[1].item.saleGross, GrossFromNet(10, ShortText("23")));  // the catalogue's price, not the line's
+
+  // Bad files and a held lock change nothing.
+  const std::string before = Rows(2);
+  std::filesystem::remove("mini/none.klt");
+  { std::ofstream("mini/bad.klt") << MiniLine(items_[1], 2) << "x,1\r\n"; }
+  struct Bad {
+    const char* file;
+    WorkFileImport result;
+  };
+  const Bad bad[] = {{"mini/none.klt", WorkFileImport::kBadFile}, {"mini/bad.klt", WorkFileImport::kBadFile}};
+  for (const Bad& b : bad) {
+    EXPECT_EQ(WorkFileFromMini(WorkFileName(2), ShortText(b.file), code, unknown), b.result) << b.file;
+    EXPECT_EQ(Rows(2), before) << b.file;
+  }
+  HoldElsewhere(2);
+  EXPECT_EQ(WorkFileFromMini(WorkFileName(2), ShortText("mini/dane.klt"), code, unknown), WorkFileImport::kLocked);
+  EXPECT_EQ(Rows(2), before);
+
+  // Through the screen: the form is recognised, asked about, and taken.
+  gSteps = {[] { (void)PushKey('t', 20); }};
+  EXPECT_TRUE(ImportWorkFileFrom(ShortText("mini/"), false));
+  EXPECT_TRUE(Shown("Wykryto `mini\" (numer,ilość)."_mz));
+  EXPECT_TRUE(Shown("nr 99999"));
+  EXPECT_EQ(Rows(1), before);
+}
+
+// The menu by keys: its rows under their key-caps, and the entries run by their digits.
+TEST_F(WorkFileTest, TheMenuShowsItsRowsAndRunsThemByTheirKeys) {
+  Fill();
+  std::vector<WorkFileRow> rows;
+  ASSERT_EQ(WorkRowsFromCatalogue(kWarehouse, rows), 0);
+  ASSERT_EQ(WorkFileWrite(WorkFileName(1), rows, false), 0);
+  auto keys = [](const std::string& text) {
+    return [text] {
+      for (unsigned char c : text) (void)PushKey(c == '\r' ? 13 : c, c == '\r' ? 28 : 0);
+    };
+  };
+  // 4: not built; the last row (key-cap A): drive A, which is no diskette; 7: a directory.
+  gSteps = {keys("4"), keys("\r"), keys("A"), keys("\r"), keys("\r"), keys("7"), keys("menu\r"), keys("\r")};
+  std::filesystem::remove_all("menu");
+  std::filesystem::create_directories("menu");
+  WorkFileMenu(kWarehouse);
+  const ShortText kRows[] = {
+      "╧à  Eksport pliku roboczego do miejsc A i B (format `KLOTE\")"_mz,
+      "╧ç  Import pliku roboczego z miejsc A i B (format `KLOTE\")"_mz,
+      "╧ê  Przekazywanie pliku roboczego pomiędzy użytkownikami"_mz,
+      "╧ë  Import do pliku roboczego z formatów innych programów"_mz,
+      "╧è  Eksport pliku roboczego w formatach innych programów"_mz,
+      "╧ï  Wprowadzanie zmian w pliku roboczym"_mz,
+      "╧î  Eksport pliku roboczego do dowolnego miejsca systemu plików"_mz,
+      "╧Ä  Import pliku roboczego z dowolnego miejsca systemu plików"_mz,
+      "╧ô  Eksport pliku roboczego do `katalogu wymiany plików\""_mz,
+      "╧ö  Import pliku roboczego z `katalogu wymiany plików\""_mz,
+      "  Czyszczenie głównego katalogu dyskietki"_mz,
+  };
+  ASSERT_FALSE(gScreens.empty());
+  for (const ShortText& row : kRows) EXPECT_NE(gScreens[0].find(row.Str()), std::string::npos) << row.Str();
+  EXPECT_NE(gScreens[0].find(("Wybierz opcję:"_mz).Str()), std::string::npos);
+  EXPECT_TRUE(Shown("Ta opcja nie jest jeszcze dostępna."_mz));
+  EXPECT_TRUE(Shown("Wybrane miejsce nie wygląda na dyskietkę."_mz));
+  EXPECT_TRUE(Shown("Kopiowanie zakończone poprawnie."_mz));
+  DbfFile dbf;
+  ASSERT_EQ(DbfOpen(dbf, ShortText("menu/plikrob_.dbf")), 0);
+  EXPECT_EQ(dbf.recordCount, static_cast<int64_t>(rows.size()));
+  EXPECT_TRUE(DbfIsWorkFile(dbf));
+}
+
+TEST(WorkFileTakeTest, TheSourceDecidesThePricesOfTheRows) {
+  WorkFileRow row;
+  row.item.vat = "23";
+  row.item.supplier = 3;
+  row.item.buyNet = 10;
+  row.item.buyGross = 12.3L;
+  row.item.saleNet = 15;
+  row.item.saleGross = 18.45L;
+  struct Case {
+    TakeRules rules;
+    Real buyNet, buyGross, saleNet, saleGross;
+    int32_t supplier;
+  };
+  const Case cases[] = {
+      {{WorkFileSource::kOwn, 9, 20, true, 0.1L}, 10, 12.3L, 15, 18.45L, 3},
+      {{WorkFileSource::kOwnSaleIsPurchase, 9, 20, true, 0.1L}, 15, 18.45L, 15, 18.45L, 3},
+      // 15 / 0.8 = 18.75 net, 23.0625 gross, 23.1 by the step
+      {{WorkFileSource::kForeignDelivery, 9, 20, true, 0.1L}, 15, 18.45L, 23.1L / 1.23L, 23.1L, 9},
+      // 10 * 1.5 = 15 net, 18.45 gross, 18 by the step
+      {{WorkFileSource::kForeignSalesSamePurchase, 9, 50, false, 1}, 10, 12.3L, 18 / 1.23L, 18, 9},
+      // sale 10 net, 12.3 gross; purchase 80 % of it
+      {{WorkFileSource::kForeignSalesPurchaseIsSale, 9, 20, true, 0}, 8, 9.84L, 10, 12.3L, 9},
+  };
+  for (const Case& c : cases) {
+    const WorkFileRow got = TakenRow(row, c.rules);
+    const int source = static_cast<int>(c.rules.source);
+    EXPECT_NEAR(static_cast<double>(got.item.buyNet), static_cast<double>(c.buyNet), 1e-9) << source;
+    EXPECT_NEAR(static_cast<double>(got.item.buyGross), static_cast<double>(c.buyGross), 1e-9) << source;
+    EXPECT_NEAR(static_cast<double>(got.item.saleNet), static_cast<double>(c.saleNet), 1e-9) << source;
+    EXPECT_NEAR(static_cast<double>(got.item.saleGross), static_cast<double>(c.saleGross), 1e-9) << source;
+    EXPECT_EQ(got.item.supplier, c.supplier) << source;
+  }
+}
+
+TEST_F(WorkFileTest, TakenIntoTheSpecificationRowsFindOrAddTheirItems) {
+  Fill();
+  std::vector<WorkFileRow> rows;
+  ASSERT_EQ(WorkRowsFromDocument(kWarehouse, 1, 7, "FV", rows), 0);
+  WorkFileRow stranger;
+  stranger.item.name = "Nowy towar";
+  stranger.item.vat = "23";
+  stranger.item.unit = "kg";
+  stranger.item.saleNet = 4;
+  stranger.item.saleGross = 4.92L;
+  stranger.quantity = 6;
+  rows.push_back(stranger);
+  ASSERT_TRUE(Psql("DELETE FROM dane_1_stany_mg WHERE nr_wewn=" + std::to_string(items_[2])));
+  ASSERT_EQ(WorkFileWrite(WorkFileName(1), rows, false), 0);
+  const std::string catalogue = Scalar("SELECT count(*) FROM dane_kat_tow_");
+
+  // A new item the catalogue refuses (no unit): the specification stays empty.
+  std::vector<WorkFileRow> bad = rows;
+  bad.back().item.unit.Clear();
+  ASSERT_EQ(WorkFileWrite(WorkFileName(2), bad, false), 0);
+  const TakeRules delivery{WorkFileSource::kForeignDelivery, 9, 25, false, 0.01L};
+  ShortText refusal;
+  ASSERT_EQ(WorkFileToSpecification(WorkFileName(2), 1, kWarehouse, delivery, nullptr, refusal), 0);
+  EXPECT_EQ(refusal, "Towar musi mieć jakąś jednostkę miary, prawda ?"_mz);
+  bool exists = false;
+  ASSERT_EQ(PGTblExist(WorkTablePath(1), exists), 0);
+  EXPECT_TRUE(!exists || Scalar("SELECT count(*) FROM dane_uzytkown_1_praca___") == "0");
+
+  std::vector<int> phases;
+  ASSERT_EQ(WorkFileToSpecification(WorkFileName(1), 1, kWarehouse, delivery,
+                                    [&](int p) { phases.push_back(p); }, refusal), 0);
+  EXPECT_TRUE(refusal.Empty()) << refusal.Str();
+  EXPECT_EQ(phases, (std::vector<int>{1, 2, 3}));
+  EXPECT_EQ(Scalar("SELECT count(*) FROM dane_kat_tow_"), std::to_string(std::stoi(catalogue) + 1));
+  const std::string added = Scalar("SELECT nr_wewn FROM dane_kat_tow_ WHERE nazwa='Nowy towar' AND dostawca=9");
+  EXPECT_EQ(Scalar("SELECT ilosc FROM dane_1_stany_mg WHERE nr_wewn=" + added), "0.0000000");
+  EXPECT_EQ(Scalar("SELECT ilosc FROM dane_1_stany_mg WHERE nr_wewn=" + std::to_string(items_[2])), "0.0000000");
+  std::vector<DocLine> lines;
+  ASSERT_EQ(WorkLinesRead(WorkTablePath(1), lines), 0);
+  ASSERT_EQ(lines.size(), 3u);
+  const int32_t numbers[] = {items_[0], items_[2], std::stoi(added)};
+  for (std::size_t i = 0; i < 3; ++i) {
+    EXPECT_EQ(lines[i].item.number, numbers[i]);
+    EXPECT_EQ(lines[i].quantity, rows[i].quantity);
+    // The other firm's sale is the purchase; the sale is 125 % of it, gross to the grosz.
+    EXPECT_EQ(lines[i].item.buyNet, rows[i].item.saleNet);
+    const Real gross = RoundToStep(GrossFromNet(rows[i].item.saleNet * 125 / 100, rows[i].item.vat), 0.01L);
+    EXPECT_NEAR(static_cast<double>(lines[i].item.saleGross), static_cast<double>(gross), 1e-7);
+  }
+}
+
+// Passing by the screen: to oneself, and to a user whose session another process holds; nothing moves.
+TEST_F(WorkFileTest, PassingRefusesOneselfAndAUserWhoIsWorking) {
+  Fill();
+  ASSERT_EQ(UsersTableEnsure(), 0);
+  for (const char* name : {"Jan", "Ewa"}) {
+    UserRecord user;
+    user.firstName = name;
+    ASSERT_EQ(UserAppend(user), UserAppendOutcome::kDone);
+  }
+  std::vector<WorkFileRow> rows;
+  ASSERT_EQ(WorkRowsFromDocument(kWarehouse, 1, 7, "FV", rows), 0);
+  ASSERT_EQ(WorkFileWrite(WorkFileName(1), rows, false), 0);
+  ASSERT_EQ(WorkRowsFromDocument(kWarehouse, 1, 8, "FV", rows), 0);
+  ASSERT_EQ(WorkFileWrite(WorkFileName(2), rows, false), 0);
+  const std::string mine = Rows(1), theirs = Rows(2);
+  HoldElsewhere(2);
+  auto key = [](KeyPair k) { return [k] { (void)PushKey(k.ch, k.scan); }; };
+  auto digit = [](char d) { return [d] { (void)PushKey(static_cast<unsigned char>(d), 0); }; };
+  struct Case {
+    const char* what;
+    std::vector<std::function<void()>> steps;
+    ShortText message;
+  };
+  const Case cases[] = {
+      {"to oneself", {digit('2'), key(keys::kDown), key(keys::kEnter), key(keys::kEnter)},
+       "Wysłanie swojego pliku roboczego sobie nie jest możliwe."_mz},
+      {"from a user at work", {digit('4'), key(keys::kDown), key(keys::kDown), key(keys::kEnter), key(keys::kEnter)},
+       "Użytkownik nadal pracuje, albo system operacyjny nie zamknął jego zbiorów."_mz},
+  };
+  for (const Case& c : cases) {
+    gScreens.clear();
+    gSteps = c.steps;
+    gNext = 0;
+    PassWorkFile();
+    EXPECT_TRUE(Shown(c.message)) << c.what;
+    EXPECT_EQ(Rows(1), mine) << c.what;
+    EXPECT_EQ(Rows(2), theirs) << c.what;
+  }
+}
+
+// Taking the work file by the screen: a missing or empty file says so; the own form takes the rows as they are.
+TEST_F(WorkFileTest, TakingByTheScreenNamesAMissingOrEmptyFileAndTakesOwnRows) {
+  Fill();
+  std::vector<WorkFileRow> rows;
+  ASSERT_EQ(WorkRowsFromDocument(kWarehouse, 1, 7, "FV", rows), 0);
+  struct Case {
+    const char* what;
+    std::function<void()> prepare;
+    std::vector<std::function<void()>> steps;
+    ShortText message;
+    bool taken;
+  };
+  const Case cases[] = {
+      {"no work file", [] {}, {}, "Plik roboczy nie istnieje."_mz, false},
+      {"an empty one", [] { ASSERT_EQ(CreateWorkFile(WorkFileName(1)), 0); }, {}, "Plik roboczy jest pusty."_mz, false},
+      {"own rows", [&] { ASSERT_EQ(WorkFileWrite(WorkFileName(1), rows, false), 0); },
+       {[] { (void)PushKey('1', 0); }}, "Trwa dopisywanie do specyfikacji..."_mz, true},
+  };
+  for (const Case& c : cases) {
+    c.prepare();
+    gScreens.clear();
+    gSteps = c.steps;
+    gNext = 0;
+    EXPECT_EQ(AddWorkFileToSpecification(kWarehouse), c.taken) << c.what;
+    EXPECT_TRUE(Shown(c.message) || Sent(c.message.Str().c_str())) << c.what;
+  }
+  std::vector<DocLine> lines;
+  ASSERT_EQ(WorkLinesRead(WorkTablePath(1), lines), 0);
+  ASSERT_EQ(lines.size(), rows.size());
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    EXPECT_EQ(lines[i].item.number, rows[i].item.number);
+    EXPECT_EQ(lines[i].quantity, rows[i].quantity);
+    EXPECT_EQ(lines[i].item.saleGross, rows[i].item.saleGross);  // the line's own price
+  }
 }
 
 }  // namespace
