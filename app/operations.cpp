@@ -7,6 +7,7 @@
 #include "documents/fiscalsetup.h"
 #include "documents/payments.h"
 #include "exchange/workfile.h"
+#include "fiscal/printerops.h"
 #include "master/contractor_screens.h"
 #include "master/dictionary_screens.h"
 #include "master/items.h"
@@ -57,6 +58,8 @@ void ChooseWarehouseEntry(AppState& state) {
 void ContractorCatalogues(AppState&) { ContractorCataloguesMenu(); }
 // The operator's own fiscal printer settings; they take effect at the next start.
 void FiscalPrinterSetup(AppState&) { (void)EditFiscalConfig(); }
+// Reports, clock and drawer of the operator's fiscal printer.
+void FiscalPrinterReports(AppState&) { FiscalPrinterMenu(CurrentFiscalConfig()); }
 void OtherCatalogues(AppState&) { DictionaryCataloguesMenu(); }
 
 struct Operation {
@@ -80,7 +83,7 @@ constexpr Operation kOperations[] = {
     {MenuOp::kExtendedGoodsAnalyses, NotYetAvailable},
     {MenuOp::kStockLists, NotYetAvailable},
     {MenuOp::kSpecialLists, NotYetAvailable},
-    {MenuOp::kFiscalReports, NotYetAvailable},
+    {MenuOp::kFiscalReports, FiscalPrinterReports},
     {MenuOp::kUsers, ManageUsers},
     {MenuOp::kContractors, ContractorCatalogues},
     {MenuOp::kOtherCatalogues, OtherCatalogues},
