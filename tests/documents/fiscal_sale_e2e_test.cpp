@@ -213,6 +213,14 @@ class FiscalSaleTest : public CatalogueTest {
   pid_t server_ = -1;
 };
 
+// Keys the operator gives, in order, to the boxes that wait.
+void Answer(std::initializer_list<KeyPair> keys) {
+  for (const KeyPair& k : keys) ASSERT_TRUE(PushKey(k.ch, k.scan));
+}
+constexpr KeyPair kNo{'N', 49};
+using keys::kEnter;
+using keys::kEsc;
+
 TEST_F(FiscalSaleTest, ReadsTheSavedDocumentInPositionOrder) {
   FiscalSale sale;
   ShortText payment;
@@ -257,6 +265,14 @@ TEST_F(FiscalSaleTest, ServerPollingAndOneShotPrintTheJob) {
   ::waitpid(server_, nullptr, 0);
   server_ = -1;
 
+  // The print marked the document; a second print of it is refused.
+  EXPECT_EQ(Scalar("SELECT czy_gotowkowy FROM DANE_1_NAGLOWKI"), "f");
+  (void)ScreenBytes();
+  Answer({kEnter});
+  EXPECT_FALSE(FiscaliseDocument(config_, kKey));
+  EXPECT_NE(ScreenBytes().find("Dokument jest ju"), std::string::npos);
+  Scalar("UPDATE DANE_1_NAGLOWKI SET czy_gotowkowy = 'T'");
+
   // One-shot: the application starts ./fisksrv with the row and waits for its end.
   ASSERT_EQ(::symlink(KLOTE_BINARY_DIR "/server/fisksrv", "fisksrv"), 0);
   config_.serverRow = "2,1,srvfisk\\1,,0";
@@ -268,13 +284,6 @@ TEST_F(FiscalSaleTest, ServerPollingAndOneShotPrintTheJob) {
   EXPECT_FALSE(PathExists("srvfisk/1"));
 }
 
-// Keys the operator gives, in order, to the boxes that wait.
-void Answer(std::initializer_list<KeyPair> keys) {
-  for (const KeyPair& k : keys) ASSERT_TRUE(PushKey(k.ch, k.scan));
-}
-constexpr KeyPair kNo{'N', 49};
-using keys::kEnter;
-using keys::kEsc;
 
 TEST_F(FiscalSaleTest, RefusalsAndSilenceLeaveNoOpenReceiptAndAskTheSaveQuestion) {
   // POSNET: #x 1, #e 2, $h 3, line 1 4, line 2 5 refused.
