@@ -34,14 +34,13 @@ inline int64_t ElzabValue(const Item& i) {
   return std::llround(std::llround(i.quantity * 1000) / 1000.0L * Grosz(i.price));
 }
 
-// The POSNET journal's amount: zloty with the grosz behind a point, zeros trimmed.
+// The POSNET journal's amount: whole zloty, or zloty and two places of grosz.
 inline std::string Money(int64_t grosz) {
   std::string s = std::to_string(grosz / 100);
   if (grosz % 100 != 0) {
     char cents[4];
     std::snprintf(cents, sizeof cents, "%02lld", static_cast<long long>(grosz % 100));
     s += "." + std::string(cents);
-    while (s.back() == '0') s.pop_back();
   }
   return s;
 }
