@@ -352,3 +352,33 @@ TEST_F(KloteSaleE2eTest, AFailingPrinterLeavesNoOpenReceiptAndTheDocumentIsFisca
 }
 
 }  // namespace
+
+namespace {
+
+// The menu's entry for the printer's operations, walked in klote: the list of
+// the POSNET printer's operations, the daily report asked and printed, the
+// drawer opened, and the way back to the bar.
+TEST_F(KloteSaleE2eTest, TheMenuEntryRunsThePrintersOperations) {
+  StartCase(Family::kPosnet, Road::kDirect);
+  config_.drawer = 1;
+  ASSERT_EQ(WriteFiscalConfig("dane/uzytkown/0/", "", config_), 0);
+  StartKlote();
+  ASSERT_TRUE(WaitForText("Wybierz, jako który użytkownik będziesz pracować:")) << Pane();
+  Keys("Enter");
+  ASSERT_TRUE(WaitForText("F2 Dokumenty")) << Pane();
+  Keys("F5 8");
+  ASSERT_TRUE(WaitForText("Wybierz operację drukarki fiskalnej:")) << Pane();
+  EXPECT_TRUE(WaitForText("- synchronizacja zegara drukarki z komputerem")) << Pane();
+  Keys("Enter");
+  ASSERT_TRUE(WaitForText("Czas drukarki : ")) << Pane();
+  Keys("t");
+  ASSERT_TRUE(WaitUntil([&] { return Journal() == Lines{"DAILY REPORT"}; }, 10000)) << Pane();
+  Keys("Down Down Down Enter");  // the drawer, fourth on the list
+  ASSERT_TRUE(WaitUntil([&] { return Journal() == Lines{"DAILY REPORT", "DRAWER SZUFLADA"}; }, 10000)) << Pane();
+  Keys("Escape");
+  ASSERT_TRUE(WaitForText("Raport dobowy i okresowy sprzedaży drukowany na drukarce fiskalnej.")) << Pane();
+  Keys("Escape");
+  EXPECT_TRUE(WaitForText("KLOTE-END")) << Pane();
+}
+
+}  // namespace
