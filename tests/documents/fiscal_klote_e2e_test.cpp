@@ -30,6 +30,7 @@
 #include "master/tables.h"
 #include "sim_process.h"
 #include "sqltable/sqltest.h"
+#include "tmux_klote.h"
 #include "users/users.h"
 
 namespace {
@@ -66,7 +67,7 @@ class KloteSaleE2eTest : public CatalogueTest {
  protected:
   void SetUp() override {
     CatalogueTest::SetUp();
-    if (std::system("command -v tmux >/dev/null 2>&1") != 0) GTEST_SKIP() << "tmux is not installed";
+    if (!TmuxKlote::Available()) GTEST_SKIP() << "tmux is not installed";
     home_ = Db().home;
     ASSERT_EQ(std::system(("cd " + home_ + " && rm -rf srvfisk fisksrv tty0 fisk.cfg fisk.log fiskelz.tmp && " +
                            "mkdir -p srvfisk dane/uzytkown/0").c_str()),
@@ -140,8 +141,7 @@ class KloteSaleE2eTest : public CatalogueTest {
   }
   void EndCase() {
     if (home_.empty()) return;
-    if (!socket_.empty()) Tmux("kill-server");
-    socket_.clear();
+    tmux_.reset();
     if (server_ > 0) {
       ::kill(server_, SIGTERM);
       ::waitpid(server_, nullptr, 0);
@@ -188,31 +188,15 @@ class KloteSaleE2eTest : public CatalogueTest {
     return check();
   }
 
-  // --- klote in tmux ---
+  // --- klote in tmux, with the printers' lines of the case ---
   void StartKlote() {
-    static int sessions = 0;
-    socket_ = "fiscal" + std::to_string(::getpid()) + "_" + std::to_string(++sessions);
-    const char* options = std::getenv("PGOPTIONS");
-    const std::string env = "HOME=" + home_ + " PGOPTIONS='" + (options ? options : "") + "' KLOTE_SERIAL_PREFIX=" +
-                            home_ + "/tty KLOTE_ELZAB_LINE=" + (elzab_ ? elzab_->Line() : std::string("none"));
-    const std::string command = "cd " + home_ + " && " + env + " TERM=xterm TERM_KLOTE_CP=UTF " KLOTE_BINARY_DIR
-                                "/app/main/klote; echo KLOTE-END; sleep 20";
-    ASSERT_EQ(Tmux("-f /dev/null new-session -d -s k -x 80 -y 25 \"" + command + "\" \\; set-option -g status off"), 0);
+    tmux_ = std::make_unique<TmuxKlote>();
+    ASSERT_TRUE(tmux_->Start(home_, "KLOTE_SERIAL_PREFIX=" + home_ + "/tty KLOTE_ELZAB_LINE=" +
+                                        (elzab_ ? elzab_->Line() : std::string("none"))));
   }
-  int Tmux(const std::string& args) { return std::system(("tmux -L " + socket_ + " " + args + " 2>/dev/null").c_str()); }
-  std::string Pane() {
-    std::string text;
-    if (FILE* p = ::popen(("tmux -L " + socket_ + " capture-pane -p -t k 2>/dev/null").c_str(), "r")) {
-      char buf[4096];
-      for (std::size_t n; (n = std::fread(buf, 1, sizeof buf, p)) > 0;) text.append(buf, n);
-      ::pclose(p);
-    }
-    return text;
-  }
-  bool WaitForText(const std::string& text, int ms = 10000) {
-    return WaitUntil([&] { return Pane().find(text) != std::string::npos; }, ms);
-  }
-  void Keys(const std::string& keys) { Tmux("send-keys -t k " + keys); }
+  std::string Pane() { return tmux_->Pane(); }
+  bool WaitForText(const std::string& text, int ms = 10000) { return tmux_->WaitForText(text, ms); }
+  void Keys(const std::string& keys) { tmux_->Keys(keys); }
 
   // The keys that save the document being entered.
   void SaveDocumentKeys() { Keys("F2"); }
@@ -273,7 +257,8 @@ class KloteSaleE2eTest : public CatalogueTest {
     return out;
   }
 
-  std::string home_, socket_;
+  std::string home_;
+  std::unique_ptr<TmuxKlote> tmux_;
   Family family_ = Family::kPosnet;
   FiscalConfig config_;
   std::unique_ptr<SimProcess> posnet_;
