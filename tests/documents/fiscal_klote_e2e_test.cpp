@@ -188,11 +188,15 @@ class KloteSaleE2eTest : public CatalogueTest {
     return check();
   }
 
-  // --- klote in tmux, with the printers' lines of the case ---
+  // --- klote in tmux, with the printers' lines of the case, logged in at the menu bar ---
   void StartKlote() {
     tmux_ = std::make_unique<TmuxKlote>();
     ASSERT_TRUE(tmux_->Start(home_, "KLOTE_SERIAL_PREFIX=" + home_ + "/tty KLOTE_ELZAB_LINE=" +
                                         (elzab_ ? elzab_->Line() : std::string("none"))));
+    // The System Manager, whose empty password admits him; the only warehouse is taken.
+    ASSERT_TRUE(WaitForText("Wybierz, jako który użytkownik będziesz pracować:")) << Pane();
+    Keys("Enter");
+    ASSERT_TRUE(WaitForText("F2 Dokumenty")) << Pane();
   }
   std::string Pane() { return tmux_->Pane(); }
   bool WaitForText(const std::string& text, int ms = 10000) { return tmux_->WaitForText(text, ms); }
@@ -203,10 +207,7 @@ class KloteSaleE2eTest : public CatalogueTest {
 
   // From the login to the saving keys: the retail sale with every item of kSold.
   void EnterSale() {
-    StartKlote();
-    ASSERT_TRUE(WaitForText("Wybierz, jako który użytkownik będziesz pracować:")) << Pane();
-    Keys("Enter");
-    ASSERT_TRUE(WaitForText("F2 Dokumenty")) << Pane();
+    ASSERT_NO_FATAL_FAILURE(StartKlote());
     Keys("F2 1");
     ASSERT_TRUE(WaitForText("Wybierz grupę dokumentów:")) << Pane();
     Keys("1");  // retail sale: its group holds the one kind
@@ -347,10 +348,7 @@ TEST_F(KloteSaleE2eTest, TheMenuEntryRunsThePrintersOperations) {
   StartCase(Family::kPosnet, Road::kDirect);
   config_.drawer = 1;
   ASSERT_EQ(WriteFiscalConfig("dane/uzytkown/0/", "", config_), 0);
-  StartKlote();
-  ASSERT_TRUE(WaitForText("Wybierz, jako który użytkownik będziesz pracować:")) << Pane();
-  Keys("Enter");
-  ASSERT_TRUE(WaitForText("F2 Dokumenty")) << Pane();
+  ASSERT_NO_FATAL_FAILURE(StartKlote());
   Keys("F5 8");
   ASSERT_TRUE(WaitForText("Wybierz operację drukarki fiskalnej:")) << Pane();
   EXPECT_TRUE(WaitForText("- synchronizacja zegara drukarki z komputerem")) << Pane();
