@@ -30,7 +30,7 @@
 #include "master/tables.h"
 #include "sim_process.h"
 #include "sqltable/sqltest.h"
-#include "tmux_klote.h"
+#include "tmuxwalk.h"
 #include "users/users.h"
 
 namespace {
@@ -67,7 +67,7 @@ class KloteSaleE2eTest : public CatalogueTest {
  protected:
   void SetUp() override {
     CatalogueTest::SetUp();
-    if (!TmuxKlote::Available()) GTEST_SKIP() << "tmux is not installed";
+    if (!TmuxWalk::Available()) GTEST_SKIP() << "tmux is not installed";
     home_ = Db().home;
     ASSERT_EQ(std::system(("cd " + home_ + " && rm -rf srvfisk fisksrv tty0 fisk.cfg fisk.log fiskelz.tmp && " +
                            "mkdir -p srvfisk dane/uzytkown/0").c_str()),
@@ -189,21 +189,27 @@ class KloteSaleE2eTest : public CatalogueTest {
   }
 
   // --- klote in tmux, with the printers' lines of the case, logged in at the menu bar ---
+  // The printers' lines reach klote through the environment that tmux's server takes from this process.
   void StartKlote() {
-    tmux_ = std::make_unique<TmuxKlote>();
-    ASSERT_TRUE(tmux_->Start(home_, "KLOTE_SERIAL_PREFIX=" + home_ + "/tty KLOTE_ELZAB_LINE=" +
-                                        (elzab_ ? elzab_->Line() : std::string("none"))));
+    tmux_ = std::make_unique<TmuxWalk>();
+    ASSERT_TRUE(tmux_->StartKlote(home_));
     // The System Manager, whose empty password admits him; the only warehouse is taken.
     ASSERT_TRUE(WaitForText("Wybierz, jako który użytkownik będziesz pracować:")) << Pane();
     Keys("Enter");
     ASSERT_TRUE(WaitForText("F2 Dokumenty")) << Pane();
   }
   std::string Pane() { return tmux_->Pane(); }
-  bool WaitForText(const std::string& text, int ms = 10000) { return tmux_->WaitForText(text, ms); }
+  bool WaitForText(const std::string& text, int ms = 10000) {
+    return WaitUntil([&] { return Pane().find(text) != std::string::npos; }, ms);
+  }
   void Keys(const std::string& keys) { tmux_->Keys(keys); }
 
-  // The keys that save the document being entered.
-  void SaveDocumentKeys() { Keys("F2"); }
+  // The keys that save the document being entered; a header form before the
+  // save, where entry asks one, is confirmed by its own F2.
+  void SaveDocumentKeys() {
+    Keys("F2");
+    if (WaitForText("data rozliczenia:", 1000)) Keys("F2");
+  }
 
   // From the login to the saving keys: the retail sale with every item of kSold.
   void EnterSale() {
@@ -259,7 +265,7 @@ class KloteSaleE2eTest : public CatalogueTest {
   }
 
   std::string home_;
-  std::unique_ptr<TmuxKlote> tmux_;
+  std::unique_ptr<TmuxWalk> tmux_;
   Family family_ = Family::kPosnet;
   FiscalConfig config_;
   std::unique_ptr<SimProcess> posnet_;
