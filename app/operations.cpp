@@ -7,6 +7,7 @@
 #include "documents/fiscalsetup.h"
 #include "documents/payments.h"
 #include "exchange/workfile.h"
+#include "fiscal/printerops.h"
 #include "master/contractor_screens.h"
 #include "master/dictionary_screens.h"
 #include "master/items.h"
@@ -61,6 +62,8 @@ void ChooseWarehouseEntry(AppState& state) {
 void ContractorCatalogues(AppState&) { ContractorCataloguesMenu(); }
 // The operator's own fiscal printer settings; they take effect at the next start.
 void FiscalPrinterSetup(AppState&) { (void)EditFiscalConfig(); }
+// Reports, clock and drawer of the operator's fiscal printer.
+void FiscalPrinterReports(AppState&) { FiscalPrinterMenu(CurrentFiscalConfig()); }
 void OtherCatalogues(AppState&) { DictionaryCataloguesMenu(); }
 
 struct Operation {
@@ -84,7 +87,7 @@ constexpr Operation kOperations[] = {
     {MenuOp::kExtendedGoodsAnalyses, ExtendedGoodsAnalyses},
     {MenuOp::kStockLists, StockLists},
     {MenuOp::kSpecialLists, SpecialLists},
-    {MenuOp::kFiscalReports, NotYetAvailable},
+    {MenuOp::kFiscalReports, FiscalPrinterReports},
     {MenuOp::kUsers, ManageUsers},
     {MenuOp::kContractors, ContractorCatalogues},
     {MenuOp::kOtherCatalogues, OtherCatalogues},

@@ -8,12 +8,14 @@
 #include "base/numbers_format.h"
 #include "base/text.h"
 #include "documents/docnumber.h"
+#include "documents/dockinds.h"
 #include "master/columns.h"
 #include "master/tables.h"
 #include "sqltable/dbapp.h"
 #include "sqltable/pgnav.h"
 #include "sqltable/pgrecord.h"
 #include "sqltable/pgtable.h"
+#include "sqltable/pgwrite.h"
 #include "tui/msgbox.h"
 #include "users/users.h"
 
@@ -123,15 +125,46 @@ FiscalSale DocumentSaleHead(int kind, int32_t coded, const ShortText& sign, int3
   return sale;
 }
 
+namespace {
+
+// The header of the document placed in its table; kGone when it is not there.
+SavedSaleRead FindHeader(const DocumentKey& key, OpenRecord& headers) {
+  if (headers.code() || PutDocumentKey(headers.rec(), key)) return SavedSaleRead::kFailed;
+  const int16_t found = PGSrchKey(headers.tbl(), headers.rec(), 3, 0);
+  if (found == kNotFound) return SavedSaleRead::kGone;
+  return found == 0 && PGRecGet(headers.tbl(), headers.rec()) == 0 ? SavedSaleRead::kRead : SavedSaleRead::kFailed;
+}
+
+bool IsFiscalMark(const ShortText& cash) { return cash == "F" || cash == "f"; }
+
+// czy_gotowkowy: "F" or "f" once the document is in the printer's memory.
+bool HasFiscalMark(const DocumentKey& key) {
+  OpenRecord headers(WarehouseTablePath(key.warehouse, "naglowki"));
+  ShortText cash;
+  return FindHeader(key, headers) == SavedSaleRead::kRead &&
+         PGGetAlpha(headers.rec(), NaglowkiCol::czy_gotowkowy, cash) == 0 && IsFiscalMark(cash);
+}
+
+// Marks the printed document: "F" for a cash document, "f" for another.
+void SetFiscalMark(const DocumentKey& key) {
+  OpenRecord headers(WarehouseTablePath(key.warehouse, "naglowki"));
+  ShortText cash;
+  if (FindHeader(key, headers) != SavedSaleRead::kRead ||
+      PGGetAlpha(headers.rec(), NaglowkiCol::czy_gotowkowy, cash) != 0 || IsFiscalMark(cash))
+    return;
+  const ShortText mark(std::string(1, FiscalMark(cash == ShortText(std::string(1, kCashDocument)))));
+  CheckDBError(PGPutAlpha(headers.rec(), NaglowkiCol::czy_gotowkowy, mark));
+  CheckDBError(PGRecUpdate(headers.tbl(), headers.rec()));
+}
+
+}  // namespace
+
 SavedSaleRead ReadSavedSale(const DocumentKey& key, FiscalSale& sale, ShortText& paymentText) {
   sale = FiscalSale{};
   int32_t contractor = 0;
   {
     OpenRecord headers(WarehouseTablePath(key.warehouse, "naglowki"));
-    if (headers.code() || PutDocumentKey(headers.rec(), key)) return SavedSaleRead::kFailed;
-    const int16_t found = PGSrchKey(headers.tbl(), headers.rec(), 3, 0);
-    if (found == kNotFound) return SavedSaleRead::kGone;
-    if (found != 0 || PGRecGet(headers.tbl(), headers.rec()) != 0) return SavedSaleRead::kFailed;
+    if (const SavedSaleRead found = FindHeader(key, headers); found != SavedSaleRead::kRead) return found;
     (void)PGGetAlpha(headers.rec(), NaglowkiCol::sposob_rozlicz, paymentText);
     (void)PGGetLong(headers.rec(), NaglowkiCol::nr_kontrahenta, contractor);
   }
@@ -149,5 +182,12 @@ bool FiscaliseDocument(const FiscalConfig& config, const DocumentKey& key) {
     return false;
   }
   if (read != SavedSaleRead::kRead || !SaleGoesToPrinter(config, sale)) return false;
-  return RunFiscalRoute(config, payment, sale);
+  // A document goes into the printer's memory once: the mark of the first print stops a second.
+  if (HasFiscalMark(key)) {
+    MessageBox("Dokument jest już zapisany w drukarce fiskalnej."_mz, 0);
+    return false;
+  }
+  if (!RunFiscalRoute(config, payment, sale)) return false;
+  SetFiscalMark(key);
+  return true;
 }

@@ -33,5 +33,7 @@ SavedSaleRead ReadSavedSale(const DocumentKey& key, FiscalSale& sale, ShortText&
 // The later fiscalisation of a saved document: shows "Trwa wydruk fiskalny...",
 // reads it and runs the route of the configured printer. A document removed in
 // the meantime is told with "Ktoś w międzyczasie skasował fiskalizowany
-// dokument !". True when the sale reached the printer.
+// dokument !". A document that holds the fiscal mark already is not printed
+// again; a printed one gets it ("F" cash, "f" other). True when the sale
+// reached the printer.
 bool FiscaliseDocument(const FiscalConfig& config, const DocumentKey& key);

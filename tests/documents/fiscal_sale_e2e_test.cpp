@@ -25,6 +25,7 @@
 #include "documents/docsave.h"
 #include "documents/fiscalise.h"
 #include "elzab_sim_process.h"
+#include "fiscal_receipts.h"
 #include "fiscal/elzab_line.h"
 #include "fiscal/fiscaljob.h"
 #include "fiscal/portio.h"
@@ -40,17 +41,7 @@
 
 namespace {
 
-using Lines = std::vector<std::string>;
-
-struct Item {
-  const char* name;  // UTF-8
-  const char* vat;
-  const char* unit;
-  long double price;
-  long double quantity;
-  char letter;       // the VAT letter the configuration maps the rate to
-  int elzabCode;
-};
+using namespace fiscal_receipts;
 
 // Polish names, fractional quantities, three rates and an exempt line; the
 // line of quantity 0 never reaches a printer.
@@ -62,52 +53,6 @@ const Item kItems[] = {
     {"Próbka", "23", "szt", 1.00L, 0.0L, 'A', 1},
 };
 constexpr int kSoldLines = 4;
-
-int64_t Grosz(long double zl) { return std::llround(zl * 100); }
-int64_t PosnetValue(const Item& i) { return std::llround(static_cast<long double>(Grosz(i.price)) * i.quantity); }
-int64_t ElzabValue(const Item& i) { return std::llround(std::llround(i.quantity * 1000) / 1000.0L * Grosz(i.price)); }
-
-// The POSNET journal's amount: zloty with the grosz behind a point, zeros trimmed.
-std::string Money(int64_t grosz) {
-  std::string s = std::to_string(grosz / 100);
-  if (grosz % 100 != 0) {
-    char cents[4];
-    std::snprintf(cents, sizeof cents, "%02lld", static_cast<long long>(grosz % 100));
-    s += "." + std::string(cents);
-    while (s.back() == '0') s.pop_back();
-  }
-  return s;
-}
-
-std::string Pad(std::string s, std::size_t width) {
-  s.resize(width, ' ');
-  return s;
-}
-
-std::string Maz(const char* utf8) { return Utf8ToMaz(ShortText(utf8)).Str(); }
-
-// The receipt name: the item's name padded to the width, the rate text over its end,
-// and what is no letter or digit blanked (the printer's name filter).
-std::string ReceiptName(const Item& i, std::size_t width) {
-  std::string name = Pad(Maz(i.name), width - std::string(i.vat).size()) + i.vat;
-  int plain = 0;
-  for (char& c : name) {
-    if (c == '.') c = ' ';
-    plain += std::isalnum(static_cast<unsigned char>(c)) ? 1 : 0;
-  }
-  // Fewer than ten plain letters and digits: blanks from the end become "x".
-  for (std::size_t k = name.size(); k-- > 0 && plain < 10;)
-    if (name[k] == ' ') name[k] = 'x', ++plain;
-  return name;
-}
-
-// The ELZAB journal's name: the item's name and the VAT letter behind it, padded to 28.
-std::string ElzabName(const Item& i) {
-  const char letters[] = "ABCDZEF";
-  std::string name = std::string(i.name) + letters[i.elzabCode - 1];
-  const auto chars = std::count_if(name.begin(), name.end(), [](char c) { return (c & 0xC0) != 0x80; });
-  return name + std::string(28 - static_cast<std::size_t>(chars), ' ');
-}
 
 bool PathExists(const std::string& path) { return ::access(path.c_str(), F_OK) == 0; }
 
@@ -251,28 +196,8 @@ class FiscalSaleTest : public CatalogueTest {
 
   // The whole POSNET receipt of the document at the width.
   // nameWidth is the job file's 24 on the server's road.
-  static Lines PosnetReceipt(std::size_t width, const std::string& foot, std::size_t nameWidth = 0) {
-    Lines out = {"RECEIPT " + std::to_string(kSoldLines)};
-    int64_t total = 0;
-    for (int n = 0; n < kSoldLines; ++n) {
-      const Item& i = kItems[n];
-      std::string qty = Money(std::llround(i.quantity * 100));  // the quantities have two places at most
-      if (i.quantity == 0.255L) qty = "0.255";
-      out.push_back("LINE " + std::to_string(n + 1) + "|" + Pad(ReceiptName(i, nameWidth ? nameWidth : width), width) + "|" + qty + "|" +
-                    std::string(1, i.letter) + "|" + Money(Grosz(i.price)) + "/" + Money(PosnetValue(i)) + "/");
-      total += PosnetValue(i);
-    }
-    out.push_back("CASHIER 07L");
-    if (!foot.empty()) out.push_back(foot);
-    out.push_back("TOTAL " + Money(total) + "/ PAID " + Money(total) + "/");
-    return out;
-  }
-
-  static Lines WithoutHeads(Lines journal) {
-    journal.erase(std::remove_if(journal.begin(), journal.end(),
-                                 [](const std::string& l) { return l.rfind("HEAD", 0) == 0 || l.rfind("FOOT", 0) == 0; }),
-                  journal.end());
-    return journal;
+  static Lines PosnetReceipt(std::size_t width, std::size_t nameWidth = 0) {
+    return fiscal_receipts::PosnetReceipt(std::span(kItems, kSoldLines), width, "07L", nameWidth);
   }
 
   static bool Has(const Lines& lines, const std::string& line) {
@@ -287,6 +212,14 @@ class FiscalSaleTest : public CatalogueTest {
   std::unique_ptr<ElzabSimProcess> elzab_;
   pid_t server_ = -1;
 };
+
+// Keys the operator gives, in order, to the boxes that wait.
+void Answer(std::initializer_list<KeyPair> keys) {
+  for (const KeyPair& k : keys) ASSERT_TRUE(PushKey(k.ch, k.scan));
+}
+constexpr KeyPair kNo{'N', 49};
+using keys::kEnter;
+using keys::kEsc;
 
 TEST_F(FiscalSaleTest, ReadsTheSavedDocumentInPositionOrder) {
   FiscalSale sale;
@@ -309,7 +242,7 @@ TEST_F(FiscalSaleTest, PosnetDirectPrintsTheReceipt) {
   ASSERT_EQ(ReadSavedSale(kKey, sale, payment), SavedSaleRead::kRead);
   EXPECT_EQ(FiscalSaveDocument(config_, payment, sale), FiscalSaveOutcome::kPrinted);
   const Lines journal = posnet_->Journal();
-  EXPECT_EQ(WithoutHeads(journal), WithoutHeads(PosnetReceipt(40, ""))) << ScreenBytes();
+  EXPECT_EQ(WithoutHeads(journal), WithoutHeads(PosnetReceipt(40))) << ScreenBytes();
   EXPECT_TRUE(Has(journal, "FOOT =>zachowaj do reklamacji"));
 }
 
@@ -317,24 +250,7 @@ TEST_F(FiscalSaleTest, ElzabDirectPlaysTheStream) {
   StartElzab();
   config_ = Config(kFiscalElzab);
   EXPECT_TRUE(FiscaliseDocument(config_, kKey));
-  Lines want;
-  int64_t total = 0;
-  for (int n = 0; n < kSoldLines; ++n) total += ElzabValue(kItems[n]);
-  want.push_back("RECEIPT " + std::to_string(total));
-  for (int n = 0; n < kSoldLines; ++n) {
-    const Item& i = kItems[n];
-    const long long thousandths = std::llround(i.quantity * 1000);
-    const int decimals = thousandths % 1000 == 0 ? 0 : thousandths % 100 == 0 ? 1 : thousandths % 10 == 0 ? 2 : 3;
-    const long long wire = std::llround(i.quantity * std::pow(10.0L, decimals));
-    want.push_back("LINE " + std::to_string(n + 1) + "|" + ElzabName(i) + "|" + std::to_string(wire) + "/" +
-                   std::to_string(decimals) + "|" + Pad(i.unit, 4) + "|" + std::to_string(Grosz(i.price)) + "|" +
-                   std::to_string(i.elzabCode) + "|" + std::to_string(ElzabValue(i)));
-  }
-  want.push_back("END ITEMS");
-  want.push_back("TEXT 6|P 17");
-  want.push_back("TEXT 2| gotówką ");
-  want.push_back("TEXT 5| Lucja Nowak.");
-  want.push_back("CLOSE " + std::to_string(total));
+  const Lines want = ElzabReceipt(std::span(kItems, kSoldLines), "P 17", "Lucja Nowak", false);
   EXPECT_EQ(elzab_->Journal(), want) << ScreenBytes();
 }
 
@@ -344,10 +260,18 @@ TEST_F(FiscalSaleTest, ServerPollingAndOneShotPrintTheJob) {
   StartPollingServer("2,1,\"srvfisk\\1\",,0");
   EXPECT_TRUE(FiscaliseDocument(config_, kKey));
   ASSERT_TRUE(WaitForLine([&] { return posnet_->Journal(); }, "TOTAL")) << ReadFile("fisk.log");
-  EXPECT_EQ(WithoutHeads(posnet_->Journal()), WithoutHeads(PosnetReceipt(40, "", 24))) << ReadFile("fisk.log");
+  EXPECT_EQ(WithoutHeads(posnet_->Journal()), WithoutHeads(PosnetReceipt(40, 24))) << ReadFile("fisk.log");
   ::kill(server_, SIGTERM);
   ::waitpid(server_, nullptr, 0);
   server_ = -1;
+
+  // The print marked the document; a second print of it is refused.
+  EXPECT_EQ(Scalar("SELECT czy_gotowkowy FROM DANE_1_NAGLOWKI"), "f");
+  (void)ScreenBytes();
+  Answer({kEnter});
+  EXPECT_FALSE(FiscaliseDocument(config_, kKey));
+  EXPECT_NE(ScreenBytes().find("Dokument jest ju"), std::string::npos);
+  Scalar("UPDATE DANE_1_NAGLOWKI SET czy_gotowkowy = 'T'");
 
   // One-shot: the application starts ./fisksrv with the row and waits for its end.
   ASSERT_EQ(::symlink(KLOTE_BINARY_DIR "/server/fisksrv", "fisksrv"), 0);
@@ -356,17 +280,10 @@ TEST_F(FiscalSaleTest, ServerPollingAndOneShotPrintTheJob) {
   EXPECT_TRUE(FiscaliseDocument(config_, kKey));
   const Lines journal = posnet_->Journal();
   EXPECT_EQ(WithoutHeads(Lines(journal.begin() + static_cast<long>(before), journal.end())),
-            WithoutHeads(PosnetReceipt(40, "", 24)));
+            WithoutHeads(PosnetReceipt(40, 24)));
   EXPECT_FALSE(PathExists("srvfisk/1"));
 }
 
-// Keys the operator gives, in order, to the boxes that wait.
-void Answer(std::initializer_list<KeyPair> keys) {
-  for (const KeyPair& k : keys) ASSERT_TRUE(PushKey(k.ch, k.scan));
-}
-constexpr KeyPair kNo{'N', 49};
-using keys::kEnter;
-using keys::kEsc;
 
 TEST_F(FiscalSaleTest, RefusalsAndSilenceLeaveNoOpenReceiptAndAskTheSaveQuestion) {
   // POSNET: #x 1, #e 2, $h 3, line 1 4, line 2 5 refused.
@@ -569,7 +486,7 @@ TEST_F(FiscalSaveTest, ARetailSalePrintsOnceWithItsNumberAndIsMarked) {
   ASSERT_EQ(r.outcome, SaveOutcome::kSaved) << ScreenBytes();
   const Lines journal = posnet_->Journal();
   EXPECT_EQ(Count(journal, "RECEIPT"), 1);
-  EXPECT_EQ(WithoutHeads(journal), WithoutHeads(PosnetReceipt(40, ""))) << ScreenBytes();
+  EXPECT_EQ(WithoutHeads(journal), WithoutHeads(PosnetReceipt(40))) << ScreenBytes();
   // The first document of 2024 carries number 1, and so does its receipt.
   EXPECT_EQ(r.coded, EncodeDocNumber(2024, 1));
   EXPECT_TRUE(Has(journal, "FOOT #P 1")) << ::testing::PrintToString(journal);

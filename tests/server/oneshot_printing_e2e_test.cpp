@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <chrono>
 
+#include "fiscal/fiscalconfig.h"
 #include "printers.h"
 
 namespace {
@@ -137,6 +138,27 @@ TEST_F(OneShotPrintingTest, ElzabReceiptAndElzabRefusal) {
   EXPECT_TRUE(Has(ElzabTrace(), "CMD 10 LINE -> NAK"));
   EXPECT_TRUE(Has(ElzabTrace(), "CMD 11 CANCEL -> ACK"));
   EXPECT_EQ(ElzabJournal().back().rfind("CANCELLED", 0), 0u) << ElzabJournal().back();
+}
+
+}  // namespace
+
+namespace {
+
+// The server reads no fiscal configuration of the application: the firm's
+// konffisk.txt that names the printer's device for port 255 is no road to it.
+TEST_F(OneShotPrintingTest, TheFirmsFiscalConfigurationIsNotTheServers) {
+  StartSimulators();
+  FiscalConfig firm;
+  firm.printerType = kFiscalPosnet;
+  firm.port = kFiscalOtherPort;
+  firm.devicePath = ShortText(posnet_->Slave());
+  ASSERT_EQ(WriteFiscalConfig(ShortText(dir_.path() + "/"), firm), 0);
+  long shownMs = 0;
+  const std::string out =
+      RunOneShot("2,255,jobs\\p,,0", 'p', "PARAGON", kTwoLines, "lacze COM nie jest zainicjowane", shownMs);
+  EXPECT_TRUE(ShowsFailureStamp(out)) << out;
+  EXPECT_TRUE(PosnetJournal().empty());
+  EXPECT_FALSE(JobExists('p'));
 }
 
 }  // namespace

@@ -1,0 +1,373 @@
+// The fiscal sale in the real klote, in tmux: the operator enters a retail
+// sale of items with Polish names, fractional quantities and four VAT rates,
+// saves it, and the receipt is found in the simulator's journal line by line,
+// for both printer families by every road: direct from klote, through the
+// polling fisksrv by job file, and through the one-shot fisksrv that klote
+// starts itself. A printer that refuses or falls silent mid-receipt leaves no
+// open receipt, and the document saved without it is fiscalised later once.
+#include <signal.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <span>
+#include <string>
+#include <thread>
+
+#include "base/mazovia.h"
+#include "documents/fiscalise.h"
+#include "elzab_sim_process.h"
+#include "fiscal/elzab_line.h"
+#include "fiscal/portio.h"
+#include "fiscal/serial.h"
+#include "fiscal_receipts.h"
+#include "master/contractors.h"
+#include "master/items.h"
+#include "master/tables.h"
+#include "sim_process.h"
+#include "sqltable/sqltest.h"
+#include "tmuxwalk.h"
+#include "users/users.h"
+
+namespace {
+
+using namespace fiscal_receipts;
+
+// In the catalogue's order (names and numbers agree), each with its stock.
+const Item kSold[] = {
+    {"Chleb żytni", "23", "szt", 4.99L, 1.5L, 'A', 1},
+    {"Jabłka Łąckie", "5", "kg", 3.33L, 0.75L, 'C', 3},
+    {"Masło ekstra", "8", "kg", 7.49L, 0.255L, 'B', 2},
+    {"Usługa", "zwol.", "szt", 12.00L, 1.0L, 'Z', 5},
+};
+// The System Manager sells: his cashier code and his name on ELZAB receipts.
+const std::string kCashierCode = "00K";
+const std::string kCashierName = "Kierownik Systemu";
+
+enum class Family { kPosnet, kElzab };
+enum class Road { kDirect, kPolling, kOneShot };
+
+struct RoadCase {
+  const char* name;
+  Family family;
+  Road road;
+};
+
+const RoadCase kRoads[] = {
+    {"POSNET direct", Family::kPosnet, Road::kDirect},   {"ELZAB direct", Family::kElzab, Road::kDirect},
+    {"POSNET polling", Family::kPosnet, Road::kPolling}, {"ELZAB polling", Family::kElzab, Road::kPolling},
+    {"POSNET one-shot", Family::kPosnet, Road::kOneShot}, {"ELZAB one-shot", Family::kElzab, Road::kOneShot},
+};
+
+class KloteSaleE2eTest : public CatalogueTest {
+ protected:
+  void SetUp() override {
+    CatalogueTest::SetUp();
+    if (!TmuxWalk::Available()) GTEST_SKIP() << "tmux is not installed";
+    home_ = Db().home;
+    ASSERT_EQ(std::system(("cd " + home_ + " && rm -rf srvfisk fisksrv tty0 fisk.cfg fisk.log fiskelz.tmp && " +
+                           "mkdir -p srvfisk dane/uzytkown/0").c_str()),
+              0);
+    ASSERT_EQ(UsersTableEnsure(), 0);
+    CreateFirmTables();
+    Contractor warehouse;  // the only warehouse: klote takes it as the current one
+    warehouse.number = 1;
+    warehouse[KontrahentCol::nazwa] = "Magazyn"_mz;
+    ASSERT_EQ(ContractorAdd(ContractorKind::kWarehouse, warehouse, NumberRange{}), ContractorOutcome::kDone);
+    for (const Item& i : kSold) AddItem(i);
+  }
+  void TearDown() override {
+    EndCase();
+    ::unsetenv("KLOTE_SERIAL_PREFIX");
+    ::unsetenv("KLOTE_ELZAB_LINE");
+    ClearCurrentUser();
+    CatalogueTest::TearDown();
+  }
+
+  static void AddItem(const Item& i) {
+    ItemData item;
+    item.name = Utf8ToMaz(ShortText(i.name));
+    item.vat = i.vat;
+    item.supplier = 1;
+    item.unit = i.unit;
+    item.saleGross = i.price;
+    StockRow stock;
+    stock.quantity = 100;
+    stock.saleGross = i.price;
+    ShortText refusal;
+    ASSERT_EQ(ItemAdd(item, ItemRules{}, 1, stock, refusal), 0) << refusal.Str();
+  }
+
+  // The operator's settings: retail sales fiscal, computer numbers on the
+  // receipts, the four rates mapped; ELZAB takes the table's numbers, the
+  // others the letters.
+  static FiscalConfig Config(Family family, Road road) {
+    FiscalConfig c;
+    const bool server = road != Road::kDirect;
+    c.printerType = server ? kFiscalServer : family == Family::kPosnet ? kFiscalPosnet : kFiscalElzab;
+    c.port = server && family == Family::kPosnet ? 2 : 1;
+    c.documentFlags[0] = 1;
+    c.computerNumbers = 1;
+    for (int k = 0; k < 4; ++k) {
+      c.vatName[k] = kSold[k].vat;
+      c.vatCode[k] = c.printerType == kFiscalElzab ? kSold[k].elzabCode : kSold[k].letter;
+    }
+    if (road == Road::kOneShot) c.serverRow = ShortText((family == Family::kPosnet ? "2,1,srvfisk\\2,,0" : "1,1,srvfisk\\1,,0"));
+    return c;
+  }
+
+  // The printer, the operator's settings and the server of the road.
+  void StartCase(Family family, Road road, std::vector<std::string> faults = {}) {
+    EndCase();
+    family_ = family;
+    if (family == Family::kPosnet) {
+      posnet_ = std::make_unique<SimProcess>(std::move(faults));
+      ASSERT_EQ(::symlink(posnet_->Slave().c_str(), (home_ + "/tty0").c_str()), 0);
+      ::setenv("KLOTE_SERIAL_PREFIX", (home_ + "/tty").c_str(), 1);
+    } else {
+      elzab_ = std::make_unique<ElzabSimProcess>(std::move(faults));
+      ::setenv("KLOTE_ELZAB_LINE", elzab_->Line().c_str(), 1);
+    }
+    config_ = Config(family, road);
+    ASSERT_EQ(WriteFiscalConfig("dane/uzytkown/0/", "", config_), 0);
+    if (road == Road::kPolling) StartPollingServer();
+    if (road == Road::kOneShot) {
+      ASSERT_EQ(::symlink(KLOTE_BINARY_DIR "/server/fisksrv", (home_ + "/fisksrv").c_str()), 0);
+    }
+  }
+  void EndCase() {
+    if (home_.empty()) return;
+    tmux_.reset();
+    if (server_ > 0) {
+      ::kill(server_, SIGTERM);
+      ::waitpid(server_, nullptr, 0);
+      server_ = -1;
+    }
+    PosnetCloseAtExit();
+    SetElzabPortIo(nullptr);
+    ElzabLine().ready = false;
+    posnet_.reset();
+    elzab_.reset();
+    (void)std::system(("cd " + home_ + " && rm -f tty0 fisksrv").c_str());
+  }
+  void StartPollingServer() {
+    WriteText("fisk.cfg", family_ == Family::kPosnet ? "2,1,\"srvfisk\\2\",,0\n" : "1,1,\"srvfisk\\1\",,0\n");
+    std::remove("fisk.log");
+    server_ = ::fork();
+    if (server_ == 0) {
+      (void)std::freopen("/dev/null", "w", stdout);
+      ::execl(KLOTE_BINARY_DIR "/server/fisksrv", "fisksrv", "fisk.cfg", "50", "fisk.log", "x", nullptr);
+      ::_exit(127);
+    }
+    ASSERT_TRUE(WaitUntil([] { return ReadText("fisk.log").find("SKONFIGUROWANO") != std::string::npos; }, 10000));
+  }
+  static void WriteText(const std::string& path, const std::string& text) {
+    std::FILE* f = std::fopen(path.c_str(), "w");
+    std::fputs(text.c_str(), f);
+    std::fclose(f);
+  }
+  static std::string ReadText(const std::string& path) {
+    std::string text;
+    if (std::FILE* f = std::fopen(path.c_str(), "r")) {
+      char buf[4096];
+      for (std::size_t n; (n = std::fread(buf, 1, sizeof buf, f)) > 0;) text.append(buf, n);
+      std::fclose(f);
+    }
+    return text;
+  }
+  template <typename Check>
+  static bool WaitUntil(Check check, int ms) {
+    for (int waited = 0; waited < ms; waited += 20) {
+      if (check()) return true;
+      std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    }
+    return check();
+  }
+
+  // --- klote in tmux, with the printers' lines of the case, logged in at the menu bar ---
+  // The printers' lines reach klote through the environment that tmux's server takes from this process.
+  void StartKlote() {
+    tmux_ = std::make_unique<TmuxWalk>();
+    ASSERT_TRUE(tmux_->StartKlote(home_));
+    // The System Manager, whose empty password admits him; the only warehouse is taken.
+    ASSERT_TRUE(WaitForText("Wybierz, jako który użytkownik będziesz pracować:")) << Pane();
+    Keys("Enter");
+    ASSERT_TRUE(WaitForText("F2 Dokumenty")) << Pane();
+  }
+  std::string Pane() { return tmux_->Pane(); }
+  bool WaitForText(const std::string& text, int ms = 10000) {
+    return WaitUntil([&] { return Pane().find(text) != std::string::npos; }, ms);
+  }
+  void Keys(const std::string& keys) { tmux_->Keys(keys); }
+
+  // The keys that save the document being entered; a header form before the
+  // save, where entry asks one, is confirmed by its own F2.
+  void SaveDocumentKeys() {
+    Keys("F2");
+    if (WaitForText("data rozliczenia:", 1000)) Keys("F2");
+  }
+
+  // From the login to the saving keys: the retail sale with every item of kSold.
+  void EnterSale() {
+    ASSERT_NO_FATAL_FAILURE(StartKlote());
+    Keys("F2 1");
+    ASSERT_TRUE(WaitForText("Wybierz grupę dokumentów:")) << Pane();
+    Keys("1");  // retail sale: its group holds the one kind
+    ASSERT_TRUE(WaitForText("Specyfikacja:")) << Pane();
+    for (std::size_t k = 0; k < std::size(kSold); ++k) {
+      if (k > 0) Keys("Down");
+      Keys("Enter");
+      ASSERT_TRUE(WaitForText("Podaj ilość:")) << Pane();
+      Keys("'" + QuantityText(kSold[k].quantity) + "' Enter");
+      // The line list shows the item under the catalogue.
+      ASSERT_TRUE(WaitUntil([&] { return CountOf(Pane(), kSold[k].name) == 2; }, 10000)) << Pane();
+    }
+    SaveDocumentKeys();
+  }
+  // After the save's notice: back to the menu and out.
+  void LeaveKlote() {
+    Keys("Enter");
+    ASSERT_TRUE(WaitForText("Specyfikacja:")) << Pane();
+    Keys("Escape");
+    ASSERT_TRUE(WaitForText("F2 Dokumenty")) << Pane();
+    Keys("Escape");
+    EXPECT_TRUE(WaitForText("KLOTE-END")) << Pane();
+  }
+  static int CountOf(const std::string& text, const std::string& needle) {
+    int n = 0;
+    for (std::size_t at = text.find(needle); at != std::string::npos; at = text.find(needle, at + 1)) ++n;
+    return n;
+  }
+
+  // --- what the printer must hold ---
+  Lines Journal() const { return family_ == Family::kPosnet ? posnet_->Journal() : elzab_->Journal(); }
+  // The receipt of kSold as the road prints it, number n of the kind's "PA".
+  Lines Expected(Road road, int n) const {
+    const std::string number = "P " + std::to_string(n) + "/PA";
+    if (family_ == Family::kPosnet)
+      return PosnetReceipt(std::span(kSold), 40, kCashierCode, road == Road::kDirect ? 0 : 24);
+    return ElzabReceipt(std::span(kSold), number, kCashierName, road != Road::kDirect);
+  }
+  // The journal's last receipt has ended (TOTAL or CLOSE) or been cancelled.
+  bool ReceiptEnded() const {
+    const Lines j = Journal();
+    return !j.empty() && (j.back().rfind("TOTAL", 0) == 0 || j.back().rfind("CLOSE", 0) == 0 || j.back() == "CANCELLED");
+  }
+  static std::string Query(const std::string& sql) {
+    std::string out;
+    Psql(sql, &out);
+    while (!out.empty() && out.back() == '\n') out.pop_back();
+    return out;
+  }
+
+  std::string home_;
+  std::unique_ptr<TmuxWalk> tmux_;
+  Family family_ = Family::kPosnet;
+  FiscalConfig config_;
+  std::unique_ptr<SimProcess> posnet_;
+  std::unique_ptr<ElzabSimProcess> elzab_;
+  pid_t server_ = -1;
+};
+
+TEST_F(KloteSaleE2eTest, ASaleReachesTheJournalByEveryRoadOfBothFamilies) {
+  int saved = 0;
+  for (const RoadCase& c : kRoads) {
+    SCOPED_TRACE(c.name);
+    StartCase(c.family, c.road);
+    ASSERT_NO_FATAL_FAILURE(EnterSale());
+    ASSERT_TRUE(WaitForText("Zapisano dokument nr", 60000)) << Pane();
+    ++saved;
+    // The server may still be printing what the application handed over.
+    ASSERT_TRUE(WaitUntil([&] { return ReceiptEnded(); }, 30000)) << ::testing::PrintToString(Journal());
+    EXPECT_EQ(WithoutHeads(Journal()), Expected(c.road, saved)) << Pane();
+    if (c.family == Family::kPosnet) {  // the document's number stands in the receipt's foot
+      EXPECT_NE(::testing::PrintToString(Journal()).find("P " + std::to_string(saved) + "/PA"), std::string::npos);
+    }
+    EXPECT_NE(::access((home_ + "/srvfisk/1").c_str(), F_OK) | ::access((home_ + "/srvfisk/2").c_str(), F_OK), 0);
+    ASSERT_NO_FATAL_FAILURE(LeaveKlote());
+  }
+  // Every document carries the fiscal mark of a cash sale.
+  EXPECT_EQ(Query("SELECT string_agg(czy_gotowkowy, '') FROM DANE_1_NAGLOWKI"), std::string(std::size(kRoads), 'F'));
+}
+
+struct FaultCase {
+  const char* name;
+  Family family;
+  std::vector<std::string> fault;  // the second line's command fails
+  std::string shown;               // the system's message on the screen
+  std::string dismiss;             // the operator's key to it (Esc gives ELZAB's resume up)
+};
+
+TEST_F(KloteSaleE2eTest, AFailingPrinterLeavesNoOpenReceiptAndTheDocumentIsFiscalisedLaterOnce) {
+  const FaultCase cases[] = {
+      {"POSNET falls silent", Family::kPosnet, {"--fail", "5:silent"}, "brak odpowiedzi drukarki", "Enter"},
+      {"ELZAB refuses", Family::kElzab, {"--fail", "3:nak=0,0x02"}, "Błąd drukarki ELZAB.", "Escape"},
+  };
+  UserRecord manager;  // the later fiscalisation runs here, as the same operator
+  manager.number = 0;
+  manager.firstName = "Kierownik";
+  manager.surname = "Systemu";
+  SetCurrentUser(manager);
+  int number = 0;
+  for (const FaultCase& c : cases) {
+    SCOPED_TRACE(c.name);
+    StartCase(c.family, Road::kDirect, c.fault);
+    ASSERT_NO_FATAL_FAILURE(EnterSale());
+    ASSERT_TRUE(WaitForText(c.shown, 30000)) << Pane();
+    Keys(c.dismiss);
+    ASSERT_TRUE(WaitForText("Czy pomimo braku możliwości zapisu w drukarce fiskalnej")) << Pane();
+    Keys("t");  // save without the fiscal record
+    ASSERT_TRUE(WaitForText("Zapisano dokument nr")) << Pane();
+    ASSERT_NO_FATAL_FAILURE(LeaveKlote());
+    const Lines journal = Journal();
+    ASSERT_FALSE(journal.empty());
+    EXPECT_EQ(journal.back(), "CANCELLED");
+    ++number;
+    const std::string row = "FROM DANE_1_NAGLOWKI WHERE nr_dok = (SELECT max(nr_dok) FROM DANE_1_NAGLOWKI)";
+    EXPECT_EQ(Query("SELECT czy_gotowkowy " + row), "T");
+
+    // Later: the receipt once, in full; the second try is refused by the mark.
+    const DocumentKey key{1, 1, std::stoi(Query("SELECT nr_dok " + row)), "PA"};
+    ASSERT_TRUE(FiscaliseDocument(config_, key)) << ScreenBytes();
+    Lines printed = Journal();
+    printed.erase(printed.begin(), printed.begin() + static_cast<long>(journal.size()));
+    EXPECT_EQ(WithoutHeads(printed), Expected(Road::kDirect, number));
+    ASSERT_TRUE(PushKey(keys::kEnter.ch, keys::kEnter.scan));
+    EXPECT_FALSE(FiscaliseDocument(config_, key));
+    EXPECT_EQ(Journal().size(), journal.size() + printed.size());
+    EXPECT_EQ(Query("SELECT czy_gotowkowy " + row), "F");
+  }
+}
+
+}  // namespace
+
+namespace {
+
+// The menu's entry for the printer's operations, walked in klote: the list of
+// the POSNET printer's operations, the daily report asked and printed, the
+// drawer opened, and the way back to the bar.
+TEST_F(KloteSaleE2eTest, TheMenuEntryRunsThePrintersOperations) {
+  StartCase(Family::kPosnet, Road::kDirect);
+  config_.drawer = 1;
+  ASSERT_EQ(WriteFiscalConfig("dane/uzytkown/0/", "", config_), 0);
+  ASSERT_NO_FATAL_FAILURE(StartKlote());
+  Keys("F5 8");
+  ASSERT_TRUE(WaitForText("Wybierz operację drukarki fiskalnej:")) << Pane();
+  EXPECT_TRUE(WaitForText("- synchronizacja zegara drukarki z komputerem")) << Pane();
+  Keys("Enter");
+  ASSERT_TRUE(WaitForText("Czas drukarki : ")) << Pane();
+  Keys("t");
+  ASSERT_TRUE(WaitUntil([&] { return Journal() == Lines{"DAILY REPORT"}; }, 10000)) << Pane();
+  Keys("Down Down Down Enter");  // the drawer, fourth on the list
+  ASSERT_TRUE(WaitUntil([&] { return Journal() == Lines{"DAILY REPORT", "DRAWER SZUFLADA"}; }, 10000)) << Pane();
+  Keys("Escape");
+  ASSERT_TRUE(WaitForText("Raport dobowy i okresowy sprzedaży drukowany na drukarce fiskalnej.")) << Pane();
+  Keys("Escape");
+  EXPECT_TRUE(WaitForText("KLOTE-END")) << Pane();
+}
+
+}  // namespace
