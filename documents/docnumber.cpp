@@ -78,7 +78,7 @@ bool UnderCommonNumbering(int kind, const NumberingSettings& s) {
   switch (s.common) {
     case CommonNumbering::kOff: return false;
     case CommonNumbering::kTransfers: return kind == kKindTransferOut || kind == kKindTransferIn;
-    case CommonNumbering::kAll: return kind >= 1 && kind <= kKindTransferIn;
+    case CommonNumbering::kAll: return (kind >= 1 && kind <= kKindTransferIn) || kind >= kFirstPaymentKind;
   }
   return false;
 }

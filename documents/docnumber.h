@@ -17,6 +17,8 @@
 inline constexpr int kDocFirstYear = 1996;
 inline constexpr int kDocLastYear = 2123;
 inline constexpr int32_t kDocMaxNumber = 0xFFFFFF;
+// Payment and cash-book kinds of dane\dok_plat start here; goods kinds are 1..18.
+inline constexpr int kFirstPaymentKind = 100;
 
 // The messages of a broken coded number (they end the program).
 inline constexpr ShortText kDocEncodeBroken =
@@ -57,7 +59,7 @@ void SetDocNumberFatal(DocNumberFatalFn fn);
 enum class CommonNumbering : int8_t {
   kOff = 0,        // each warehouse numbers its own documents
   kTransfers = 1,  // kinds 15 and 18 are numbered for the whole firm
-  kAll = 2,        // every goods document is numbered for the whole firm
+  kAll = 2,        // every goods and payment document is numbered for the whole firm
 };
 
 struct NumberingSettings {

@@ -42,9 +42,9 @@ int16_t WarehousesWithTables(std::vector<int32_t>& out) {
   return 0;
 }
 
-// Enters the missing numbers of one warehouse's headers; added grows by the rows entered.
-int16_t RegisterWarehouse(int32_t warehouse, const NumberingSettings& s, int32_t& added) {
-  const ShortText path = WarehouseTablePath(warehouse, "naglowki");
+// Enters the missing numbers of one table of a warehouse whose rows match
+// the condition; added grows by the rows entered.
+int16_t RegisterTable(const ShortText& path, const std::string& condition, int32_t& added) {
   bool exists = false;
   (void)PGTblExist(path, exists);
   if (!exists) return 0;
@@ -54,13 +54,22 @@ int16_t RegisterWarehouse(int32_t warehouse, const NumberingSettings& s, int32_t
       " (typ_dok,nr_dok,znak_dok,data_dok,data_ost_skasowania,czas_ost_skasowania,nr_uzytk_kasujacego,"
       "nazwa_uz_kasujacego,ost_suma_dok_skas) SELECT CASE WHEN typ_dok=15 THEN 18 ELSE typ_dok END,nr_dok,"
       "znak_dok,data_dok,'0001-01-01',0,0,'',0 FROM " +
-      SqlTable(path) + " WHERE " + RegisteredKindsCondition(s) + " ON CONFLICT DO NOTHING RETURNING 1) " +
-      "SELECT count(*) FROM ins";
+      SqlTable(path) + " WHERE " + condition + " ON CONFLICT DO NOTHING RETURNING 1) " + "SELECT count(*) FROM ins";
   std::string value;
   bool isNull = false;
   if (int16_t code = QueryValue(sql, value, isNull)) return code;
   added += std::atoi(value.c_str());
   return 0;
+}
+
+// The goods headers of a warehouse and, when every document is numbered for
+// the firm, its payments too.
+int16_t RegisterWarehouse(int32_t warehouse, const NumberingSettings& s, int32_t& added) {
+  if (int16_t code = RegisterTable(WarehouseTablePath(warehouse, "naglowki"), RegisteredKindsCondition(s), added))
+    return code;
+  if (s.common != CommonNumbering::kAll) return 0;
+  return RegisterTable(WarehouseTablePath(warehouse, "kasa____"),
+                       "typ_dok>=" + std::to_string(kFirstPaymentKind), added);
 }
 
 }  // namespace

@@ -2,10 +2,12 @@
 #include "documents/payments.h"
 
 #include <cstdlib>
+#include <ctime>
 #include <string>
 
 #include "base/codepage.h"
 #include "base/csv.h"
+#include "base/dates.h"
 #include "base/numbers.h"
 #include "config/konfigur.h"
 #include "documents/dockinds.h"
@@ -38,6 +40,8 @@ Real BalanceOfEntries(int rootSign, const std::vector<BalanceEntry>& entries) {
   for (const BalanceEntry& e : entries) sum += (e.payment ? -e.sign : e.sign) * e.amount;
   return RoundMoney(rootSign * sum);
 }
+
+Real ChangeDue(Real paid, Real total) { return RoundMoney(paid - total); }
 
 bool ProposedDepositMark(int depositOption, int kind) {
   if (depositOption != 1 && depositOption != 3) return false;
@@ -91,6 +95,13 @@ ShortText Text(const PGResult& r, int row, int col) { return Latin2ToMaz(r.Text(
 char Letter(const PGResult& r, int row, int col) {
   const std::string_view v = r.Value(row, col);
   return v.empty() ? ' ' : v[0];
+}
+
+int32_t TodaySerial() {
+  const std::time_t now = std::time(nullptr);
+  std::tm t{};
+  localtime_r(&now, &t);
+  return EncodeDaySerial(t.tm_year + 1900, t.tm_mon + 1, t.tm_mday);
 }
 
 }  // namespace paydetail
@@ -189,4 +200,22 @@ PaymentRow NewPaymentRow(int16_t kind, const KindRow& row, const DocRef& src, co
   p.operatorNumber = CurrentUserNumber();
   p.sourceDate = info.date;
   return p;
+}
+
+std::vector<SourceCandidate> SourceCandidates(int32_t warehouse, int year, int32_t number, int limit) {
+  std::vector<SourceCandidate> out;
+  int32_t first = 0, last = 0;
+  if (!TryEncodeDocNumber(year, number > 0 ? number : 0, first) ||
+      !TryEncodeDocNumber(year, number > 0 ? number : kDocMaxNumber, last))
+    return out;
+  PGResult r;
+  const std::string sql = "SELECT typ_dok,nr_dok,znak_dok," + SerialOf("data_dok") + ",suma_dok,nazwa_kontrahenta FROM " +
+                          SqlTable(WarehouseTablePath(warehouse, "naglowki")) + " WHERE nr_dok BETWEEN " +
+                          std::to_string(first) + " AND " + std::to_string(last) +
+                          " ORDER BY data_dok,typ_dok,nr_dok,znak_dok LIMIT " + std::to_string(limit);
+  if (PGRunQueryWithTup(sql, r)) return out;
+  for (int i = 0; i < r.Rows(); ++i)
+    out.push_back({{static_cast<int16_t>(Int(r, i, 0)), Int(r, i, 1), Text(r, i, 2)}, Int(r, i, 3), Money(r, i, 4),
+                   Text(r, i, 5)});
+  return out;
 }

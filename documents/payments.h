@@ -26,8 +26,6 @@
 #include "documents/doccalc.h"
 #include "documents/docnumber.h"
 
-inline constexpr int kFirstPaymentKind = 100;
-
 // --- Texts shared by the screens and the tests ---
 inline constexpr ShortText kPaymentGoneText =
     "Dokument został skasowany lub zmieniono mu numer.@Wykonanie Twojego polecenia jest niemożliwe."_mz;
@@ -68,6 +66,9 @@ struct BalanceEntry {
 // The balance seen from a root of sign rootSign: goods entries add, payments
 // take away, each with its own sign; rounded to the grosz.
 Real BalanceOfEntries(int rootSign, const std::vector<BalanceEntry>& entries);
+
+// The change at the till: what the customer hands over less the total, to the grosz.
+Real ChangeDue(Real paid, Real total);
 
 // The deposit mark a new header proposes: option 1 or 3 and a kind other
 // than 1, 12 and 15..18.
@@ -140,6 +141,18 @@ struct SourceInfo {
 };
 SourceInfo ReadSource(int32_t warehouse, const DocRef& doc);
 
+// A goods document offered as the source of a payment.
+struct SourceCandidate {
+  DocRef key;
+  int32_t date = 0;
+  Real total = 0;
+  ShortText contractorName;
+};
+// The goods documents of a year in date, kind and number order (at most
+// limit); with number above 0 only those whose running number it is, of any
+// kind and mark. A year or number that cannot be coded gives none.
+std::vector<SourceCandidate> SourceCandidates(int32_t warehouse, int year, int32_t number, int limit);
+
 // A new payment of kind (its catalogue row given) for the document src by
 // the current user; the number is given when it is saved.
 PaymentRow NewPaymentRow(int16_t kind, const KindRow& row, const DocRef& src, const SourceInfo& info, int32_t date,
@@ -177,12 +190,16 @@ enum class PaymentResult : int8_t {
 
 // Enters a payment for row.source under the lock of kasa____: the balance
 // is taken again inside the lock and a zero one refuses; the number comes
-// from NextDocNumber. row.key.coded receives the number given.
+// from NextDocNumber, on kasa____ of the warehouse or, when every document
+// is numbered for the firm, on the register dane\naglowki (locked first),
+// where the number is entered too. row.key.coded receives the number given.
 [[nodiscard]] PaymentResult SavePayment(int32_t warehouse, PaymentRow& row, const PaymentSettings& s);
 // Writes the amount, date and comment of a payment over its row, found by key.
 [[nodiscard]] PaymentResult UpdatePayment(int32_t warehouse, const PaymentRow& row);
-// Deletes a payment by key.
-[[nodiscard]] PaymentResult RemovePayment(int32_t warehouse, const DocRef& key);
+// Deletes a payment by key. Under common numbering its number stays taken in
+// the firm's register, which records the deletion.
+[[nodiscard]] PaymentResult RemovePayment(int32_t warehouse, const DocRef& key,
+                                          const NumberingSettings& s = NumberingSettings{});
 // Clears the deposit of the chain of the goods document doc when its balance
 // is zero: ilosc_w_depozycie 0 on all lines, czy_depozyt 'N' on each header.
 // With viaPayment, the payment is looked up again inside the locks first.
@@ -204,7 +221,8 @@ int WriteAutoPayment(int32_t warehouse, const DocRef& doc, int32_t date, const P
 
 // --- Screens ---
 // The menu's payment documents: list of kasa____ with Ins (enter), Enter
-// (change), Del (delete), F2 (settle deposits), F3 (related documents).
+// (change), Del (delete), F2 (settle deposits), F3 (related documents),
+// F4 (the change at the till for the payment's amount).
 void PaymentDocuments(int32_t warehouse);
 // The menu's automatic deposit settlement for customers.
 void AutoSettleDeposits(int32_t warehouse);
@@ -214,5 +232,9 @@ bool ChangePayment(int32_t warehouse, const DocRef& key, const PaymentSettings& 
 bool DeletePayment(int32_t warehouse, const DocRef& key);
 // The deposit settlement started from a payment; true when settled.
 bool SettleDeposit(int32_t warehouse, const DocRef& payment, const PaymentSettings& s);
+// "Obliczenie reszty:": asks what the customer hands over (on a return, what
+// is paid out to him) against total and shows the change after "RESZTA".
+// False on Esc.
+bool TillChange(Real total, bool isReturn);
 // The list of documents related to a goods document, with its balance.
 void ListRelatedDocuments(int32_t warehouse, const DocRef& doc, const PaymentSettings& s);

@@ -23,5 +23,23 @@ int32_t Int(const PGResult& r, int row, int col);
 Real Money(const PGResult& r, int row, int col);
 ShortText Text(const PGResult& r, int row, int col);
 char Letter(const PGResult& r, int row, int col);
+// The system date as a day serial.
+int32_t TodaySerial();
+
+// --- Screens' helpers ---
+// A message box waiting for Enter or Esc.
+void Say(const ShortText& text);
+// An amount as the screens show it, to the grosz.
+ShortText MoneyText(Real v);
+// A day serial as "DD-MM-RRRR"; blank layout for no date.
+ShortText DateText(int32_t serial);
+// Asks the year and the number of the goods document a payment of the
+// contractor letter is for; an empty number offers the year's list. False on
+// Esc or when nothing was found (after saying so).
+bool ChooseSource(int32_t warehouse, char paymentLetter, DocRef& out);
+// The payment's form under title: kind, document, contractor and balance
+// shown; date, amount and comment edited into row. False on Esc.
+bool EditPaymentForm(const ShortText& title, const ShortText& kindName, const SourceInfo& info, const Balance& b,
+                     PaymentRow& row);
 
 }  // namespace paydetail

@@ -21,6 +21,20 @@
 using docdetail::SqlTable;
 using namespace paydetail;
 
+namespace paydetail {
+
+ShortText MoneyText(Real v) { return FormatFixed(0, 2, RoundMoney(v)); }
+
+ShortText DateText(int32_t serial) {
+  int y = 0, m = 0, d = 0;
+  if (!DecodeDaySerial(serial, y, m, d)) return ShortText("  -  -    ");
+  return DateFromParts(d, m, y);
+}
+
+void Say(const ShortText& text) { (void)MessageBox(text, 0); }
+
+}  // namespace paydetail
+
 namespace {
 
 constexpr ShortText kNoPaymentKindsText =
@@ -40,23 +54,6 @@ constexpr ShortText kNotZeroText =
     "Rozliczenie depozytów nie może nastapić, ponieważ bilans nie jest@zerowy. Wynosi on "_mz;
 constexpr ShortText kNoRelatedText = "Nie ma dokumentów związanych !"_mz;
 
-int32_t TodaySerial() {
-  const std::time_t now = std::time(nullptr);
-  std::tm t{};
-  localtime_r(&now, &t);
-  return EncodeDaySerial(t.tm_year + 1900, t.tm_mon + 1, t.tm_mday);
-}
-
-ShortText MoneyText(Real v) { return FormatFixed(0, 2, RoundMoney(v)); }
-
-ShortText DateText(int32_t serial) {
-  int y = 0, m = 0, d = 0;
-  if (!DecodeDaySerial(serial, y, m, d)) return ShortText("  -  -    ");
-  return DateFromParts(d, m, y);
-}
-
-void Say(const ShortText& text) { (void)MessageBox(text, 0); }
-
 // The system's message of a write's result; true when it was done.
 bool Report(PaymentResult r) {
   switch (r) {
@@ -70,14 +67,6 @@ bool Report(PaymentResult r) {
     case PaymentResult::kChainBroken: Say(kChainBrokenText); break;
   }
   return false;
-}
-
-// Asks for an amount in a box titled title; false on Esc or a value that is not a number.
-bool AskAmount(const ShortText& title, Real& amount) {
-  ShortText text = MoneyText(amount);
-  if (!AskValue(title, text, 14, 4, {}, {})) return false;
-  amount = RoundMoney(TextToRealLoose(text));
-  return true;
 }
 
 // Picks a payment kind open to the user; 0 when none or on Esc.
@@ -108,38 +97,6 @@ int16_t ChoosePaymentKind(KindRow& row) {
     return 0;
   }
   return kind;
-}
-
-// The goods documents of a year as list lines, and their keys.
-bool ChooseSource(int32_t warehouse, DocRef& out) {
-  ShortText year = ShortText(std::to_string(docdetail::YearOfSerial(TodaySerial())));
-  if (!AskValue("Podaj rok szukanego dokumentu:"_mz, year, 4, 3, {}, {})) return false;
-  PGResult r;
-  const std::string sql = "SELECT typ_dok,nr_dok,znak_dok," + SerialOf("data_dok") +
-                          ",suma_dok,nazwa_kontrahenta FROM " + SqlTable(WarehouseTablePath(warehouse, "naglowki")) +
-                          " WHERE EXTRACT(YEAR FROM data_dok)=" + std::to_string(std::atoi(year.Str().c_str())) +
-                          " ORDER BY data_dok,typ_dok,nr_dok LIMIT " + std::to_string(kPickMaxChoices);
-  if (PGRunQueryWithTup(sql, r) || r.Rows() == 0) return false;
-  std::vector<ShortText> lines;
-  for (int i = 0; i < r.Rows(); ++i) {
-    ShortText l = FormatFixed(3, 0, Int(r, i, 0));
-    l.Append(" ");
-    l.Append(DocNumberText(Int(r, i, 1)).View());
-    l.Append("/");
-    l.Append(Text(r, i, 2).View());
-    l.Append(" ");
-    l.Append(DateText(Int(r, i, 3)).View());
-    l.Append(" ");
-    l.Append(FormatFixed(12, 2, Money(r, i, 4)).View());
-    l.Append(" ");
-    l.Append(Text(r, i, 5).View());
-    lines.push_back(l);
-  }
-  unsigned char ch = 0, scan = 0;
-  const int16_t pick = PickListHooked(1, 1, 1, 0, 0, "Wybierz:"_mz, lines, {}, ch, scan);
-  if (pick <= 0) return false;
-  out = {static_cast<int16_t>(Int(r, pick - 1, 0)), Int(r, pick - 1, 1), Text(r, pick - 1, 2)};
-  return true;
 }
 
 // The source's refusals in the order of the entry; true when it may be paid.
@@ -174,25 +131,28 @@ bool EnterPayment(int32_t warehouse, const PaymentSettings& s) {
   const int16_t k = ChoosePaymentKind(kind);
   if (k == 0) return false;
   DocRef src;
-  if (!ChooseSource(warehouse, src) || !SourceAccepted(kind, src)) return false;
+  if (!ChooseSource(warehouse, kind.contractorLetter, src) || !SourceAccepted(kind, src)) return false;
   const Balance b = ComputeBalance(warehouse, src, s);
   if (!b.usable) return Say(kKindMissingText), false;
   if (!b.found) return Say(kSourceLostText), false;
   if (b.value == 0) return Say(b.deposit ? kDepositHintText : kZeroBalanceText), false;
-  Real amount = b.value;
-  if (!AskAmount(Titled("Dopisanie dokumentu:"_mz, kind.name), amount)) return false;
   const SourceInfo info = ReadSource(warehouse, src);
-  PaymentRow row = NewPaymentRow(k, kind, src, info, TodaySerial(), amount);
+  PaymentRow row = NewPaymentRow(k, kind, src, info, TodaySerial(), b.value);
+  if (!EditPaymentForm(Titled("Dopisanie dokumentu:"_mz, kind.name), kind.name, info, b, row)) return false;
   if (row.date < info.date) Say(kEarlyDateText);
   return Report(SavePayment(warehouse, row, s));
 }
 
-bool ChangePayment(int32_t warehouse, const DocRef& key, const PaymentSettings&) {
+bool ChangePayment(int32_t warehouse, const DocRef& key, const PaymentSettings& s) {
   PaymentRow p;
   if (!ReadPayment(warehouse, key, p)) return Say(kPaymentGoneText), false;
   if (!PaymentMayBeTouched(DocumentAction::kChange, p)) return false;
-  if (!ReadSource(warehouse, p.source).found) Say(kSourceLostText);
-  if (!AskAmount(Titled("Korekta dokumentu:"_mz, ReadKindRow(p.key.kind).name), p.amount)) return false;
+  const SourceInfo info = ReadSource(warehouse, p.source);
+  if (!info.found) Say(kSourceLostText);
+  const ShortText name = ReadKindRow(p.key.kind).name;
+  if (!EditPaymentForm(Titled("Korekta dokumentu:"_mz, name), name, info, ComputeBalance(warehouse, p.source, s), p))
+    return false;
+  if (info.found && p.date < info.date) Say(kEarlyDateText);
   return Report(UpdatePayment(warehouse, p));
 }
 
@@ -204,7 +164,7 @@ bool DeletePayment(int32_t warehouse, const DocRef& key) {
   ScreenCopyPtr screen;
   ScreenSave(screen);
   (void)MessageBox("Trwa kasowanie..."_mz, 2);
-  const PaymentResult r = RemovePayment(warehouse, key);
+  const PaymentResult r = RemovePayment(warehouse, key, NumberingSettingsFromConfig());
   ScreenRestore(screen);
   return Report(r);
 }
@@ -276,7 +236,8 @@ void PaymentDocuments(int32_t warehouse) {
     KeyPair ended{};
     PickListHooks hooks;
     hooks.endsList = [&](KeyPair k) {
-      const bool ends = k == keys::kIns || k == keys::kDel || k == keys::F(2) || k == keys::F(3);
+      const bool ends =
+          k == keys::kIns || k == keys::kDel || k == keys::F(2) || k == keys::F(3) || k == keys::F(4);
       if (ends) ended = k;
       return ends;
     };
@@ -288,6 +249,7 @@ void PaymentDocuments(int32_t warehouse) {
     else if (ended == keys::kDel) (void)DeletePayment(warehouse, p.key);
     else if (ended == keys::F(2)) (void)SettleDeposit(warehouse, p.key, s);
     else if (ended == keys::F(3)) ListRelatedDocuments(warehouse, p.source, s);
+    else if (ended == keys::F(4)) (void)TillChange(p.amount < 0 ? -p.amount : p.amount, ReadKindRow(p.key.kind).income == 'N');
     else (void)ChangePayment(warehouse, p.key, s);
   }
 }

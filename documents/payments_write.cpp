@@ -1,6 +1,7 @@
 // Writes of payments and of deposit settlements, each in one transaction
 // under the exclusive locks of the tables it writes.
 #include <cstdio>
+#include <optional>
 #include <set>
 #include <string>
 
@@ -13,6 +14,7 @@
 #include "sqltable/pgconn.h"
 #include "sqltable/pgrecord.h"
 #include "sqltable/pgwrite.h"
+#include "base/dates.h"
 #include "users/users.h"
 
 using docdetail::DateLiteral;
@@ -57,11 +59,19 @@ int16_t PutPayment(int16_t rec, const PaymentRow& p) {
   return code;
 }
 
-// Numbers the row and appends it; kasa____ is locked by the caller.
+// Where a payment kind draws its numbers: the firm's register when every
+// document is numbered for the firm, else the warehouse's kasa____.
+ShortText PaymentNumberTable(int32_t warehouse, int kind, const NumberingSettings& s) {
+  return UnderCommonNumbering(kind, s) ? ShortText(kRegisterTable) : KasaPath(warehouse);
+}
+
+// Numbers the row, appends it and, under common numbering, registers its
+// number; kasa____ (and the register first) are locked by the caller.
 PaymentResult InsertPayment(int32_t warehouse, PaymentRow& row, const PaymentSettings& s) {
   const ShortText kasa = KasaPath(warehouse);
   NextNumber n;
-  CheckDBError(NextDocNumber(row.date, row.key.kind, kasa, s.numbering, n));
+  CheckDBError(NextDocNumber(row.date, row.key.kind, PaymentNumberTable(warehouse, row.key.kind, s.numbering),
+                             s.numbering, n));
   if (n.failed) return PaymentResult::kNoNumber;
   row.key.coded = n.coded;
   ShortText mark;
@@ -72,7 +82,35 @@ PaymentResult InsertPayment(int32_t warehouse, PaymentRow& row, const PaymentSet
   CheckDBError(PutPayment(t.rec(), row));
   CheckDBError(PGRecAppend(t.tbl(), t.rec()));
   t.MarkChanged();
+  CheckDBError(RegisterDocNumber(row.key.kind, row.key.coded, row.key.mark, row.date, s.numbering));
   return PaymentResult::kDone;
+}
+
+// The register's lock when the kind is numbered for the firm: taken before
+// kasa____, the order of the goods-document save.
+class RegisterLock {
+ public:
+  RegisterLock(int kind, const NumberingSettings& s) {
+    if (UnderCommonNumbering(kind, s)) lock_.emplace(ShortText(kRegisterTable));
+  }
+  void Commit() {
+    if (lock_) CheckDBError(lock_->Commit());
+  }
+
+ private:
+  std::optional<ExclusiveLock> lock_;
+};
+
+// A deleted payment's number stays taken in the register: its row gets the
+// deletion's date, time, user and the sum.
+void MarkNumberDeleted(const PaymentRow& p) {
+  const std::string sql = "UPDATE " + SqlTable(kRegisterTable) + " SET data_ost_skasowania=" +
+                          DateLiteral(TodaySerial()) + ",czas_ost_skasowania=" +
+                          std::to_string(NowMinutes()) + ",nr_uzytk_kasujacego=" +
+                          std::to_string(CurrentUserNumber()) + ",nazwa_uz_kasujacego=" +
+                          TextLiteral(CurrentUserName().Copy(1, 30)) + ",ost_suma_dok_skas=" +
+                          MoneyLiteral(p.amount) + " WHERE " + KeyCondition(p.key, "");
+  CheckDBError(PGRunQueryNoTup(sql));
 }
 
 // Rows a statement touched, through "WITH w AS (...RETURNING 1) SELECT count(*)".
@@ -91,6 +129,7 @@ PaymentResult Committed(ExclusiveLock& lock, PaymentResult r) {
 }  // namespace
 
 PaymentResult SavePayment(int32_t warehouse, PaymentRow& row, const PaymentSettings& s) {
+  RegisterLock reg(row.key.kind, s.numbering);
   ExclusiveLock lock(KasaPath(warehouse));
   // Taken again under the lock: another operator may have paid meanwhile.
   const Balance b = ComputeBalance(warehouse, row.source, s);
@@ -98,7 +137,9 @@ PaymentResult SavePayment(int32_t warehouse, PaymentRow& row, const PaymentSetti
   if (b.value == 0) return PaymentResult::kZeroBalance;
   const PaymentResult r = InsertPayment(warehouse, row, s);
   if (r != PaymentResult::kDone) return r;
-  return Committed(lock, r);
+  Committed(lock, r);
+  reg.Commit();
+  return r;
 }
 
 PaymentResult UpdatePayment(int32_t warehouse, const PaymentRow& row) {
@@ -110,11 +151,17 @@ PaymentResult UpdatePayment(int32_t warehouse, const PaymentRow& row) {
   return Committed(lock, PaymentResult::kDone);
 }
 
-PaymentResult RemovePayment(int32_t warehouse, const DocRef& key) {
+PaymentResult RemovePayment(int32_t warehouse, const DocRef& key, const NumberingSettings& s) {
+  RegisterLock reg(key.kind, s);
   ExclusiveLock lock(KasaPath(warehouse));
+  PaymentRow p;
+  if (!ReadPayment(warehouse, key, p)) return PaymentResult::kPaymentGone;
   if (CountTouched("DELETE FROM " + SqlTable(KasaPath(warehouse)) + " WHERE " + KeyCondition(key, "")) == 0)
     return PaymentResult::kPaymentGone;
-  return Committed(lock, PaymentResult::kDone);
+  if (UnderCommonNumbering(key.kind, s)) MarkNumberDeleted(p);
+  Committed(lock, PaymentResult::kDone);
+  reg.Commit();
+  return PaymentResult::kDone;
 }
 
 PaymentResult SettleDepositChain(int32_t warehouse, const DocRef& doc, const PaymentSettings& s,
@@ -178,6 +225,7 @@ int WriteAutoPayment(int32_t warehouse, const DocRef& doc, int32_t date, const P
     parts = {{s.autoKinds[2], paidVat}, {s.autoKinds[3], src.total - paidVat}};
   else
     parts = {{s.autoKinds[customer ? 0 : 1], src.total}};
+  RegisterLock reg(kFirstPaymentKind, s.numbering);
   ExclusiveLock lock(KasaPath(warehouse));
   int written = 0;
   for (const Part& part : parts) {
@@ -187,5 +235,6 @@ int WriteAutoPayment(int32_t warehouse, const DocRef& doc, int32_t date, const P
     ++written;
   }
   CheckDBError(lock.Commit());
+  reg.Commit();
   return written;
 }
