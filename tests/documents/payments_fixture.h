@@ -36,10 +36,10 @@ class PaymentsTest : public CatalogueTest {
 
   // A goods header through PGRecAppend; source kind 0 for a root.
   static DocRef Header(int16_t kind, int32_t n, Real total, int32_t contractor, Real discount = 0,
-                       const DocRef& source = {}, bool deposit = false) {
+                       const DocRef& source = {}, bool deposit = false, int32_t warehouse = kWarehouse) {
     const DocRef key{kind, Code(2024, n), ShortText("A")};
     int16_t tbl = 0, rec = 0;
-    EXPECT_EQ(PGTblOpen(WarehouseTablePath(kWarehouse, "naglowki"), tbl, 0, 0), 0);
+    EXPECT_EQ(PGTblOpen(WarehouseTablePath(warehouse, "naglowki"), tbl, 0, 0), 0);
     EXPECT_EQ(PGRecBufOpen(tbl, rec), 0);
     using C = NaglowkiCol;
     EXPECT_EQ(PGPutShort(rec, C::typ_dok, kind), 0);
@@ -66,12 +66,17 @@ class PaymentsTest : public CatalogueTest {
   }
   // A payment of kind for the document, entered the way the screen enters it.
   static PaymentResult Pay(int16_t kind, const DocRef& doc, Real amount, DocRef* key = nullptr) {
+    return PayIn(kWarehouse, Day(2024, 3, 5), Settings(), kind, doc, amount, key);
+  }
+  // The same in a warehouse, on a date, under settings.
+  static PaymentResult PayIn(int32_t warehouse, int32_t date, const PaymentSettings& s, int16_t kind,
+                             const DocRef& doc, Real amount, DocRef* key = nullptr) {
     PaymentRow row;
     row.key = {kind, 0, ShortText("K")};
-    row.date = Day(2024, 3, 5);
+    row.date = date;
     row.source = doc;
     row.amount = amount;
-    const PaymentResult r = SavePayment(kWarehouse, row, Settings());
+    const PaymentResult r = SavePayment(warehouse, row, s);
     if (key) *key = row.key;
     return r;
   }

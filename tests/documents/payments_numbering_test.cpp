@@ -1,0 +1,151 @@
+// Numbers of payments under each state of common numbering, the register of
+// the firm's numbers, the goods documents offered by their typed number and
+// the change at the till. Expected numbers are counted here from the
+// payments the test writes.
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "documents/numbering.h"
+#include "payments_fixture.h"
+
+namespace {
+
+TEST(PaymentRules, ChangeAtTheTill) {
+  struct Case {
+    Real paid, total, change;
+  };
+  for (const Case& c : std::vector<Case>{{50, 37.21L, 12.79L},
+                                         {37.21L, 37.21L, 0},
+                                         {20, 37.21L, -17.21L},  // too little: what is still missing
+                                         {100.005L, 0, 100.01L},
+                                         {0, 0, 0}})
+    EXPECT_EQ(ChangeDue(c.paid, c.total), RoundMoney(c.change)) << static_cast<double>(c.paid);
+}
+
+class PaymentNumberingTest : public PaymentsTest {
+ protected:
+  static constexpr int32_t kSecond = 2;
+  void SetUp() override {
+    PaymentsTest::SetUp();
+    CreateWarehouseTables(false, kSecond);
+  }
+  static int32_t Serial(int year) { return Day(year, 6, 1); }
+  // A document in each warehouse, paid in small parts.
+  DocRef invoices_[3];
+  void Invoices() {
+    invoices_[kWarehouse] = Header(2, 1, 1000, 7);
+    invoices_[kSecond] = Header(2, 1, 1000, 7, 0, {}, false, kSecond);
+  }
+};
+
+TEST_F(PaymentNumberingTest, PaymentsTakeOneSeriesOnlyWhenEveryDocumentIsNumberedForTheFirm) {
+  Invoices();
+  struct Mode {
+    int common;
+    int year;
+  };
+  const int32_t order[] = {kWarehouse, kSecond, kWarehouse, kWarehouse, kSecond};
+  for (const Mode& m : std::vector<Mode>{{0, 2024}, {1, 2025}, {2, 2026}}) {
+    PaymentSettings s;
+    s.numbering = NumberingSettingsFrom(m.common, 0);
+    std::map<int32_t, int32_t> perWarehouse;
+    int32_t firm = 0;
+    for (int32_t w : order) {
+      DocRef key;
+      ASSERT_EQ(PayIn(w, Serial(m.year), s, kKP, invoices_[w], 1, &key), PaymentResult::kDone);
+      const int32_t expected = m.common == 2 ? ++firm : ++perWarehouse[w];
+      EXPECT_EQ(key.coded, Code(m.year, expected)) << "mode " << m.common << " warehouse " << w;
+    }
+    const std::string registered = Scalar("SELECT count(*) FROM DANE_NAGLOWKI WHERE typ_dok=" +
+                                          std::to_string(kKP) + " AND EXTRACT(YEAR FROM data_dok)=" +
+                                          std::to_string(m.year));
+    EXPECT_EQ(registered, m.common == 2 ? "5" : "0") << "mode " << m.common;
+  }
+}
+
+TEST_F(PaymentNumberingTest, ADeletedPaymentKeepsItsNumberInTheRegister) {
+  Invoices();
+  PaymentSettings s;
+  s.numbering = NumberingSettingsFrom(2, 0);
+  DocRef first, last;
+  ASSERT_EQ(PayIn(kWarehouse, Serial(2024), s, kKP, invoices_[kWarehouse], 5, &first), PaymentResult::kDone);
+  ASSERT_EQ(PayIn(kSecond, Serial(2024), s, kKP, invoices_[kSecond], 5, &last), PaymentResult::kDone);
+  ASSERT_EQ(RemovePayment(kSecond, last, s.numbering), PaymentResult::kDone);
+  EXPECT_EQ(Scalar("SELECT ost_suma_dok_skas::numeric(9,2)||CASE WHEN data_ost_skasowania>'2000-01-01' THEN "
+                   "' deleted' END FROM DANE_NAGLOWKI WHERE nr_dok=" + std::to_string(last.coded)),
+            "5.00 deleted");
+  // The number of the deleted payment is not given again.
+  DocRef next;
+  ASSERT_EQ(PayIn(kWarehouse, Serial(2024), s, kKP, invoices_[kWarehouse], 5, &next), PaymentResult::kDone);
+  EXPECT_EQ(next.coded, Code(2024, 3));
+  // A rebuild from scratch enters the payments that exist, of both warehouses.
+  ASSERT_TRUE(Psql("INSERT INTO DANE_MAGAZYNY (nazwa,nazwa_inne,numer,czy_podmiot_gosp) VALUES ('M1','',1,'Z'),('M2','',2,'Z')"));
+  int32_t added = 0;
+  ASSERT_EQ(RebuildRegister(RebuildMode::kFromScratch, s.numbering, added), 0) << PGLastOp.Str();
+  EXPECT_EQ(Scalar("SELECT string_agg(typ_dok||':'||(nr_dok & 255), ',' ORDER BY typ_dok,nr_dok) FROM DANE_NAGLOWKI"),
+            "2:1,101:1,101:3");
+  EXPECT_EQ(added, 3);
+}
+
+TEST_F(PaymentNumberingTest, OperatorsOfTwoWarehousesDrawDistinctFirmNumbers) {
+  Invoices();
+  constexpr int kOperators = 4;
+  int go[2];
+  ASSERT_EQ(pipe(go), 0);
+  std::vector<pid_t> children;
+  for (int i = 0; i < kOperators; ++i) {
+    const pid_t pid = fork();
+    ASSERT_GE(pid, 0);
+    if (pid == 0) {
+      ConnectChild();
+      char byte = 0;
+      if (read(go[0], &byte, 1) != 1) _exit(4);
+      PaymentSettings s;
+      s.numbering = NumberingSettingsFrom(2, 0);
+      const int32_t w = i % 2 ? kSecond : kWarehouse;
+      _exit(PayIn(w, Serial(2024), s, kKP, invoices_[w], 1) == PaymentResult::kDone ? 0 : 1);
+    }
+    children.push_back(pid);
+  }
+  ASSERT_EQ(write(go[1], "gggg", kOperators), kOperators);
+  for (pid_t pid : children) EXPECT_EQ(ExitStatus(pid), 0);
+  close(go[0]);
+  close(go[1]);
+  const std::string numbers = Scalar(
+      "SELECT string_agg((nr_dok & 255)::text, ',' ORDER BY nr_dok) FROM (SELECT nr_dok FROM DANE_1_KASA____ "
+      "UNION ALL SELECT nr_dok FROM DANE_2_KASA____) k");
+  EXPECT_EQ(numbers, "1,2,3,4");
+  EXPECT_EQ(Scalar("SELECT count(*) FROM DANE_NAGLOWKI"), std::to_string(kOperators));
+}
+
+TEST_F(PaymentsTest, SourcesByTypedNumber) {
+  const DocRef sale5 = Header(2, 5, 10, 7);
+  const DocRef buy5 = Header(6, 5, 20, 3);
+  Header(2, 6, 30, 7);
+  auto keys = [](const std::vector<SourceCandidate>& list) {
+    std::set<std::string> out;
+    for (const SourceCandidate& c : list) out.insert(std::to_string(c.key.kind) + ":" + std::to_string(c.key.coded));
+    return out;
+  };
+  const std::set<std::string> fives = {"2:" + std::to_string(sale5.coded), "6:" + std::to_string(buy5.coded)};
+  struct Case {
+    int year;
+    int32_t number;
+    std::size_t count;
+  };
+  for (const Case& c : std::vector<Case>{{2024, 5, 2}, {2024, 0, 3}, {2024, 7, 0}, {2023, 5, 0},
+                                         {1990, 5, 0}, {2024, kDocMaxNumber + 1, 0}})
+    EXPECT_EQ(SourceCandidates(kWarehouse, c.year, c.number, 255).size(), c.count) << c.year << "/" << c.number;
+  EXPECT_EQ(keys(SourceCandidates(kWarehouse, 2024, 5, 255)), fives);
+  const std::vector<SourceCandidate> one = SourceCandidates(kWarehouse, 2024, 6, 255);
+  ASSERT_EQ(one.size(), 1u);
+  EXPECT_EQ(one[0].total, 30);
+  EXPECT_EQ(one[0].date, Day(2024, 3, 1));
+}
+
+}  // namespace
