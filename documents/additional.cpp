@@ -38,7 +38,7 @@ int16_t FindDocumentRow(const AdditionalSeries& series, int32_t coded, const Sho
   row.oid = std::string(res.Value(0, 0));
   row.number = std::atoi(std::string(res.Value(0, 1)).c_str());
   row.value = std::atoi(std::string(res.Value(0, 2)).c_str());
-  row.text = Latin2ToMaz(res.Text(0, 3));
+  row.text = DbToMaz(res.Text(0, 3));
   return 0;
 }
 

@@ -24,7 +24,7 @@ void TableRecord::MarkChanged() {
   if (PGTable* t = PGTableAt(tbl_)) t->changedByUs = true;
 }
 
-std::string TextLiteral(const ShortText& text) { return "'" + PGEscapeStr(MazToLatin2(text).View()) + "'"; }
+std::string TextLiteral(const ShortText& text) { return "'" + PGEscapeStr(MazToDb(text).View()) + "'"; }
 
 std::string DateLiteral(int32_t serial) { return "'" + DaySerialToIsoText(serial).Str() + "'"; }
 

@@ -25,7 +25,7 @@ constexpr ShortText kDocumentGoneText =
 ShortText FirstCell(const std::string& sql) {
   PGResult res;
   if (PGRunQueryWithTup(sql, res) || res.Rows() == 0) return {};
-  return Latin2ToMaz(res.Text(0, 0));
+  return DbToMaz(res.Text(0, 0));
 }
 
 bool RowExists(const std::string& sql) {

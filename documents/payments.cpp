@@ -90,7 +90,7 @@ Real Money(const PGResult& r, int row, int col) {
   return std::strtold(std::string(r.Value(row, col)).c_str(), nullptr);
 }
 
-ShortText Text(const PGResult& r, int row, int col) { return Latin2ToMaz(r.Text(row, col)); }
+ShortText Text(const PGResult& r, int row, int col) { return DbToMaz(r.Text(row, col)); }
 
 char Letter(const PGResult& r, int row, int col) {
   const std::string_view v = r.Value(row, col);

@@ -5,6 +5,7 @@
 
 #include "base/numbers.h"
 #include "base/numbers_format.h"
+#include "base/text.h"
 #include "documents/kindrules.h"
 #include "documents/payments.h"
 #include "documents/payments_detail.h"
@@ -23,7 +24,7 @@ using namespace paydetail;
 
 namespace paydetail {
 
-ShortText MoneyText(Real v) { return FormatFixed(0, 2, RoundMoney(v)); }
+ShortText MoneyText(Real v) { return TrimLeftAll(FormatFixed(20, 2, RoundMoney(v)), ' '); }
 
 ShortText DateText(int32_t serial) {
   int y = 0, m = 0, d = 0;

@@ -149,3 +149,27 @@ TEST_F(PaymentsTest, SourcesByTypedNumber) {
 }
 
 }  // namespace
+
+namespace {
+
+// Texts go to the database in its LATIN2 and come back as they were, by the
+// record buffer (a new payment) and by a statement (a changed one).
+TEST_F(PaymentsTest, PolishLettersSurviveWritingChangingAndReading) {
+  const DocRef inv = Header(2, 1, 50, 7);
+  ASSERT_TRUE(Psql("UPDATE DANE_DOK_PLAT SET nazwa='Wpłata gotówki' WHERE typ_dok=" + std::to_string(kKP)));
+  ASSERT_TRUE(Psql("UPDATE DANE_1_NAGLOWKI SET nazwa_kontrahenta='Żółw i Syn'"));
+  PaymentRow row = NewPaymentRow(kKP, ReadKindRow(kKP), inv, ReadSource(kWarehouse, inv), Day(2024, 3, 5), 20);
+  row.comment = "zaliczka łączna"_mz;
+  ASSERT_EQ(SavePayment(kWarehouse, row, Settings()), PaymentResult::kDone);
+  EXPECT_EQ(Scalar("SELECT opis_typ_dok||'|'||nazwa_kontrahenta||'|'||komentarz FROM DANE_1_KASA____"),
+            "Wpłata |Żółw i Syn|zaliczka łączna");
+  row.comment = "dopłata źródłowa"_mz;
+  ASSERT_EQ(UpdatePayment(kWarehouse, row), PaymentResult::kDone);
+  PaymentRow back;
+  ASSERT_TRUE(ReadPayment(kWarehouse, row.key, back));
+  EXPECT_EQ(back.comment, "dopłata źródłowa"_mz);
+  EXPECT_EQ(back.contractorName, "Żółw i Syn"_mz);
+  EXPECT_EQ(Scalar("SELECT komentarz FROM DANE_1_KASA____"), "dopłata źródłowa");
+}
+
+}  // namespace
