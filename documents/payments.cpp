@@ -41,6 +41,16 @@ Real BalanceOfEntries(int rootSign, const std::vector<BalanceEntry>& entries) {
   return RoundMoney(rootSign * sum);
 }
 
+ShortText ContractorLetterText(char letter) {
+  switch (letter) {
+    case 'd': return "d - dostawca"_mz;
+    case 'O': return "O - odbiorca"_mz;
+    case 'w': return "w - wewn.przychód - dostawca"_mz;
+    case 'W': return "W - wewn.rozchód - odbiorca"_mz;
+    default: return ShortText(std::string(1, letter));
+  }
+}
+
 Real ChangeDue(Real paid, Real total) { return RoundMoney(paid - total); }
 
 bool ProposedDepositMark(int depositOption, int kind) {
@@ -76,6 +86,15 @@ std::string KeyCondition(const DocRef& d, const char* prefix) {
 std::string SourceCondition(const DocRef& d) {
   return "typ_dok_zrodl=" + std::to_string(d.kind) + " AND nr_dok_zrodl=" + std::to_string(d.coded) +
          " AND znak_dok_zrodl=" + TextLiteral(d.mark);
+}
+
+std::string SourceInList(const std::vector<DocRef>& docs) {
+  std::string list;
+  for (const DocRef& d : docs)
+    list += (list.empty() ? "(" : ",(") + std::to_string(d.kind) + "," + std::to_string(d.coded) + "," +
+            TextLiteral(d.mark) + ")";
+  if (list.empty()) return "FALSE";
+  return "(typ_dok_zrodl,nr_dok_zrodl,znak_dok_zrodl) IN (" + list + ")";
 }
 
 std::string SerialOf(const char* column) {

@@ -57,6 +57,10 @@ int KindSign(char incomeMark);
 // customers (of the kind's catalogue, dok_plat's letter of the goods kind first).
 bool PaymentFitsDocument(char paymentLetter, int goodsKind, char goodsLetter);
 
+// The contractor letter of a payment kind with what it means ('w' and 'W'
+// are internal income and expense on a supplier's and a customer's account).
+ShortText ContractorLetterText(char letter);
+
 // One amount of a walk: a goods document (total less rab_kwot) or a payment.
 struct BalanceEntry {
   int sign = 1;

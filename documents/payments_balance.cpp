@@ -76,18 +76,12 @@ Header WalkToRoot(int32_t warehouse, const DocRef& doc, int& walked) {
   return h;
 }
 
-std::string RowConstructor(const DocRef& d) {
-  return "(" + std::to_string(d.kind) + "," + std::to_string(d.coded) + "," + TextLiteral(d.mark) + ")";
-}
-
 // Adds the payments referring to any goods document of the chain.
 bool AddPayments(int32_t warehouse, const std::vector<DocRef>& goods, KindSigns& signs,
                  std::vector<BalanceEntry>& entries) {
-  std::string list;
-  for (const DocRef& d : goods) list += (list.empty() ? "" : ",") + RowConstructor(d);
   PGResult r;
   const std::string sql = "SELECT typ_dok,SUM(suma_dok) FROM " + SqlTable(WarehouseTablePath(warehouse, "kasa____")) +
-                          " WHERE (typ_dok_zrodl,nr_dok_zrodl,znak_dok_zrodl) IN (" + list + ") GROUP BY typ_dok";
+                          " WHERE " + SourceInList(goods) + " GROUP BY typ_dok";
   if (PGRunQueryWithTup(sql, r)) return false;
   bool known = true;
   for (int i = 0; i < r.Rows(); ++i) {

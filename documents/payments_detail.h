@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "base/real.h"
 #include "base/shorttext.h"
@@ -17,6 +18,8 @@ namespace paydetail {
 std::string KeyCondition(const DocRef& d, const char* prefix);
 // typ_dok_zrodl, nr_dok_zrodl, znak_dok_zrodl equal to the key.
 std::string SourceCondition(const DocRef& d);
+// The source reference is one of the keys (none matches an empty list).
+std::string SourceInList(const std::vector<DocRef>& docs);
 // A date column as a day serial, 0 when NULL.
 std::string SerialOf(const char* column);
 int32_t Int(const PGResult& r, int row, int col);

@@ -130,8 +130,10 @@ ShortText SourceText(const DocRef& src, const SourceInfo& info) {
 
 bool EditPaymentForm(const ShortText& title, const ShortText& kindName, const SourceInfo& info, const Balance& b,
                      PaymentRow& row) {
+  enum { kDate = 5, kAmount, kComment };
   std::vector<FormRow> rows = {
       {"rodzaj:"_mz, kindName},
+      {"typ:"_mz, ContractorLetterText(row.contractorLetter)},
       {"dokument:"_mz, SourceText(row.source, info)},
       {"kontrahent:"_mz, row.contractorName},
       {"bilans:"_mz, MoneyText(b.value)},
@@ -141,15 +143,15 @@ bool EditPaymentForm(const ShortText& title, const ShortText& kindName, const So
   };
   for (;;) {
     if (!RunForm(title, rows)) return false;
-    const Real amount = RoundMoney(TextToRealLoose(rows[5].value));
+    const Real amount = RoundMoney(TextToRealLoose(rows[kAmount].value));
     if (amount == 0) {  // a payment of nothing is no payment
       Beep(1000);
       continue;
     }
-    const DatePartValues d = DateParts(rows[4].value);
+    const DatePartValues d = DateParts(rows[kDate].value);
     row.date = EncodeDaySerial(d.year, d.month, d.day);
     row.amount = amount;
-    row.comment = TrimRightAll(rows[6].value, ' ');
+    row.comment = TrimRightAll(rows[kComment].value, ' ');
     return true;
   }
 }

@@ -187,14 +187,17 @@ bool SettleDeposit(int32_t warehouse, const DocRef& payment, const PaymentSettin
 }
 
 void ListRelatedDocuments(int32_t warehouse, const DocRef& doc, const PaymentSettings& s) {
+  ScreenKeeper keeper;
+  (void)MessageBox("Trwa sprawdzenie dokumentów związanych...[          ]"_mz, 2);
   const Balance b = ComputeBalance(warehouse, doc, s);
+  keeper.Repaint();
   if (!b.found) return Say(kSourceLostText);
   PGResult r;
   const std::string sql =
       "SELECT typ_dok,nr_dok," + SerialOf("data_dok") + ",suma_dok FROM " +
       SqlTable(WarehouseTablePath(warehouse, "naglowki")) + " WHERE " + SourceCondition(b.root) +
       " UNION ALL SELECT typ_dok,nr_dok," + SerialOf("data_dok") + ",suma_dok FROM " +
-      SqlTable(WarehouseTablePath(warehouse, "kasa____")) + " WHERE " + SourceCondition(b.root) + " ORDER BY 3,1,2";
+      SqlTable(WarehouseTablePath(warehouse, "kasa____")) + " WHERE " + SourceInList(b.goods) + " ORDER BY 3,1,2";
   if (PGRunQueryWithTup(sql, r) || r.Rows() == 0) return Say(kNoRelatedText);
   std::vector<ShortText> lines{"typ dok.|  numer dok. |   data   |   suma dok. "_mz,
                                ShortText("--------+-------------+----------+-------------")};

@@ -1,12 +1,10 @@
-// Numbers of payments under each state of common numbering, the register of
-// the firm's numbers, the goods documents offered by their typed number and
-// the change at the till. Expected numbers are counted here from the
-// payments the test writes.
+// Numbers of payments under each state of common numbering and the register
+// of the firm's numbers. Expected numbers are counted here from the payments
+// the test writes.
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <map>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -14,18 +12,6 @@
 #include "payments_fixture.h"
 
 namespace {
-
-TEST(PaymentRules, ChangeAtTheTill) {
-  struct Case {
-    Real paid, total, change;
-  };
-  for (const Case& c : std::vector<Case>{{50, 37.21L, 12.79L},
-                                         {37.21L, 37.21L, 0},
-                                         {20, 37.21L, -17.21L},  // too little: what is still missing
-                                         {100.005L, 0, 100.01L},
-                                         {0, 0, 0}})
-    EXPECT_EQ(ChangeDue(c.paid, c.total), RoundMoney(c.change)) << static_cast<double>(c.paid);
-}
 
 class PaymentNumberingTest : public PaymentsTest {
  protected:
@@ -121,55 +107,6 @@ TEST_F(PaymentNumberingTest, OperatorsOfTwoWarehousesDrawDistinctFirmNumbers) {
       "UNION ALL SELECT nr_dok FROM DANE_2_KASA____) k");
   EXPECT_EQ(numbers, "1,2,3,4");
   EXPECT_EQ(Scalar("SELECT count(*) FROM DANE_NAGLOWKI"), std::to_string(kOperators));
-}
-
-TEST_F(PaymentsTest, SourcesByTypedNumber) {
-  const DocRef sale5 = Header(2, 5, 10, 7);
-  const DocRef buy5 = Header(6, 5, 20, 3);
-  Header(2, 6, 30, 7);
-  auto keys = [](const std::vector<SourceCandidate>& list) {
-    std::set<std::string> out;
-    for (const SourceCandidate& c : list) out.insert(std::to_string(c.key.kind) + ":" + std::to_string(c.key.coded));
-    return out;
-  };
-  const std::set<std::string> fives = {"2:" + std::to_string(sale5.coded), "6:" + std::to_string(buy5.coded)};
-  struct Case {
-    int year;
-    int32_t number;
-    std::size_t count;
-  };
-  for (const Case& c : std::vector<Case>{{2024, 5, 2}, {2024, 0, 3}, {2024, 7, 0}, {2023, 5, 0},
-                                         {1990, 5, 0}, {2024, kDocMaxNumber + 1, 0}})
-    EXPECT_EQ(SourceCandidates(kWarehouse, c.year, c.number, 255).size(), c.count) << c.year << "/" << c.number;
-  EXPECT_EQ(keys(SourceCandidates(kWarehouse, 2024, 5, 255)), fives);
-  const std::vector<SourceCandidate> one = SourceCandidates(kWarehouse, 2024, 6, 255);
-  ASSERT_EQ(one.size(), 1u);
-  EXPECT_EQ(one[0].total, 30);
-  EXPECT_EQ(one[0].date, Day(2024, 3, 1));
-}
-
-}  // namespace
-
-namespace {
-
-// Texts go to the database in its LATIN2 and come back as they were, by the
-// record buffer (a new payment) and by a statement (a changed one).
-TEST_F(PaymentsTest, PolishLettersSurviveWritingChangingAndReading) {
-  const DocRef inv = Header(2, 1, 50, 7);
-  ASSERT_TRUE(Psql("UPDATE DANE_DOK_PLAT SET nazwa='Wpłata gotówki' WHERE typ_dok=" + std::to_string(kKP)));
-  ASSERT_TRUE(Psql("UPDATE DANE_1_NAGLOWKI SET nazwa_kontrahenta='Żółw i Syn'"));
-  PaymentRow row = NewPaymentRow(kKP, ReadKindRow(kKP), inv, ReadSource(kWarehouse, inv), Day(2024, 3, 5), 20);
-  row.comment = "zaliczka łączna"_mz;
-  ASSERT_EQ(SavePayment(kWarehouse, row, Settings()), PaymentResult::kDone);
-  EXPECT_EQ(Scalar("SELECT opis_typ_dok||'|'||nazwa_kontrahenta||'|'||komentarz FROM DANE_1_KASA____"),
-            "Wpłata |Żółw i Syn|zaliczka łączna");
-  row.comment = "dopłata źródłowa"_mz;
-  ASSERT_EQ(UpdatePayment(kWarehouse, row), PaymentResult::kDone);
-  PaymentRow back;
-  ASSERT_TRUE(ReadPayment(kWarehouse, row.key, back));
-  EXPECT_EQ(back.comment, "dopłata źródłowa"_mz);
-  EXPECT_EQ(back.contractorName, "Żółw i Syn"_mz);
-  EXPECT_EQ(Scalar("SELECT komentarz FROM DANE_1_KASA____"), "dopłata źródłowa");
 }
 
 }  // namespace
