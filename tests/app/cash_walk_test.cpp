@@ -11,18 +11,8 @@
 
 namespace {
 
-class CashWalkTest : public DbTest {
+class CashWalkTest : public WalkTest {
  protected:
-  void SetUp() override {
-    DbTest::SetUp();
-    if (!TmuxWalk::Available()) GTEST_SKIP() << "tmux is not installed";
-  }
-  static std::string Value(const std::string& sql) {
-    std::string out;
-    EXPECT_TRUE(Psql(sql, &out)) << out;
-    while (!out.empty() && out.back() == '\n') out.pop_back();
-    return out;
-  }
   static std::string Money(double v) {
     char buf[32];
     std::snprintf(buf, sizeof buf, "%.2f", v);
@@ -33,7 +23,6 @@ class CashWalkTest : public DbTest {
     for (std::size_t i = 0; i < length; ++i) walk_.Keys("BSpace");
     walk_.Keys(keys);
   }
-  TmuxWalk walk_;
 };
 
 TEST_F(CashWalkTest, ACashPaymentForADemoCustomersInvoiceLeavesItsBalance) {

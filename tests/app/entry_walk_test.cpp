@@ -13,18 +13,8 @@
 
 namespace {
 
-class EntryWalkTest : public DbTest {
+class EntryWalkTest : public WalkTest {
  protected:
-  void SetUp() override {
-    DbTest::SetUp();
-    if (!TmuxWalk::Available()) GTEST_SKIP() << "tmux is not installed";
-  }
-  static std::string Value(const std::string& sql) {
-    std::string out;
-    EXPECT_TRUE(Psql(sql, &out)) << out;
-    while (!out.empty() && out.back() == '\n') out.pop_back();
-    return out;
-  }
   // The first letters of a UTF-8 text, never a letter cut in two.
   static std::string Start(std::string text) {
     text.resize(std::min<std::size_t>(text.size(), 20));
@@ -55,7 +45,6 @@ class EntryWalkTest : public DbTest {
     walk_.Keys("Enter Escape");
     ASSERT_TRUE(walk_.Shows("F2 Dokumenty")) << walk_.Pane();
   }
-  TmuxWalk walk_;
 };
 
 TEST_F(EntryWalkTest, ASaleInvoiceAndAPurchaseOfTheDemoFirmChangeTheStock) {

@@ -11,6 +11,8 @@
 #include <string>
 #include <thread>
 
+#include <gtest/gtest.h>
+
 #include "dbfixture.h"
 
 class TmuxWalk {
@@ -55,4 +57,21 @@ class TmuxWalk {
  private:
   int Tmux(const std::string& args) { return std::system(("tmux -L " + socket_ + " " + args + " 2>/dev/null").c_str()); }
   std::string socket_;
+};
+
+// A database test that walks klote: skipped where tmux is missing.
+class WalkTest : public DbTest {
+ protected:
+  void SetUp() override {
+    DbTest::SetUp();
+    if (!TmuxWalk::Available()) GTEST_SKIP() << "tmux is not installed";
+  }
+  // One value read with psql, without its line end.
+  static std::string Value(const std::string& sql) {
+    std::string out;
+    EXPECT_TRUE(Psql(sql, &out)) << out;
+    while (!out.empty() && out.back() == '\n') out.pop_back();
+    return out;
+  }
+  TmuxWalk walk_;
 };

@@ -3,6 +3,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -21,31 +22,13 @@ TEST_F(PaymentRaceTest, OperatorsPayingTheSameInvoiceCannotBothSettleItsLastGros
   ASSERT_EQ(Pay(kKP, inv, paidBefore), PaymentResult::kDone);
   const Real rest = total - paidBefore;
   constexpr int kOperators = 4;
-  int go[2];
-  ASSERT_EQ(pipe(go), 0);
-  std::vector<pid_t> children;
-  for (int i = 0; i < kOperators; ++i) {
-    const pid_t pid = fork();
-    ASSERT_GE(pid, 0);
-    if (pid == 0) {
-      ConnectChild();
-      char byte = 0;
-      if (read(go[0], &byte, 1) != 1) _exit(4);
-      // Each operator saw the same balance and pays all of it.
-      const PaymentResult r = Pay(kKP, inv, rest);
-      _exit(r == PaymentResult::kDone ? 0 : r == PaymentResult::kZeroBalance ? 1 : 2);
-    }
-    children.push_back(pid);
-  }
-  ASSERT_EQ(write(go[1], "gggg", kOperators), kOperators);
-  int done = 0, refused = 0;
-  for (pid_t pid : children) {
-    const int status = ExitStatus(pid);
-    done += status == 0;
-    refused += status == 1;
-  }
-  close(go[0]);
-  close(go[1]);
+  // Each operator saw the same balance and pays all of it.
+  const std::vector<int> statuses = RunOperators(kOperators, [&](int) {
+    const PaymentResult r = Pay(kKP, inv, rest);
+    return r == PaymentResult::kDone ? 0 : r == PaymentResult::kZeroBalance ? 1 : 2;
+  });
+  const auto done = std::count(statuses.begin(), statuses.end(), 0);
+  const auto refused = std::count(statuses.begin(), statuses.end(), 1);
   EXPECT_EQ(done, 1);
   EXPECT_EQ(refused, kOperators - 1);
   EXPECT_EQ(BalanceOf(inv), RoundMoney(total - paidBefore - rest));

@@ -2,7 +2,11 @@
 // straight through the table layer, for the payments' tests.
 #pragma once
 
+#include <unistd.h>
+
+#include <functional>
 #include <string>
+#include <vector>
 
 #include "base/dates.h"
 #include "documents/payments.h"
@@ -81,5 +85,29 @@ class PaymentsTest : public CatalogueTest {
     return r;
   }
   static PaymentSettings Settings() { return PaymentSettings{}; }
+  // Runs operator(i) for i in 0..n-1 in n processes with their own
+  // connections, all let go at once; the exit statuses (the operator's
+  // result, -1 for a process that did not end normally) in the order of i.
+  static std::vector<int> RunOperators(int n, const std::function<int(int)>& op) {
+    int go[2];
+    if (pipe(go) != 0) return {};
+    std::vector<pid_t> children;
+    for (int i = 0; i < n; ++i) {
+      const pid_t pid = fork();
+      if (pid == 0) {
+        ConnectChild();
+        char byte = 0;
+        if (read(go[0], &byte, 1) != 1) _exit(4);
+        _exit(op(i));
+      }
+      children.push_back(pid);
+    }
+    for (int i = 0; i < n; ++i) EXPECT_EQ(write(go[1], "g", 1), 1);
+    std::vector<int> statuses;
+    for (pid_t pid : children) statuses.push_back(pid > 0 ? ExitStatus(pid) : -1);
+    close(go[0]);
+    close(go[1]);
+    return statuses;
+  }
   static Real BalanceOf(const DocRef& d) { return ComputeBalance(kWarehouse, d, Settings()).value; }
 };

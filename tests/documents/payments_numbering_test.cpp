@@ -1,9 +1,6 @@
 // Numbers of payments under each state of common numbering and the register
 // of the firm's numbers. Expected numbers are counted here from the payments
 // the test writes.
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <map>
 #include <string>
 #include <vector>
@@ -81,27 +78,13 @@ TEST_F(PaymentNumberingTest, ADeletedPaymentKeepsItsNumberInTheRegister) {
 TEST_F(PaymentNumberingTest, OperatorsOfTwoWarehousesDrawDistinctFirmNumbers) {
   Invoices();
   constexpr int kOperators = 4;
-  int go[2];
-  ASSERT_EQ(pipe(go), 0);
-  std::vector<pid_t> children;
-  for (int i = 0; i < kOperators; ++i) {
-    const pid_t pid = fork();
-    ASSERT_GE(pid, 0);
-    if (pid == 0) {
-      ConnectChild();
-      char byte = 0;
-      if (read(go[0], &byte, 1) != 1) _exit(4);
-      PaymentSettings s;
-      s.numbering = NumberingSettingsFrom(2, 0);
-      const int32_t w = i % 2 ? kSecond : kWarehouse;
-      _exit(PayIn(w, Serial(2024), s, kKP, invoices_[w], 1) == PaymentResult::kDone ? 0 : 1);
-    }
-    children.push_back(pid);
-  }
-  ASSERT_EQ(write(go[1], "gggg", kOperators), kOperators);
-  for (pid_t pid : children) EXPECT_EQ(ExitStatus(pid), 0);
-  close(go[0]);
-  close(go[1]);
+  const std::vector<int> statuses = RunOperators(kOperators, [this](int i) {
+    PaymentSettings s;
+    s.numbering = NumberingSettingsFrom(2, 0);
+    const int32_t w = i % 2 ? kSecond : kWarehouse;
+    return PayIn(w, Serial(2024), s, kKP, invoices_[w], 1) == PaymentResult::kDone ? 0 : 1;
+  });
+  EXPECT_EQ(statuses, std::vector<int>(kOperators, 0));
   const std::string numbers = Scalar(
       "SELECT string_agg((nr_dok & 255)::text, ',' ORDER BY nr_dok) FROM (SELECT nr_dok FROM DANE_1_KASA____ "
       "UNION ALL SELECT nr_dok FROM DANE_2_KASA____) k");
