@@ -225,7 +225,7 @@ int WriteAutoPayment(int32_t warehouse, const DocRef& doc, int32_t date, const P
 
 // --- Screens ---
 // The menu's payment documents: list of kasa____ with Ins (enter), Enter
-// (change), Del (delete), F2 (settle deposits), F3 (related documents),
+// (change), Del (delete), F2 (related documents), F3 (settle deposits),
 // F4 (the change at the till for the payment's amount).
 void PaymentDocuments(int32_t warehouse);
 // The menu's automatic deposit settlement for customers.

@@ -251,8 +251,8 @@ void PaymentDocuments(int32_t warehouse) {
     const PaymentRow& p = rows[at - 1];
     if (ended == keys::kIns) (void)EnterPayment(warehouse, s);
     else if (ended == keys::kDel) (void)DeletePayment(warehouse, p.key);
-    else if (ended == keys::F(2)) (void)SettleDeposit(warehouse, p.key, s);
-    else if (ended == keys::F(3)) ListRelatedDocuments(warehouse, p.source, s);
+    else if (ended == keys::F(3)) (void)SettleDeposit(warehouse, p.key, s);  // the key the zero-balance hint names
+    else if (ended == keys::F(2)) ListRelatedDocuments(warehouse, p.source, s);
     else if (ended == keys::F(4)) (void)TillChange(p.amount < 0 ? -p.amount : p.amount, ReadKindRow(p.key.kind).income == 'N');
     else (void)ChangePayment(warehouse, p.key, s);
   }

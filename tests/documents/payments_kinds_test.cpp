@@ -1,7 +1,6 @@
 // Payment kinds of every contractor letter and sign, texts with Polish
 // letters through the database, the goods documents offered by their typed
 // number, the list of related documents and the change at the till.
-#include <set>
 #include <string>
 #include <vector>
 
@@ -24,33 +23,23 @@ TEST(PaymentRules, ChangeAtTheTill) {
 }
 
 TEST_F(PaymentsTest, SourcesByTypedNumber) {
-  const DocRef sale5 = Header(2, 5, 10, 7);
-  const DocRef buy5 = Header(6, 5, 20, 3);
+  Header(2, 5, 10, 7);
+  Header(6, 5, 20, 3);
   Header(2, 6, 30, 7);
-  auto keys = [](const std::vector<SourceCandidate>& list) {
-    std::set<std::string> out;
-    for (const SourceCandidate& c : list) out.insert(std::to_string(c.key.kind) + ":" + std::to_string(c.key.coded));
-    return out;
-  };
-  const std::set<std::string> fives = {"2:" + std::to_string(sale5.coded), "6:" + std::to_string(buy5.coded)};
   struct Case {
     int year;
     int32_t number;
-    std::size_t count;
+    std::string kindsAndTotals;
   };
-  for (const Case& c : std::vector<Case>{{2024, 5, 2}, {2024, 0, 3}, {2024, 7, 0}, {2023, 5, 0},
-                                         {1990, 5, 0}, {2024, kDocMaxNumber + 1, 0}})
-    EXPECT_EQ(SourceCandidates(kWarehouse, c.year, c.number, 255).size(), c.count) << c.year << "/" << c.number;
-  EXPECT_EQ(keys(SourceCandidates(kWarehouse, 2024, 5, 255)), fives);
-  const std::vector<SourceCandidate> one = SourceCandidates(kWarehouse, 2024, 6, 255);
-  ASSERT_EQ(one.size(), 1u);
-  EXPECT_EQ(one[0].total, 30);
-  EXPECT_EQ(one[0].date, Day(2024, 3, 1));
+  for (const Case& c : std::vector<Case>{{2024, 5, "2:10,6:20,"}, {2024, 0, "2:10,2:30,6:20,"}, {2024, 7, ""},
+                                         {2023, 5, ""}, {1990, 5, ""}, {2024, kDocMaxNumber + 1, ""}}) {
+    std::string found;
+    for (const SourceCandidate& d : SourceCandidates(kWarehouse, c.year, c.number, 255))
+      found += std::to_string(d.key.kind) + ":" + std::to_string(static_cast<int>(d.total)) + ",";
+    EXPECT_EQ(found, c.kindsAndTotals) << c.year << "/" << c.number;
+  }
 }
 
-}  // namespace
-
-namespace {
 
 // Texts go to the database in its LATIN2 and come back as they were, by the
 // record buffer (a new payment) and by a statement (a changed one).
