@@ -17,15 +17,6 @@ using namespace paydetail;
 
 namespace {
 
-// The amount with its two decimals and no blanks (a width of 0 would give the exponent form).
-ShortText MoneyText(Real v) { return TrimLeft(FormatFixed(16, 2, RoundMoney(v)), ' '); }
-
-ShortText DateText(int32_t serial) {
-  int y = 0, m = 0, d = 0;
-  if (!DecodeDaySerial(serial, y, m, d)) return ShortText("  -  -    ");
-  return DateFromParts(d, m, y);
-}
-
 // Kind, number, mark, date, total and, for a root, its balance, parted by "|".
 ShortText DocumentLine(const ContractorDocument& d) {
   ShortText line = FormatFixed(8, 0, d.key.kind);
