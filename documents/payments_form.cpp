@@ -1,5 +1,6 @@
 // The dialogs of a payment: the choice of its goods document (by year and
 // typed number, or from the list), the payment's form and the change at the till.
+#include <algorithm>
 #include <cstdlib>
 #include <string>
 #include <vector>

@@ -253,20 +253,27 @@ class AutoPaymentTest : public SaveDbTest {
 };
 
 TEST_F(AutoPaymentTest, ASavedDocumentIsPaidInItsOwnSave) {
-  struct Case { int kind; bool on; const char* paidUnder; };
+  // common: every document numbered for the firm, the payment's number registered with the invoice's.
+  struct Case { int kind; bool on; const char* paidUnder; int common = 0; };
   const std::vector<std::pair<int, int>> lines = {{3, 2}, {7, 1}, {8, 5}, {3, 1}};
-  for (const Case& c : {Case{2, true, "101"}, Case{6, true, "103"}, Case{2, false, ""}}) {
+  for (const Case& c : {Case{2, true, "101", 2}, Case{2, true, "101"}, Case{6, true, "103"}, Case{2, false, ""}}) {
     SCOPED_TRACE(c.kind);
     ConfigSettings().SetNumber(kConfigLineAutoPayments, c.on ? 1 : 0);
+    ConfigSettings().SetNumber(kConfigLineCommonNumbering, c.common);
+    SaveSettings settings = Plain();
+    settings.numbering = NumberingSettingsFrom(c.common, 0);
     std::vector<DocLine> docLines;
     for (auto [n, q] : lines) docLines.push_back(LineOf(n, q));
     DocumentHeader h = HeaderOf(c.kind, "zapłacony");
     SaveResult r;
-    ASSERT_EQ(SaveDocument(kWarehouse, h, docLines, Plain(), r), 0) << PGLastOp.Str();
+    ASSERT_EQ(SaveDocument(kWarehouse, h, docLines, settings, r), 0) << PGLastOp.Str();
     ASSERT_EQ(r.outcome, SaveOutcome::kSaved);
     const int64_t total = TotalGrosz(lines, c.kind == 6);
     EXPECT_EQ(std::llround(r.totals.total * 100), total);
     EXPECT_EQ(PaymentsOf(c.kind, r.coded), c.on ? std::string(c.paidUnder) + ":" + std::to_string(total) : "");
+    if (c.common) {
+      EXPECT_EQ(Scalar("SELECT string_agg(typ_dok::text, ',' ORDER BY typ_dok) FROM DANE_NAGLOWKI"), "2,101");
+    }
   }
   EXPECT_EQ(PGTransDepth, 0);
 }
