@@ -55,6 +55,20 @@ ShortText KindRefusal(int kind, int32_t user) {
   return {};
 }
 
+bool DocumentKindEnsure(const DocumentKindRow& row) {
+  const std::string table = SqlTable("dane\\dok_plat"), kind = std::to_string(row.kind);
+  if (RowExists("SELECT 1 FROM " + table + " WHERE typ_dok=" + kind)) return false;
+  using docdetail::TextLiteral;
+  // Texts are cut to their columns' widths.
+  CheckDBError(PGRunQueryNoTup(
+      "INSERT INTO " + table +
+      " (typ_dok,nazwa,typ_kontrahenta,konto,konto_przeciwstawne,czy_przychod,znak_dok,zablokowany,druk_dodatkowy,"
+      "instrukcja_ksieg,rezerwa) VALUES (" +
+      kind + "," + TextLiteral(row.name.Copy(1, 30)) + "," + TextLiteral(ShortText(std::string(1, row.contractor).c_str())) + ",''," +
+      TextLiteral(row.account.Copy(1, 3)) + "," + (row.income ? "'T'" : "'N'") + "," + TextLiteral(row.mark.Copy(1, 4)) + ",'N','N','',0)"));
+  return true;
+}
+
 bool AnyKindOpen(int32_t user) {
   for (int kind = kFirstGoodsKind; kind <= kLastGoodsKind; ++kind)
     if (KindRefusal(kind, user).Empty()) return true;

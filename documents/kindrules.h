@@ -21,6 +21,19 @@ ShortText DocumentKindName(int kind);
 // Why the user may not enter or change documents of the kind: the kind is
 // locked in dok_plat, or closed for the user in dok_plaz; empty when open.
 ShortText KindRefusal(int kind, int32_t user);
+// A row of dane\dok_plat as a new firm's catalogue of kinds holds it.
+struct DocumentKindRow {
+  int16_t kind = 0;
+  ShortText name;
+  char contractor = ' ';  // 'O' customer, 'd' supplier, 'w'/'W' internal
+  ShortText account;      // konto_przeciwstawne
+  bool income = true;     // czy_przychod: 'T' income, 'N' expense
+  ShortText mark;         // the proposed mark of its documents
+};
+// Adds the kind's row unless the kind is there; true when added. A failing
+// statement goes to the layer's fatal check.
+bool DocumentKindEnsure(const DocumentKindRow& row);
+
 // Whether any goods kind is open to the user.
 bool AnyKindOpen(int32_t user);
 

@@ -186,7 +186,7 @@ std::string NotInCatalogue() {
   return "NOT EXISTS (SELECT 1 FROM " + PGSqlName(kKatTowTable).Str() + " K WHERE true" + match + ")";
 }
 
-ShortText Latin2Cell(const PGResult& res, int r, int c) { return Latin2ToMaz(ShortText(res.Value(r, c))); }
+ShortText DbCell(const PGResult& res, int r, int c) { return DbToMaz(ShortText(res.Value(r, c))); }
 
 }  // namespace
 
@@ -275,7 +275,7 @@ int16_t WorkRowsFromDocument(int32_t warehouse, int16_t kind, int32_t number, co
   OpenWithBuffer lines(WarehouseTablePath(warehouse, "specyfik"));
   if (lines.code() != 0) return lines.code();
   const std::string where = "typ_dok=" + std::to_string(kind) + " AND nr_dok=" + std::to_string(number) +
-                            " AND rtrim(znak_dok)=" + PGValueLiteral(PGKind::Text, MazToLatin2(mark).Str());
+                            " AND rtrim(znak_dok)=" + PGValueLiteral(PGKind::Text, MazToDb(mark).Str());
   int16_t code = PGTblWhereClauseSet(lines.tbl(), where);
   if (code != 0) return code;
   for (code = PGRecFirst(lines.tbl()); code != kPGEmptyTable && code != kPGEndOfTable; code = PGRecNext(lines.tbl())) {
@@ -376,7 +376,7 @@ int16_t WorkFileDropUnknown(const ShortText& path, std::vector<ShortText>& names
       "SELECT W.nazwa, W.nazwa_ FROM " + table + " W WHERE " + NotInCatalogue() + " ORDER BY W.oid", res);
   if (code != 0) return code;
   for (int r = 0; r < res.Rows(); ++r)
-    names.push_back(TrimRight(Latin2Cell(res, r, 0), ' ') + " " + Latin2Cell(res, r, 1));
+    names.push_back(TrimRight(DbCell(res, r, 0), ' ') + " " + DbCell(res, r, 1));
   if (names.empty()) return 0;
   return PGRunQueryNoTup("DELETE FROM " + table + " W WHERE " + NotInCatalogue());
 }

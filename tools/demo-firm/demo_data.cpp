@@ -3,9 +3,12 @@
 #include "tools/demo-firm/demo_data.h"
 
 #include <array>
+#include <iterator>
 
 #include "base/codepage.h"
 #include "base/numbers.h"
+#include "config/konfigur.h"
+#include "documents/dockinds.h"
 #include "master/dictionaries.h"
 
 namespace {
@@ -144,6 +147,31 @@ std::vector<DemoVatGroup> DemoVatGroups() {
           {ShortText("5"), Maz("stawka obniżona 5%")},
           {ShortText("0"), Maz("stawka 0%")},
           {ShortText(kExemptGroup), ShortText("TOWARY ZWOLNIONE Z VAT")}};
+}
+
+std::vector<DocumentKindRow> DemoDocumentKinds() {
+  std::vector<DocumentKindRow> kinds;
+  for (int kind = kFirstGoodsKind; kind <= kLastGoodsKind; ++kind) {
+    const DocumentKind* k = DocumentKindOf(kind);
+    ShortText name = ConfigDocumentName(kind);
+    if (name.Empty()) name = k->exportText;
+    const char letter = k->contractor == ContractorCatalogue::kCustomers   ? 'O'
+                        : k->contractor == ContractorCatalogue::kSuppliers ? 'd'
+                                                                           : ' ';
+    // Goods going out bring money in; goods coming in cost money.
+    const bool income = k->effect == StockEffect::kIssue || kind == 16;
+    kinds.push_back({static_cast<int16_t>(kind), name, letter, ShortText(), income, ShortText(k->shortCode)});
+  }
+  const DocumentKindRow payments[] = {
+      {101, Maz("KP - wpłata od odbiorcy"), 'O', ShortText("100"), true, ShortText("KP")},
+      {102, Maz("KW - wypłata dla odbiorcy"), 'O', ShortText("100"), false, ShortText("KW")},
+      {103, Maz("KW - zapłata dostawcy"), 'd', ShortText("100"), false, ShortText("KW")},
+      {104, Maz("KP - wpłata od dostawcy"), 'd', ShortText("100"), true, ShortText("KP")},
+      {105, Maz("przelew od odbiorcy"), 'O', ShortText("130"), true, ShortText("PO")},
+      {106, Maz("przelew do dostawcy"), 'd', ShortText("130"), false, ShortText("PD")},
+  };
+  kinds.insert(kinds.end(), std::begin(payments), std::end(payments));
+  return kinds;
 }
 
 std::vector<DemoItem> DemoItems() {

@@ -9,6 +9,7 @@
 
 #include "base/real.h"
 #include "base/shorttext.h"
+#include "documents/kindrules.h"
 #include "fiscal/fiscalconfig.h"
 #include "master/contractors.h"
 #include "master/items.h"
@@ -36,6 +37,10 @@ struct DemoVatGroup {
   ShortText description;
 };
 std::vector<DemoVatGroup> DemoVatGroups();
+
+// The catalogue of document kinds: the goods kinds with their contractor
+// letter and sign, then the payment kinds of the till and the bank.
+std::vector<DocumentKindRow> DemoDocumentKinds();
 
 // An item with its quantities in the two warehouses.
 struct DemoItem {

@@ -92,6 +92,12 @@ void EnsureVatGroups() {
   tally.Print();
 }
 
+void EnsureDocumentKinds() {
+  Tally tally{"document kinds"};
+  for (const DocumentKindRow& row : DemoDocumentKinds()) ++(DocumentKindEnsure(row) ? tally.added : tally.present);
+  tally.Print();
+}
+
 // A warehouse found without its tables (a run stopped between the row and
 // the tables) gets them now.
 void EnsureWarehouseTables(int32_t number) {
@@ -214,6 +220,7 @@ int main() {
   EnsureContractors(ContractorKind::kCustomer, DemoContractors(ContractorKind::kCustomer), "customers");
   EnsureContractors(ContractorKind::kSupplier, DemoContractors(ContractorKind::kSupplier), "suppliers");
   EnsureItems();
+  EnsureDocumentKinds();
   EnsureManagerFiles();
   EnsureOperators();
   PGShutdownTables(2);
