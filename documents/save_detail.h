@@ -2,6 +2,7 @@
 // links to the fiscal flow and the payments. Other folders do not include it.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <span>
 #include <string>
@@ -40,7 +41,27 @@ FiscalAnswer RunFiscalSaleForDocument(int32_t warehouse, const DocumentHeader& h
                                       const NumberingSettings& numbering);
 // The one call site of the payment of a saved document; runs inside the
 // save's transaction under its locks; the layer's code.
+// paidVat above 0 splits a kind 2 document's payment into the VAT payment and the rest.
 [[nodiscard]] int16_t WriteDocumentPayment(int32_t warehouse, const DocumentHeader& header,
-                                           const DocumentTotals& totals);
+                                           const DocumentTotals& totals, Real paidVat);
+
+// --- Steps of the save before its transaction (savesteps.cpp) ---
+inline constexpr int kConfigLineStockChange = 179;  // 0 never, 1 ask, 2 always change stock
+inline constexpr int kConfigLineVatPayment = 184;   // 1 or 2: ask for the VAT payment
+
+// What a save does to stock for its kind: the kind's own effect, none, or
+// the question first. Kinds 16 and 17 keep their own effect.
+enum class StockDecision : int8_t { kKindEffect, kNoChange, kAsk };
+StockDecision DecideStockChange(int kind, const std::array<bool, 19>& decidedKinds, int option);
+// Whether the save of a document asks for its VAT payment.
+bool AsksVatPayment(int kind, int option, Real total);
+// The payment step's part: never more than the document's total as written.
+Real PaidVatFor(Real paid, Real total);
+
+// The screens of the two steps; false when the save is given up.
+// Step 6: the VAT payment of a kind 2 document into settings.paidVat.
+bool AskVatPayment(int kind, std::span<const DocLine> lines, SaveSettings& settings);
+// The stock effect's question; a refusal clears settings.changeStock.
+void DecideStockOfSave(int kind, SaveSettings& settings);
 
 }  // namespace savedetail

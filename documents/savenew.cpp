@@ -56,15 +56,20 @@ SaveSettings SaveSettingsFromConfig() {
   s.orderHandling = ConfigInt(kConfigLineOrdersReserve) != 0;
   s.respectOrders = ConfigInt(kConfigLineOrdersReserve) == 2;
   s.mayGoBelowZero = CurrentUserRight(UserRight::kBelowZero);
+  s.stockChangeOption = ConfigInt(savedetail::kConfigLineStockChange);
+  s.vatPaymentOption = ConfigInt(savedetail::kConfigLineVatPayment);
   return s;
 }
 
 SaveResult SaveNewDocument(int32_t warehouse, DocumentHeader& header, const ShortText& workTable,
-                           const SaveSettings& settings) {
+                           const SaveSettings& given) {
   SaveResult result;
   std::vector<DocLine> lines;
   CheckDBError(WorkLinesRead(workTable, lines));
-  if (!entrydetail::PassesSaveChecks(header, lines, settings.vatMode)) return result;
+  if (!entrydetail::PassesSaveChecks(header, lines, given.vatMode)) return result;
+  SaveSettings settings = given;
+  if (!savedetail::AskVatPayment(header.kind, lines, settings)) return result;
+  savedetail::DecideStockOfSave(header.kind, settings);
   if (!FiscalStep(warehouse, header, lines, settings)) return result;
   (void)MessageBox(kSaveLinesText, 2);
   for (int attempt = 0; attempt < kKeyAttempts; ++attempt) {
