@@ -72,6 +72,8 @@ struct SaveSettings {
   int stockChangeOption = 0;
   int vatPaymentOption = 0;    // line 184: 1 or 2 ask a kind 2 document for its VAT payment
   Real paidVat = 0;            // the VAT payment given at the save; 0 when none
+  bool placeOnReceipt = false; // line 54 is 2: receipts date the items' empty place field
+  int placeFieldKind = 0;      // line 116: 0 text (the year goes in), 1 dates, 2 and 3 neither
 };
 // The settings from the configuration and the current user.
 SaveSettings SaveSettingsFromConfig();

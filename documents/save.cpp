@@ -229,6 +229,10 @@ int16_t SaveDocument(int32_t warehouse, DocumentHeader& header, std::vector<DocL
   if (const int16_t code = WriteStock(t, lines, before, plan.after)) return code;
   if (const int16_t code = WriteLines(t, header, lines)) return code;
   std::vector<ShortText> changed{t.naglowki, t.stany, t.specyfik};
+  if (const ShortText place = savedetail::ReceiptPlaceValue(header.kind, settings, header.date); !place.Empty()) {
+    if (const int16_t code = savedetail::UpdateCatalogueFromReceipt(lines, place)) return code;
+    changed.emplace_back(kKatTowTable);
+  }
   if (common) changed.emplace_back(kRegisterTable);
   if (const int16_t code = BumpCounters(changed)) return code;
   if (const int16_t code = savedetail::WriteDocumentPayment(warehouse, header, result.totals, settings.paidVat)) return code;

@@ -48,6 +48,8 @@ FiscalAnswer RunFiscalSaleForDocument(int32_t warehouse, const DocumentHeader& h
 // --- Steps of the save before its transaction (savesteps.cpp) ---
 inline constexpr int kConfigLineStockChange = 179;  // 0 never, 1 ask, 2 always change stock
 inline constexpr int kConfigLineVatPayment = 184;   // 1 or 2: ask for the VAT payment
+inline constexpr int kConfigLinePlaceDate = 54;     // 2: receipts set the date in old items' place field
+inline constexpr int kConfigLinePlaceKind = 116;    // what the place field holds
 
 // What a save does to stock for its kind: the kind's own effect, none, or
 // the question first. Kinds 16 and 17 keep their own effect.
@@ -57,6 +59,14 @@ StockDecision DecideStockChange(int kind, const std::array<bool, 19>& decidedKin
 bool AsksVatPayment(int kind, int option, Real total);
 // The payment step's part: never more than the document's total as written.
 Real PaidVatFor(Real paid, Real total);
+
+// UpdateCatalogueFromReceipt: what a receipt of kind 6, 7 or 12 writes
+// into the empty place field of its items: the document's date in the
+// short layout where the field holds dates, its year where it is text;
+// empty when nothing is written.
+ShortText ReceiptPlaceValue(int kind, const SaveSettings& settings, int32_t date);
+// Writes value into the items' empty place field, inside the save's transaction; the layer's code.
+[[nodiscard]] int16_t UpdateCatalogueFromReceipt(std::span<const DocLine> lines, const ShortText& value);
 
 // The screens of the two steps; false when the save is given up.
 // Step 6: the VAT payment of a kind 2 document into settings.paidVat.

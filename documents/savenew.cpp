@@ -58,6 +58,8 @@ SaveSettings SaveSettingsFromConfig() {
   s.mayGoBelowZero = CurrentUserRight(UserRight::kBelowZero);
   s.stockChangeOption = ConfigInt(savedetail::kConfigLineStockChange);
   s.vatPaymentOption = ConfigInt(savedetail::kConfigLineVatPayment);
+  s.placeOnReceipt = ConfigInt(savedetail::kConfigLinePlaceDate) == 2;
+  s.placeFieldKind = ConfigInt(savedetail::kConfigLinePlaceKind);
   return s;
 }
 

@@ -1,8 +1,13 @@
 // The questions of the save that come before its transaction: the VAT
 // payment of an invoice and the operator's decision on the stock change.
+#include <set>
+#include <string>
+
+#include "base/dates.h"
 #include "base/numbers.h"
 #include "base/numbers_format.h"
 #include "base/text.h"
+#include "documents/docdetail.h"
 #include "documents/save_detail.h"
 #include "master/items.h"
 #include "tui/askvalue.h"
@@ -22,6 +27,27 @@ bool AsksVatPayment(int kind, int option, Real total) { return kind == 2 && (opt
 Real PaidVatFor(Real paid, Real total) {
   if (paid <= 0 || total <= 0) return 0;
   return paid < total ? paid : total;
+}
+
+ShortText ReceiptPlaceValue(int kind, const SaveSettings& settings, int32_t date) {
+  if ((kind != 6 && kind != 7 && kind != 12) || !settings.placeOnReceipt) return ShortText();
+  int year = 0, month = 0, day = 0;
+  if (!DecodeDaySerial(date, year, month, day)) return ShortText();
+  if (settings.placeFieldKind == 1) return DateShorten(DateFromParts(day, month, year));
+  if (settings.placeFieldKind == 0) return ShortText(std::to_string(year));
+  return ShortText();
+}
+
+int16_t UpdateCatalogueFromReceipt(std::span<const DocLine> lines, const ShortText& value) {
+  std::set<int32_t> items;
+  for (const DocLine& l : lines)
+    if (l.quantity != 0) items.insert(l.item.number);
+  if (value.Empty() || items.empty()) return 0;
+  std::string list;
+  for (const int32_t n : items) list += (list.empty() ? "" : ",") + std::to_string(n);
+  return PGRunQueryNoTup("UPDATE " + docdetail::SqlTable(ShortText(kKatTowTable)) +
+                         " SET miejsce_w_magazynie=" + TextSql(value) + " WHERE nr_wewn IN (" + list +
+                         ") AND TRIM(COALESCE(miejsce_w_magazynie,''))=''");
 }
 
 bool AskVatPayment(int kind, std::span<const DocLine> lines, SaveSettings& settings) {
