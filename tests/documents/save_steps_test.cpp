@@ -1,0 +1,265 @@
+// The save's questions before its writes (the VAT payment of an invoice, the
+// operator's stock decision), the receipt's dating of the catalogue, and the
+// entry's purchase price edit and work file key: rules by tables, then keys
+// on the real server with the results worked out here.
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "../master/contractors_fixture.h"
+#include "base/dates.h"
+#include "base/numbers.h"
+#include "config/konfigur.h"
+#include "documents/docentry.h"
+#include "documents/docsave.h"
+#include "documents/entry_detail.h"
+#include "documents/payments.h"
+#include "documents/save_detail.h"
+#include "master/items.h"
+#include "master/tables.h"
+#include "tui/keyboard.h"
+#include "users/users.h"
+
+namespace {
+
+using keys::kEnter;
+using keys::kEsc;
+using savedetail::StockDecision;
+constexpr int32_t kWarehouse = 1;
+const KeyPair kYes = KeyOfByte('T'), kNo = KeyOfByte('N');
+const int32_t kDate = EncodeDaySerial(2024, 3, 15);
+
+TEST(SaveStepRules, StockDecisionVatPaymentPlaceAndReturnTransfer) {
+  std::array<bool, 19> flagged{};
+  flagged[2] = flagged[14] = flagged[16] = flagged[17] = true;
+  struct Stock { int kind, option; StockDecision want; };
+  for (const Stock c : {Stock{2, 0, StockDecision::kNoChange}, Stock{14, 1, StockDecision::kAsk},
+                        Stock{2, 2, StockDecision::kKindEffect}, Stock{6, 0, StockDecision::kKindEffect},
+                        Stock{16, 0, StockDecision::kKindEffect}, Stock{17, 1, StockDecision::kKindEffect},
+                        Stock{2, 7, StockDecision::kKindEffect}, Stock{0, 0, StockDecision::kKindEffect},
+                        Stock{19, 0, StockDecision::kKindEffect}})
+    EXPECT_EQ(savedetail::DecideStockChange(c.kind, flagged, c.option), c.want) << c.kind << "/" << c.option;
+
+  struct Vat { int kind, option; Real total; bool asks; };
+  for (const Vat c : {Vat{2, 1, 10, true}, Vat{2, 2, 0.01L, true}, Vat{2, 0, 10, false}, Vat{2, 1, 0, false},
+                      Vat{2, 1, -5, false}, Vat{1, 1, 10, false}, Vat{2, 3, 10, false}})
+    EXPECT_EQ(savedetail::AsksVatPayment(c.kind, c.option, c.total), c.asks) << c.kind << "/" << c.option;
+  struct Paid { Real paid, total, part; };
+  for (const Paid c : {Paid{5, 10, 5}, Paid{15, 10, 10}, Paid{-1, 10, 0}, Paid{5, 0, 0}, Paid{0, 10, 0}})
+    EXPECT_EQ(savedetail::PaidVatFor(c.paid, c.total), c.part) << static_cast<double>(c.paid);
+
+  struct Place { int kind, fieldKind; bool on; const char* want; };
+  for (const Place c : {Place{6, 1, true, "15-03-24"}, Place{7, 0, true, "2024"}, Place{12, 0, true, "2024"},
+                        Place{12, 2, true, ""}, Place{6, 3, true, ""}, Place{18, 0, true, ""},
+                        Place{15, 0, true, ""}, Place{2, 1, true, ""}, Place{6, 1, false, ""}}) {
+    SaveSettings s;
+    s.placeOnReceipt = c.on;
+    s.placeFieldKind = c.fieldKind;
+    EXPECT_EQ(savedetail::ReceiptPlaceValue(c.kind, s, kDate).Str(), c.want) << c.kind << "/" << c.fieldKind;
+  }
+
+  struct Transfer { int kind; int32_t target, returns; bool is; };
+  for (const Transfer c : {Transfer{15, 7, 7, true}, Transfer{15, 7, 0, false}, Transfer{15, 0, 0, false},
+                           Transfer{15, 6, 7, false}, Transfer{2, 7, 7, false}})
+    EXPECT_EQ(entrydetail::IsReturnTransfer(c.kind, c.target, c.returns), c.is) << c.kind << "/" << c.target;
+}
+
+// Three items with stock 20, VAT 23, 8 and 5, net sale prices in whole grosze.
+const char* const kVat[] = {"23", "8", "5"};
+const Real kSaleNet[] = {12.34L, 5.55L, 0.99L};
+const Real kQuantity[] = {3, 2, 7};
+
+class SaveSteps : public ContractorsTest {
+ protected:
+  void SetUp() override {
+    ContractorsTest::SetUp();
+    CreateFirmTables();
+    CreateWarehouseTables(false, kWarehouse);
+    for (int i = 0; i < 3; ++i) {
+      ItemData item;
+      item.name = ShortText("Towar " + std::to_string(i + 1));
+      item.vat = ShortText(kVat[i]);
+      item.digitIndex = 5901 + i;
+      item.supplier = 1;
+      item.unit = "szt";
+      item.saleNet = kSaleNet[i];
+      item.saleGross = GrossOfNet(kSaleNet[i], VatRateOf(item.vat));
+      item.place = i == 2 ? ShortText("R1") : ShortText();
+      StockRow stock;
+      stock.quantity = 20;
+      ShortText refusal;
+      ASSERT_EQ(ItemAdd(item, ItemRules{}, kWarehouse, stock, refusal), 0) << refusal.Str();
+      items_.push_back(item);
+    }
+    ASSERT_TRUE(Psql("INSERT INTO DANE_DOK_PLAT (typ_dok,nazwa,typ_kontrahenta,konto,konto_przeciwstawne,czy_przychod,"
+                     "znak_dok,zablokowany,druk_dodatkowy,instrukcja_ksieg,rezerwa) VALUES "
+                     "(2,'Faktura','O','','','T','A','N','N','',0),(105,'KP VAT','O','','100','T','KV','N','N','',0),"
+                     "(106,'KP reszta','O','','100','T','KR','N','N','',0)"));
+    ConfigSettings() = ConfigValues{};
+    ASSERT_EQ(WorkTableEnsure(CurrentUserNumber()), 0);
+  }
+  void TearDown() override {
+    ConfigSettings() = ConfigValues{};
+    SetEntryWorkFileHook(nullptr);
+    ContractorsTest::TearDown();
+  }
+  void WriteLines() {
+    for (int i = 0; i < 3; ++i) {
+      DocLine l;
+      l.item = items_[static_cast<std::size_t>(i)];
+      l.quantity = kQuantity[i];
+      ASSERT_EQ(WorkLineAppend(WorkTablePath(CurrentUserNumber()), l), 0);
+    }
+  }
+  // The invoice's total in grosze: net lines rounded to grosze, VAT added per rate, rounded half up.
+  static int64_t TotalGrosz() {
+    int64_t hundredths = 0;
+    for (int i = 0; i < 3; ++i)
+      hundredths += std::llround(kSaleNet[i] * 100) * static_cast<int64_t>(kQuantity[i]) * (100 + std::atoi(kVat[i]));
+    return (hundredths + 50) / 100;
+  }
+  static std::string Stocks() {
+    return Scalar("SELECT string_agg(ilosc::numeric(9,1)::text, ',' ORDER BY nr_wewn) FROM DANE_1_STANY_MG");
+  }
+  static SaveResult Save(int kind, const SaveSettings& s, std::vector<KeyStep> steps) {
+    DocumentHeader h;
+    h.kind = static_cast<int16_t>(kind);
+    h.mark = "A";
+    h.date = kDate;
+    Play(std::move(steps));
+    return SaveNewDocument(kWarehouse, h, WorkTablePath(CurrentUserNumber()), s);
+  }
+  std::vector<ItemData> items_;
+};
+
+TEST_F(SaveSteps, TheVatPaymentOfAnInvoiceIsAskedCheckedAndPaidInParts) {
+  ConfigSettings().SetNumber(kConfigLineAutoPayments, 1);
+  ConfigSettings().SetText(kConfigLinePaymentKinds, "0,0,105,106,0");
+  const int64_t total = TotalGrosz();
+  const std::string tooMuch = std::to_string(total / 100 + 1), paid = "10.5";
+  struct Case {
+    const char* what;
+    std::vector<KeyStep> keys;
+    bool saved;
+    std::string payments;  // kind:grosze of the document's payments
+  };
+  const Case cases[] = {
+      {"Esc at the question gives up", {{{kEsc}}}, false, ""},
+      {"too much, then giving up", {{Typed(ShortText(tooMuch), {kEnter})}, {{kYes}}}, false, ""},
+      {"too much, then a fitting payment",
+       {{Typed(ShortText(tooMuch), {kEnter})}, {{kNo}}, {Typed(ShortText(paid), {kEnter})}},
+       true,
+       "105:1050,106:" + std::to_string(total - 1050)},
+      {"the whole total paid as VAT", {{Typed(ShortText(std::to_string(total / 100) + "." +
+                                                       std::to_string(100 + total % 100).substr(1)),
+                                              {kEnter})}},
+       true, "105:" + std::to_string(total)},
+  };
+  SaveSettings s;
+  s.vatPaymentOption = 1;
+  for (const Case& c : cases) {
+    WriteLines();
+    const SaveResult r = Save(2, s, c.keys);
+    EXPECT_EQ(r.outcome == SaveOutcome::kSaved, c.saved) << c.what;
+    EXPECT_TRUE(Shown(kAskVatPaymentText)) << c.what;
+    EXPECT_EQ(Shown(kVatPaymentTooBigText), c.keys.size() > 1) << c.what;
+    if (!c.saved) {
+      EXPECT_EQ(Scalar("SELECT count(*) FROM DANE_1_NAGLOWKI"), "0") << c.what;
+      ASSERT_EQ(WorkTableClear(WorkTablePath(CurrentUserNumber())), 0);
+      continue;
+    }
+    EXPECT_EQ(std::llround(r.totals.total * 100), total) << c.what;
+    EXPECT_EQ(Scalar("SELECT string_agg(typ_dok || ':' || (suma_dok*100)::bigint, ',' ORDER BY typ_dok) FROM "
+                     "DANE_1_KASA____ WHERE nr_dok_zrodl=" + std::to_string(r.coded)),
+              c.payments)
+        << c.what;
+  }
+}
+
+TEST_F(SaveSteps, TheOperatorDecidesTheStockChangeOfFlaggedKinds) {
+  struct Case {
+    const char* what;
+    int option;
+    bool flagged;
+    std::vector<KeyStep> keys;
+    bool issued;  // the stock went down by the lines
+  };
+  const Case cases[] = {{"asked, refused", 1, true, {{{kNo}}}, false},
+                        {"asked, agreed", 1, true, {{{kYes}}}, true},
+                        {"never", 0, true, {}, false},
+                        {"always", 2, true, {}, true},
+                        {"a kind not flagged", 0, false, {}, true}};
+  std::vector<Real> stock = {20, 20, 20};
+  for (const Case& c : cases) {
+    WriteLines();
+    SaveSettings s;
+    s.stockChangeOption = c.option;
+    s.stockDecidedKinds[14] = c.flagged;
+    s.mayGoBelowZero = true;
+    const SaveResult r = Save(14, s, c.keys);
+    ASSERT_EQ(r.outcome, SaveOutcome::kSaved) << c.what;
+    EXPECT_EQ(Scalar("SELECT count(*) FROM DANE_1_SPECYFIK WHERE nr_dok=" + std::to_string(r.coded)), "3") << c.what;
+    std::string want;
+    for (int i = 0; i < 3; ++i) {
+      if (c.issued) stock[static_cast<std::size_t>(i)] -= kQuantity[i];
+      want += (i ? "," : "") + std::to_string(static_cast<int>(stock[static_cast<std::size_t>(i)])) + ".0";
+    }
+    EXPECT_EQ(Stocks(), want) << c.what;
+    EXPECT_EQ(Shown(kAskStockChangeText), !c.keys.empty()) << c.what;
+  }
+}
+
+TEST_F(SaveSteps, AReceiptDatesTheEmptyPlaceOfItsItems) {
+  WriteLines();
+  SaveSettings s;
+  s.placeOnReceipt = true;
+  s.placeFieldKind = 1;
+  ASSERT_EQ(Save(6, s, {}).outcome, SaveOutcome::kSaved);
+  // The third item had its place already; the others take the date in the short layout.
+  EXPECT_EQ(Scalar("SELECT string_agg(TRIM(miejsce_w_magazynie), ',' ORDER BY nr_wewn) FROM DANE_KAT_TOW_"),
+            "15-03-24,15-03-24,R1");
+}
+
+// The entry: F4 edits a line's purchase price, after which a kind that
+// does not keep purchase prices is refused; Ctrl+F7 runs the lent work file
+// function and the line list is read again.
+int32_t gHookWarehouse = 0;
+void AddOneLine(int32_t warehouse) {
+  gHookWarehouse = warehouse;
+  DocLine l;
+  l.item.number = 2;
+  l.item.name = "Z pliku";
+  l.quantity = 4;
+  (void)WorkLineAppend(WorkTablePath(CurrentUserNumber()), l);
+}
+
+TEST_F(SaveSteps, EntryEditsPurchasePricesAndTakesTheWorkFile) {
+  ConfigSettings().SetNumber(entrydetail::kConfigLineDigitTake, 1);
+  ConfigSettings().SetNumber(entrydetail::kConfigLineDigitQuantity, 2);
+  ConfigSettings().SetText(entrydetail::kConfigLineDigitAutoQuantity, ShortText("3"));
+  ConfigSettings().SetNumber(entrydetail::kConfigLineBuyPrices, 2);
+  EXPECT_EQ(entrydetail::EntryKeysText().Str().find("^F7"), std::string::npos);
+  SetEntryWorkFileHook(AddOneLine);
+  EXPECT_NE(entrydetail::EntryKeysText().Str().find("^F7"), std::string::npos);
+  EXPECT_LE(entrydetail::EntryKeysText().Length(), 80);
+  std::vector<DocLine> seen;
+  const KeyPair kShiftF9{0, 92}, kCtrlF7{0, 100};
+  Play({{{KeyOfByte('1')}},
+        {Typed(ShortText("5901"), {kEnter})},
+        {{keys::kTab, keys::F(4)}},
+        {Typed(ShortText("7.25"), {kEnter})},
+        {{kShiftF9, KeyOfByte('2'), kEnter}},
+        {{kEnter, kCtrlF7}},
+        {{kEsc}, [&] { EXPECT_EQ(WorkLinesRead(WorkTablePath(CurrentUserNumber()), seen), 0); }},
+        {{kYes}},
+        {{kEsc, kYes}}});
+  DocumentEntry(kWarehouse);
+  ASSERT_EQ(seen.size(), 2u);
+  EXPECT_EQ(seen[0].item.buyNet, 7.25L);
+  EXPECT_EQ(seen[0].item.buyGross, GrossOfNet(7.25L, 23));
+  EXPECT_EQ(seen[1].item.name.Str(), "Z pliku");
+  EXPECT_EQ(gHookWarehouse, kWarehouse);
+  EXPECT_TRUE(Shown(entrydetail::kBuyPricesChangedText));
+}
+
+}  // namespace
