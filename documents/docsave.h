@@ -74,6 +74,8 @@ struct SaveSettings {
   Real paidVat = 0;            // the VAT payment given at the save; 0 when none
   bool placeOnReceipt = false; // line 54 is 2: receipts date the items' empty place field
   int placeFieldKind = 0;      // line 116: 0 text (the year goes in), 1 dates, 2 and 3 neither
+  bool correctVat = false;     // line 66: the VAT of lines may change, and the catalogue follows it
+  bool vatChanged = false;     // the entry changed the VAT of a line of this document
 };
 // The settings from the configuration and the current user.
 SaveSettings SaveSettingsFromConfig();

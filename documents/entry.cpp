@@ -183,7 +183,9 @@ bool Save(Entry& e) {
   e.extra.returnTransfer = entrydetail::IsReturnTransfer(
       e.kind, e.header.otherWarehouse, ConfigInt(entrydetail::kConfigLineReturnWarehouse));
   DocumentHeader header = e.header;
-  const SaveResult r = SaveNewDocument(e.warehouse, header, e.work, SaveSettingsFromConfig());
+  SaveSettings settings = SaveSettingsFromConfig();
+  settings.vatChanged = e.extra.vatChanged;
+  const SaveResult r = SaveNewDocument(e.warehouse, header, e.work, settings);
   ReadLines(e);
   if (r.outcome != SaveOutcome::kSaved) return false;
   e.headerAsked = false;

@@ -7,6 +7,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "documents/docsave.h"
 #include "sqltable/pgconn.h"
@@ -67,6 +68,22 @@ Real PaidVatFor(Real paid, Real total);
 ShortText ReceiptPlaceValue(int kind, const SaveSettings& settings, int32_t date);
 // Writes value into the items' empty place field, inside the save's transaction; the layer's code.
 [[nodiscard]] int16_t UpdateCatalogueFromReceipt(std::span<const DocLine> lines, const ShortText& value);
+
+// CorrectCatalogueVat: the lines whose VAT differs from their item's in the
+// catalogue (catalogue[i] is the item of lines[i]), and what they cost in
+// purchase prices; the correction runs only when that is above 0.
+struct VatChange {
+  DocLine line;
+  ItemData catalogue;
+};
+std::vector<VatChange> VatChangesOf(std::span<const DocLine> lines, std::span<const ItemData> catalogue);
+Real VatChangeCost(std::span<const VatChange> changes);
+// After the saved document doc: the pair of transfers of the warehouse to
+// itself, out under the catalogue's VAT and prices and in under the lines',
+// and the catalogue's items take the lines' VAT and prices. Database
+// failures end the program through CheckDBError.
+void CorrectCatalogueVat(int32_t warehouse, const DocumentHeader& doc, std::span<const DocLine> lines,
+                         const SaveSettings& settings);
 
 // The screens of the two steps; false when the save is given up.
 // Step 6: the VAT payment of a kind 2 document into settings.paidVat.

@@ -60,6 +60,7 @@ SaveSettings SaveSettingsFromConfig() {
   s.vatPaymentOption = ConfigInt(savedetail::kConfigLineVatPayment);
   s.placeOnReceipt = ConfigInt(savedetail::kConfigLinePlaceDate) == 2;
   s.placeFieldKind = ConfigInt(savedetail::kConfigLinePlaceKind);
+  s.correctVat = ConfigInt(entrydetail::kConfigLineVatChange) == 1;
   return s;
 }
 
@@ -79,6 +80,7 @@ SaveResult SaveNewDocument(int32_t warehouse, DocumentHeader& header, const Shor
     if (result.outcome != SaveOutcome::kKeyTaken) break;
   }
   if (result.outcome != SaveOutcome::kSaved) return result;
+  savedetail::CorrectCatalogueVat(warehouse, header, lines, settings);
   TellReduction(result);
   if (header.kind == 1 && result.totals.total < 0)
     CheckDBError(AssignAdditionalNumber(header.kind, header.coded, header.mark, header.date, warehouse,

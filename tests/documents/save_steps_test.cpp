@@ -83,6 +83,7 @@ class SaveSteps : public ContractorsTest {
       item.supplier = 1;
       item.unit = "szt";
       item.saleNet = kSaleNet[i];
+      item.buyNet = RoundHalfAway(kSaleNet[i] * 50) / 100;
       item.saleGross = GrossOfNet(kSaleNet[i], VatRateOf(item.vat));
       item.place = i == 2 ? ShortText("R1") : ShortText();
       StockRow stock;
@@ -220,6 +221,47 @@ TEST_F(SaveSteps, AReceiptDatesTheEmptyPlaceOfItsItems) {
             "15-03-24,15-03-24,R1");
 }
 
+// A changed line VAT: the pair of transfers of the warehouse to itself, out
+// under the catalogue's VAT and in under the line's, and the catalogue follows.
+TEST_F(SaveSteps, AChangedLineVatCorrectsTheCatalogueThroughAPairOfTransfers) {
+  struct Case { const char* what; bool changed, option; const char* lineVat; bool corrected; };
+  const Case cases[] = {{"corrected", true, true, "8", true},
+                        {"the option off", true, false, "8", false},
+                        {"not changed in the entry", false, true, "8", false},
+                        {"the same VAT as the catalogue", true, true, "23", false}};
+  for (const Case& c : cases) {
+    DocLine l;
+    l.item = items_[0];
+    l.item.vat = ShortText(c.lineVat);
+    l.item.buyGross = GrossOfNet(l.item.buyNet, 8);
+    l.item.saleGross = GrossOfNet(l.item.saleNet, 8);
+    l.quantity = 2;
+    ASSERT_EQ(WorkLineAppend(WorkTablePath(CurrentUserNumber()), l), 0);
+    SaveSettings s;
+    s.vatChanged = c.changed;
+    s.correctVat = c.option;
+    const SaveResult r = Save(14, s, {});
+    ASSERT_EQ(r.outcome, SaveOutcome::kSaved) << c.what;
+    const std::string pair = Scalar(
+        "SELECT string_agg(H.typ_dok || ':' || TRIM(S.vat) || ':' || S.ilosc::numeric(9,1) || ':' || "
+        "(S.c_zak_netto * 100)::bigint, ',' ORDER BY H.typ_dok) FROM DANE_1_NAGLOWKI H JOIN DANE_1_SPECYFIK S "
+        "USING (typ_dok,nr_dok,znak_dok) WHERE H.komentarz LIKE 'zm.VAT dla %'");
+    const std::string cost = std::to_string(std::llround(items_[0].buyNet * 100));
+    EXPECT_EQ(pair, c.corrected ? "15:23:2.0:" + cost + ",18:8:2.0:" + cost : "") << c.what;
+    EXPECT_EQ(Scalar("SELECT TRIM(vat) FROM DANE_KAT_TOW_ WHERE nr_wewn=" + std::to_string(items_[0].number)),
+              c.corrected ? "8" : "23")
+        << c.what;
+    if (c.corrected) {
+      ASSERT_TRUE(Psql("UPDATE DANE_KAT_TOW_ SET vat='23' WHERE nr_wewn=" + std::to_string(items_[0].number)));
+      ASSERT_TRUE(Psql("DELETE FROM DANE_1_NAGLOWKI WHERE typ_dok IN (15,18)"));
+    }
+  }
+  // The pairs move nothing: only the issues of 2 each took stock.
+  EXPECT_EQ(Scalar("SELECT ilosc::numeric(9,1) FROM DANE_1_STANY_MG WHERE nr_wewn=" +
+                   std::to_string(items_[0].number)),
+            "12.0");
+}
+
 // The entry: F4 edits a line's purchase price, after which a kind that
 // does not keep purchase prices is refused; Ctrl+F7 runs the lent work file
 // function and the line list is read again.
@@ -247,7 +289,11 @@ TEST_F(SaveSteps, EntryEditsPurchasePricesAndTakesTheWorkFile) {
   Play({{{KeyOfByte('1')}},
         {Typed(ShortText("5901"), {kEnter})},
         {{keys::kTab, keys::F(4)}},
-        {Typed(ShortText("7.25"), {kEnter})},
+        {[] {
+          std::vector<KeyPair> k(8, keys::kBackspace);
+          for (const KeyPair t : Typed(ShortText("7.25"), {kEnter})) k.push_back(t);
+          return k;
+        }()},
         {{kShiftF9, KeyOfByte('2'), kEnter}},
         {{kEnter, kCtrlF7}},
         {{kEsc}, [&] { EXPECT_EQ(WorkLinesRead(WorkTablePath(CurrentUserNumber()), seen), 0); }},
