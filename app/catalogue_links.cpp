@@ -3,7 +3,9 @@
 
 #include "app/operations.h"
 #include "documents/contractor_docs.h"
+#include "documents/docentry.h"
 #include "documents/numbering.h"
+#include "exchange/workfile.h"
 #include "master/contractor_hooks.h"
 #include "master/dictionary_screens.h"
 #include "sqltable/dbapp.h"
@@ -36,10 +38,14 @@ void Documents(ContractorKind kind, int32_t number) {
     ShowContractorDocuments(gState->warehouse, LetterOf(kind), number, c[KontrahentCol::nazwa]);
 }
 
+// The entry's Ctrl+F7: the work file into the line list of the warehouse.
+void TakeWorkFileIntoEntry(int32_t warehouse) { (void)AddWorkFileToSpecification(warehouse); }
+
 }  // namespace
 
 void RegisterCatalogueLinks(const AppState& state) {
   gState = &state;
   SetContractorDocumentHooks({Receivables, Documents});
   SetOtherCatalogueRow("katalog numerów dokumentów"_mz, RebuildHeaderList);
+  SetEntryWorkFileHook(TakeWorkFileIntoEntry);
 }

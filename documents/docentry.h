@@ -29,3 +29,9 @@ ShortText KindName(int kind);
 // The entry function over the warehouse: the kind, then the line list
 // until it is saved or dropped.
 void DocumentEntry(int32_t warehouse);
+
+// The work file lies above the documents: the application lends the entry
+// the taking of the work file into the user's line list of the warehouse.
+// Without it the entry offers no such key.
+using EntryWorkFileHook = void (*)(int32_t warehouse);
+void SetEntryWorkFileHook(EntryWorkFileHook hook);

@@ -15,6 +15,7 @@
 //   CheckDBError. A refusal or a given-up question is a SaveOutcome.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -65,6 +66,16 @@ struct SaveSettings {
   bool respectOrders = false;  // an issue leaves the customers' ordered quantity in stock
   bool mayGoBelowZero = false;
   bool changeStock = true;     // false: the user refused the stock change of this save
+  // Kinds (by number) whose save lets the operator decide on the stock
+  // change, and that decision: 0 never, 1 ask, 2 always (line 179).
+  std::array<bool, 19> stockDecidedKinds{};
+  int stockChangeOption = 0;
+  int vatPaymentOption = 0;    // line 184: 1 or 2 ask a kind 2 document for its VAT payment
+  Real paidVat = 0;            // the VAT payment given at the save; 0 when none
+  bool placeOnReceipt = false; // line 54 is 2: receipts date the items' empty place field
+  int placeFieldKind = 0;      // line 116: 0 text (the year goes in), 1 dates, 2 and 3 neither
+  bool correctVat = false;     // line 66: the VAT of lines may change, and the catalogue follows it
+  bool vatChanged = false;     // the entry changed the VAT of a line of this document
 };
 // The settings from the configuration and the current user.
 SaveSettings SaveSettingsFromConfig();
@@ -108,4 +119,6 @@ SaveResult SaveNewDocument(int32_t warehouse, DocumentHeader& header, const Shor
 // --- Texts ---
 inline constexpr ShortText kSaveHeaderText = "Trwa zapis nagłówka...[ ]"_mz;
 inline constexpr ShortText kSaveLinesText = "Trwają zmiany stanów i dopisanie specyfikacji...[          ]"_mz;
+inline constexpr ShortText kAskVatPaymentText = "Podaj wielkość wpłaty za VAT:"_mz;
+inline constexpr ShortText kVatPaymentTooBigText = "Za duża wartość wpłaty VAT.@Czy zrezygnować z zapisu ?"_mz;
 inline constexpr ShortText kAskStockChangeText = "Czy skorygować stany o ilości towarów z dokumentu ?"_mz;

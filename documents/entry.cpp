@@ -8,6 +8,7 @@
 #include "base/dates.h"
 #include "base/numbers.h"
 #include "base/numbers_format.h"
+#include "config/konfigur.h"
 #include "documents/docentry.h"
 #include "documents/docsave.h"
 #include "documents/dockinds.h"
@@ -179,11 +180,16 @@ bool Save(Entry& e) {
   }
   if (!entrydetail::PrepareHeader(e.warehouse, e.header, TodaySerial())) return false;
   e.headerAsked = true;
+  e.extra.returnTransfer = entrydetail::IsReturnTransfer(
+      e.kind, e.header.otherWarehouse, ConfigInt(entrydetail::kConfigLineReturnWarehouse));
   DocumentHeader header = e.header;
-  const SaveResult r = SaveNewDocument(e.warehouse, header, e.work, SaveSettingsFromConfig());
+  SaveSettings settings = SaveSettingsFromConfig();
+  settings.vatChanged = e.extra.vatChanged;
+  const SaveResult r = SaveNewDocument(e.warehouse, header, e.work, settings);
   ReadLines(e);
   if (r.outcome != SaveOutcome::kSaved) return false;
   e.headerAsked = false;
+  entrydetail::StartNewDocument(e.extra);
   ReadItems(e, ItemListKey{}, true);
   (void)MessageBox(kSavedText + DocNumberText(r.coded) + " "_mz + r.mark, 0);
   return true;
@@ -194,6 +200,7 @@ void DropLines(Entry& e) {
   if (!MessageBox(entrydetail::DropQuestion(static_cast<int>(e.lines.size())), 1)) return;
   CheckDBError(WorkTableClear(e.work));
   e.headerAsked = false;
+  entrydetail::StartNewDocument(e.extra);
   ReadLines(e);
 }
 

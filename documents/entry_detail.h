@@ -35,6 +35,8 @@ inline constexpr int kConfigLineSortMainOnly = 106;     // automatic sort only i
 inline constexpr int kConfigLineDigitTake = 150;        // 0 ask whether it is the item, 1 take the first
 inline constexpr int kConfigLineDigitQuantity = 155;    // 0 nothing, 1 ask, 2.. enter the quantity below
 inline constexpr int kConfigLineDigitAutoQuantity = 156;
+inline constexpr int kConfigLineReturnWarehouse = 62;  // the warehouse that return transfers go to (0 none)
+inline constexpr int kConfigLineBuyPrices = 166;       // 2: purchase prices are edited on the lines
 inline constexpr int kConfigLineContractorFeatures = 169;  // contractors' discount column in use
 inline constexpr int kConfigLineDigitMax = 190;         // digits of the searched index 1..15
 inline constexpr int kConfigLineAutoSort = 199;         // 0 none, 1 name, 2 place in the warehouse
@@ -75,6 +77,7 @@ inline constexpr ShortText kFallbackVatText =
     "Pracujesz w trybie awaryjnym baz połączenia.@Zmiana VAT na specyfikacji nie będzie przeprowadzona.Dopisywanie jest możliwe poprzez plik roboczy."_mz;
 inline constexpr ShortText kBuyPricesChangedText =
     "Nie można, kiedy zostały poprawione ceny zakupu, wprowadzać@dokumentów `"_mz;
+inline constexpr ShortText kBuyPriceTitle = "Cena zakupu netto:"_mz;
 inline constexpr ShortText kDateChangeTitle = "FUNKCJA ZMIANY DATY WPROWADZANIA"_mz;
 
 inline constexpr int kMergeMax = 100;
@@ -162,6 +165,11 @@ struct EntryView {
   bool lower;
   EntryExtras& x;
 };
+
+// A transfer to the warehouse that return transfers go to.
+bool IsReturnTransfer(int kind, int32_t targetWarehouse, int32_t returnWarehouse);
+// The flags of the document just saved or dropped are cleared for the next one.
+void StartNewDocument(EntryExtras& x);
 
 // What a key asks the loop to do after it.
 enum class EntryAfter : int8_t { kNotMine, kDone, kReadLines, kAddAtBar };

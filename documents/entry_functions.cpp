@@ -207,6 +207,31 @@ EntryAfter ChangeEntryDate(EntryView& v) {
   return EntryAfter::kDone;
 }
 
+// F4 on the line list, where purchase prices are edited on lines: the
+// line's net purchase price, its gross by the line's VAT.
+EntryAfter EditBuyPrice(EntryView& v) {
+  if (!v.lower || v.lines.empty() || ConfigInt(kConfigLineBuyPrices) != 2) return EntryAfter::kDone;
+  const DocLine& line = v.lines[static_cast<std::size_t>(v.lineAt)];
+  ShortText text = TrimBoth(FormatShortest(16, line.item.buyNet), ' ');
+  if (!AskValue(kBuyPriceTitle, text, 16, 0, ShortText(), ShortText())) return EntryAfter::kDone;
+  const Real net = TextToRealLoose(TrimBoth(text, ' '));
+  if (!AmountInRange(net) || net < 0 || net == line.item.buyNet) return EntryAfter::kDone;
+  CheckDBError(PGRunQueryNoTup("UPDATE " + docdetail::SqlTable(v.work) + " SET cena_z_n=" + savedetail::NumberSql(net) +
+                               ",cena_z_b=" + savedetail::NumberSql(GrossOfNet(net, VatRateOf(line.item.vat))) +
+                               " WHERE oid=" + std::to_string(line.rowId)));
+  v.x.buyPricesChanged = true;
+  return EntryAfter::kReadLines;
+}
+
+EntryWorkFileHook gWorkFileHook = nullptr;
+
+// Ctrl+F7: the work file taken into the line list, which is read again.
+EntryAfter TakeWorkFile(EntryView& v) {
+  if (gWorkFileHook == nullptr) return EntryAfter::kNotMine;
+  gWorkFileHook(v.warehouse);
+  return EntryAfter::kReadLines;
+}
+
 bool KindNeedsPurchasePrices(int kind) {
   const TotalMethod m = KindTotalMethod(kind, 0);
   return m == TotalMethod::kPurchaseGrossFromGroups || m == TotalMethod::kPurchaseNet;
@@ -244,6 +269,7 @@ struct KeyAction {
 const KeyAction kActions[] = {
     {keys::F(3), [](EntryView& v) { return SearchNameStart(v); }},
     {Shifted(3), [](EntryView& v) { return SearchPattern(v); }},
+    {keys::F(4), EditBuyPrice},
     {Ctrl(3), [](EntryView& v) { return SearchAnyField(v); }},
     {keys::F(5), [](EntryView& v) { return ApplyDocumentDiscount(v) ? EntryAfter::kReadLines : EntryAfter::kDone; }},
     {Shifted(5), ChangeLineVat},
@@ -259,6 +285,7 @@ const KeyAction kActions[] = {
      }},
     {keys::F(7), PullFromDocuments},
     {Shifted(7), DefaultCustomer},
+    {Ctrl(7), TakeWorkFile},
     {keys::F(8), MarkForMerge},
     {Shifted(8), EndMerge},
     {keys::F(9), ChangeEntryDate},
@@ -275,7 +302,24 @@ EntryAfter EntryFunctionKey(EntryView v, KeyPair key) {
 }
 
 ShortText EntryKeysText() {
-  return "0-9 indeks F3 nazwa F5 rabat F6 znak F7 z dok. F8 łącz F9 data"_mz;
+  ShortText text = "0-9 indeks F3 nazwa"_mz;
+  if (ConfigInt(kConfigLineBuyPrices) == 2) text += " F4 c.zak"_mz;
+  text += " F5 rabat F6 znak F7 z dok"_mz;
+  if (gWorkFileHook != nullptr) text += " ^F7 plik"_mz;
+  return text + " F8 łącz F9 data"_mz;
+}
+
+bool IsReturnTransfer(int kind, int32_t targetWarehouse, int32_t returnWarehouse) {
+  return kind == 15 && returnWarehouse > 0 && targetWarehouse == returnWarehouse;
+}
+
+void StartNewDocument(EntryExtras& x) {
+  x.vatChanged = false;
+  x.buyPricesChanged = false;
+  x.returnTransfer = false;
+  x.marked.clear();
 }
 
 }  // namespace entrydetail
+
+void SetEntryWorkFileHook(EntryWorkFileHook hook) { entrydetail::gWorkFileHook = hook; }

@@ -212,8 +212,11 @@ int16_t SaveDocument(int32_t warehouse, DocumentHeader& header, std::vector<DocL
   tx.Lock(t.specyfik);
   StockLevels before;
   if (const int16_t code = ReadStock(t, lines, before)) return code;
-  const StockEffect effect =
-      settings.changeStock ? KindStockEffect(header.kind, settings.orderHandling) : StockEffect::kNone;
+  const bool noChange =
+      !settings.changeStock ||
+      savedetail::DecideStockChange(header.kind, settings.stockDecidedKinds, settings.stockChangeOption) ==
+          savedetail::StockDecision::kNoChange;
+  const StockEffect effect = noChange ? StockEffect::kNone : KindStockEffect(header.kind, settings.orderHandling);
   const bool cutToOrders =
       settings.respectOrders && effect == StockEffect::kIssue && entrydetail::LimitToUnreserved(lines, before);
   const StockPlan plan = PlanStock(lines, effect, settings.mayGoBelowZero, before);
@@ -226,9 +229,13 @@ int16_t SaveDocument(int32_t warehouse, DocumentHeader& header, std::vector<DocL
   if (const int16_t code = WriteStock(t, lines, before, plan.after)) return code;
   if (const int16_t code = WriteLines(t, header, lines)) return code;
   std::vector<ShortText> changed{t.naglowki, t.stany, t.specyfik};
+  if (const ShortText place = savedetail::ReceiptPlaceValue(header.kind, settings, header.date); !place.Empty()) {
+    if (const int16_t code = savedetail::UpdateCatalogueFromReceipt(lines, place)) return code;
+    changed.emplace_back(kKatTowTable);
+  }
   if (common) changed.emplace_back(kRegisterTable);
   if (const int16_t code = BumpCounters(changed)) return code;
-  if (const int16_t code = savedetail::WriteDocumentPayment(warehouse, header, result.totals)) return code;
+  if (const int16_t code = savedetail::WriteDocumentPayment(warehouse, header, result.totals, settings.paidVat)) return code;
   if (const int16_t code = tx.Commit()) return code;
   result.outcome = SaveOutcome::kSaved;
   result.coded = header.coded;

@@ -52,9 +52,13 @@ FiscalAnswer RunFiscalSaleForDocument(int32_t warehouse, const DocumentHeader& h
 // The payment of a document saved as paid at once. It runs after the
 // header and lines are written, so the locks stand naglowki, stany_mg,
 // specyfik, then kasa____, the order every payment write keeps.
-int16_t WriteDocumentPayment(int32_t warehouse, const DocumentHeader& header, const DocumentTotals&) {
+int16_t WriteDocumentPayment(int32_t warehouse, const DocumentHeader& header, const DocumentTotals& totals,
+                             Real paidVat) {
   const DocRef doc{header.kind, header.coded, header.mark.Copy(1, 4)};
-  return WriteAutoPayment(warehouse, doc, header.date, PaymentSettingsFromConfig()) < 0 ? kPGSqlFailed : 0;
+  return WriteAutoPayment(warehouse, doc, header.date, PaymentSettingsFromConfig(), PaidVatFor(paidVat, totals.total)) <
+                 0
+             ? kPGSqlFailed
+             : 0;
 }
 
 }  // namespace savedetail

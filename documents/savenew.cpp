@@ -56,15 +56,23 @@ SaveSettings SaveSettingsFromConfig() {
   s.orderHandling = ConfigInt(kConfigLineOrdersReserve) != 0;
   s.respectOrders = ConfigInt(kConfigLineOrdersReserve) == 2;
   s.mayGoBelowZero = CurrentUserRight(UserRight::kBelowZero);
+  s.stockChangeOption = ConfigInt(savedetail::kConfigLineStockChange);
+  s.vatPaymentOption = ConfigInt(savedetail::kConfigLineVatPayment);
+  s.placeOnReceipt = ConfigInt(savedetail::kConfigLinePlaceDate) == 2;
+  s.placeFieldKind = ConfigInt(savedetail::kConfigLinePlaceKind);
+  s.correctVat = ConfigInt(entrydetail::kConfigLineVatChange) == 1;
   return s;
 }
 
 SaveResult SaveNewDocument(int32_t warehouse, DocumentHeader& header, const ShortText& workTable,
-                           const SaveSettings& settings) {
+                           const SaveSettings& given) {
   SaveResult result;
   std::vector<DocLine> lines;
   CheckDBError(WorkLinesRead(workTable, lines));
-  if (!entrydetail::PassesSaveChecks(header, lines, settings.vatMode)) return result;
+  if (!entrydetail::PassesSaveChecks(header, lines, given.vatMode)) return result;
+  SaveSettings settings = given;
+  if (!savedetail::AskVatPayment(header.kind, lines, settings)) return result;
+  savedetail::DecideStockOfSave(header.kind, settings);
   if (!FiscalStep(warehouse, header, lines, settings)) return result;
   (void)MessageBox(kSaveLinesText, 2);
   for (int attempt = 0; attempt < kKeyAttempts; ++attempt) {
@@ -72,6 +80,7 @@ SaveResult SaveNewDocument(int32_t warehouse, DocumentHeader& header, const Shor
     if (result.outcome != SaveOutcome::kKeyTaken) break;
   }
   if (result.outcome != SaveOutcome::kSaved) return result;
+  savedetail::CorrectCatalogueVat(warehouse, header, lines, settings);
   TellReduction(result);
   if (header.kind == 1 && result.totals.total < 0)
     CheckDBError(AssignAdditionalNumber(header.kind, header.coded, header.mark, header.date, warehouse,

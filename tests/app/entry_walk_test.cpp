@@ -32,6 +32,11 @@ class EntryWalkTest : public WalkTest {
     ASSERT_TRUE(walk_.Shows("Wybierz konkretny rodzaj dokumentu:")) << walk_.Pane();
     walk_.Keys("Enter");
     ASSERT_TRUE(walk_.Shows("Specyfikacja:")) << walk_.Pane();
+    // The work file's key, lent by the application, reaches the work file's function.
+    ASSERT_TRUE(walk_.Shows("^F7 plik")) << walk_.Pane();
+    walk_.Keys("C-F7");
+    ASSERT_TRUE(walk_.Shows("Plik roboczy nie istnieje.")) << walk_.Pane();
+    walk_.Keys("Enter");
     walk_.Keys("Enter");
     ASSERT_TRUE(walk_.Shows("Podaj ilość:")) << walk_.Pane();
     walk_.Keys(quantity + " Enter");
