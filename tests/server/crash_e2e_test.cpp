@@ -35,29 +35,6 @@ std::string Zloty(int grosz) {
   return std::to_string(grosz / 100) + "." + (cents.size() < 2 ? "0" : "") + cents;
 }
 
-// One receipt as the journal shows it: its number, its sale lines and how it ended.
-struct Printed {
-  std::string number;
-  int lines = 0;
-  std::string end;  // CLOSE..., TOTAL..., CANCELLED, or empty when cut off
-  bool cutText = false;  // a free text ended by the next sender's line feeds
-};
-
-std::vector<Printed> ReceiptsOf(const Lines& journal) {
-  std::vector<Printed> out;
-  for (const std::string& l : journal) {
-    if (l.rfind("RECEIPT", 0) == 0) out.push_back({});
-    if (out.empty() || !out.back().end.empty()) continue;
-    Printed& p = out.back();
-    if (l.rfind("LINE ", 0) == 0) ++p.lines;
-    if (l.rfind("TEXT 6|", 0) == 0) p.number = l.substr(7);
-    if (l.rfind("TEXT 5|", 0) == 0 && l.back() != '.') p.cutText = true;
-    if (l.rfind("FOOT #", 0) == 0) p.number = l.substr(6);
-    if (l.rfind("CLOSE", 0) == 0 || l.rfind("TOTAL", 0) == 0 || l == "CANCELLED") p.end = l;
-  }
-  return out;
-}
-
 class CrashTest : public PrintersTest {
  protected:
   void StartFamily(char row) {

@@ -102,3 +102,18 @@ bool IsFailureStamp(const std::string& tail) {
     return ::testing::AssertionFailure() << "\"" << line << "\" has no failure stamp behind \"" << text << "\"";
   return ::testing::AssertionSuccess();
 }
+
+std::vector<Printed> ReceiptsOf(const std::vector<std::string>& journal) {
+  std::vector<Printed> out;
+  for (const std::string& l : journal) {
+    if (l.rfind("RECEIPT", 0) == 0) out.push_back({});
+    if (out.empty() || !out.back().end.empty()) continue;
+    Printed& p = out.back();
+    if (l.rfind("LINE ", 0) == 0) ++p.lines;
+    if (l.rfind("TEXT 6|", 0) == 0) p.number = l.substr(7);
+    if (l.rfind("TEXT 5|", 0) == 0 && l.back() != '.') p.cutText = true;
+    if (l.rfind("FOOT #", 0) == 0) p.number = l.substr(6);
+    if (l.rfind("CLOSE", 0) == 0 || l.rfind("TOTAL", 0) == 0 || l == "CANCELLED") p.end = l;
+  }
+  return out;
+}

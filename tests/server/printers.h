@@ -56,3 +56,13 @@ class PrintersTest : public ::testing::Test {
 bool IsFailureStamp(const std::string& tail);
 // The result line of a failure ends in the stamp " nie wyk.zad. DD-MM-YYYY HH:MM:SS".
 ::testing::AssertionResult EndsInFailureStamp(const std::string& line, const std::string& text);
+
+// One receipt as a simulator's journal shows it: its number, its sale lines and how it ended.
+struct Printed {
+  std::string number;
+  int lines = 0;
+  std::string end;       // CLOSE..., TOTAL..., CANCELLED, or empty when cut off
+  bool cutText = false;  // a free text ended by the next sender's line feeds
+};
+// The receipts of a journal of either family, in order.
+std::vector<Printed> ReceiptsOf(const std::vector<std::string>& journal);
