@@ -78,6 +78,10 @@ bool PrintersTest::JobExists(char row) const { return PathExists(dir_ / "jobs/" 
 
 std::string PrintersTest::Run(char row, const std::string& word, const std::vector<std::string>& records) {
   Publish(row, word, records);
+  return Result(row);
+}
+
+std::string PrintersTest::Result(char row) {
   // The first three log lines are the start-up's; each job adds one.
   const std::size_t want = 3 + static_cast<std::size_t>(++results_);
   if (!WaitUntil([&] { return LogLines().size() >= want && !JobExists(row); }, kResultWaitMs)) return "(no result)";

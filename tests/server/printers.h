@@ -36,6 +36,8 @@ class PrintersTest : public ::testing::Test {
   void Publish(char row, const std::string& word, const std::vector<std::string>& records);
   // Publishes the job and waits for its result line; gives the line without the time.
   std::string Run(char row, const std::string& word, const std::vector<std::string>& records = {});
+  // Waits for the result line of the job published last in the row; the line without the time.
+  std::string Result(char row);
   // The log's lines so far, and whether the row's job file exists.
   std::vector<std::string> LogLines() const;
   bool JobExists(char row) const;
