@@ -92,7 +92,12 @@ uint8_t ElzabReadResponse(int port) {
     return 0;
   }
   SleepMs(line.responseDelay);
-  uint8_t b = ElzabPortIo().In(base + kRbr);
+  // The delay counts from the last byte sent; a printer that answers later (the
+  // simulated one shares a busy machine with the server) is waited for, so
+  // that its answer is not read as the next command's.
+  PortIo& io = ElzabPortIo();
+  for (int waited = 0; !(io.In(base + kLsr) & kDataReady) && waited < line.lateAnswerMs; ++waited) SleepMs(1);
+  uint8_t b = io.In(base + kRbr);
   line.timedOut = false;
   return b;
 }

@@ -12,6 +12,7 @@ struct ElzabLineState {
   bool ready = false;              // the controller is programmed (or the process is ending)
   uint16_t sendTimeout = 2000;     // ms the line may take to accept a byte
   uint16_t receiveTimeout = 4000;  // polls of the line status in ElzabReadByte
+  uint16_t lateAnswerMs = 2000;    // ms a response is still waited for after responseDelay
 };
 
 // The line's state and settings, one for the process.
@@ -25,7 +26,9 @@ void ElzabOpen(int port);
 void ElzabSendByte(int port, uint8_t b);
 // Sends the bytes one by one, stopping at the first time-out.
 void ElzabSendText(int port, std::string_view text);
-// Waits responseDelay ms and reads the data register, whether a byte came or not.
+// Waits responseDelay ms, then up to lateAnswerMs more (sleeping, so a busy
+// machine only slows it) until a byte has come, and reads the data register,
+// whether a byte came or not.
 uint8_t ElzabReadResponse(int port);
 // Waits 200 ms and reads the data register once (a single byte, not a flush).
 void ElzabPurge(int port);

@@ -74,6 +74,9 @@ int PosnetFrame(std::string_view body, double wait) {
 }
 
 int PosnetEnquire(double wait) {
+  // An answer that came after its drain gave up (a printer slowed by a busy
+  // machine) must not stand for the answer to this enquiry.
+  PosnetDiscardReceived();
   const char enq[] = {kPosnetEnq};
   if (PosnetSend(kSendLimit, {enq, 1}) != 0) return -1;
   if (PosnetSend(kSendLimit, {enq, 1}) != 0) return -1;

@@ -181,4 +181,12 @@ int PosnetGetByteWaiting() {
   return b;
 }
 
+void PosnetDiscardReceived() {
+  PosnetPort& p = Port();
+  p.ring.Reset();
+  unsigned char buf[ReceiveRing::kSize];
+  ssize_t n;
+  while (p.state.fd >= 0 && (n = ::read(p.state.fd, buf, sizeof buf)) > 0) p.state.bytesReceived += static_cast<uint64_t>(n);
+}
+
 bool PosnetHasBufferedByte() { return !Port().ring.Empty(); }

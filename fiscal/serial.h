@@ -71,5 +71,8 @@ void SetTimeout(double seconds);
 int PosnetGetByte();
 // One received byte, waiting up to the ticks left; -1 when they run out.
 int PosnetGetByteWaiting();
+// Forgets the bytes that wait, in the ring and on the line, without waiting for
+// more and without marking the line failed.
+void PosnetDiscardReceived();
 // True when bytes already received wait in the ring.
 bool PosnetHasBufferedByte();

@@ -31,6 +31,8 @@ int CreateAnew(const ShortText& unixPath) {
 // Puts the descriptor in the place of standard output; false if it is not open.
 bool BecomeStandardOutput(int fd) {
   if (fd < 0) return false;
+  // Started with standard output closed, the log is given its place already.
+  if (fd == STDOUT_FILENO) return true;
   std::fflush(stdout);
   const bool moved = ::dup2(fd, STDOUT_FILENO) >= 0;
   ::close(fd);
@@ -58,7 +60,7 @@ void ReopenLog() {
   ::close(STDOUT_FILENO);
   int fd = OpenForAppending(gLog.unixPath);
   if (fd < 0) fd = CreateAnew(gLog.unixPath);
-  if (fd >= 0 && fd != STDOUT_FILENO) BecomeStandardOutput(fd);
+  BecomeStandardOutput(fd);
 }
 
 void CloseLog() {

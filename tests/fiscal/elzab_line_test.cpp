@@ -119,8 +119,23 @@ TEST_F(ElzabOnModel, ResponseReadsTheRegisterWhetherAByteCameOrNot) {
   ElzabLine().timedOut = true;
   EXPECT_EQ(ElzabReadResponse(1), 0x15);
   EXPECT_FALSE(ElzabLine().timedOut);
+  ElzabLine().lateAnswerMs = 20;
   EXPECT_EQ(ElzabReadResponse(1), 0x15);  // a silent printer reads as what lay there
   EXPECT_FALSE(ElzabLine().timedOut);
+}
+
+TEST_F(ElzabOnModel, ResponseLaterThanTheDelayIsWaitedFor) {
+  // A printer slowed by a busy machine: its answer comes long after the delay of 1 ms,
+  // and must not be left for the next command.
+  ElzabOpen(1);
+  PrinterSends("\x06");
+  EXPECT_EQ(ElzabReadResponse(1), 0x06);
+  std::thread late([&] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    PrinterSends("\x15");
+  });
+  EXPECT_EQ(ElzabReadResponse(1), 0x15);
+  late.join();
 }
 
 TEST_F(ElzabOnModel, PurgeReadsOneByteOnly) {

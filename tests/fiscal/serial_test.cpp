@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
+#include <poll.h>
 #include <stdlib.h>
 #include <sys/file.h>
 #include <termios.h>
@@ -130,6 +131,23 @@ TEST_F(PosnetLineOnPty, OpenFlushesOnceAndHealthyCloseKeepsThePortOpen) {
   EXPECT_FALSE(PosnetLine().lineFailed);
   PosnetClose();
   EXPECT_FALSE(PosnetLine().portClosed);
+}
+
+TEST_F(PosnetLineOnPty, DiscardTakesWhatWaitsInTheRingAndOnTheLineOnly) {
+  PosnetOpen(Port());
+  FromPrinter("ab");
+  SetTimeout(1);
+  ASSERT_EQ(PosnetGetByteWaiting(), 'a');  // 'b' waits in the ring
+  FromPrinter("cd");                       // and these on the line
+  pollfd line{PosnetLine().fd, POLLIN, 0};
+  ASSERT_EQ(poll(&line, 1, 5000), 1);
+  PosnetDiscardReceived();
+  EXPECT_FALSE(PosnetHasBufferedByte());
+  EXPECT_FALSE(PosnetLine().lineFailed);  // nothing waited for, nothing failed
+  FromPrinter("e");
+  SetTimeout(1);
+  EXPECT_EQ(PosnetGetByteWaiting(), 'e');
+  PosnetCloseAtExit();
 }
 
 TEST_F(PosnetLineOnPty, CloseAfterFailureRestoresTheSettingsFound) {

@@ -35,29 +35,6 @@ std::string Zloty(int grosz) {
   return std::to_string(grosz / 100) + "." + (cents.size() < 2 ? "0" : "") + cents;
 }
 
-// One receipt as the journal shows it: its number, its sale lines and how it ended.
-struct Printed {
-  std::string number;
-  int lines = 0;
-  std::string end;  // CLOSE..., TOTAL..., CANCELLED, or empty when cut off
-  bool cutText = false;  // a free text ended by the next sender's line feeds
-};
-
-std::vector<Printed> ReceiptsOf(const Lines& journal) {
-  std::vector<Printed> out;
-  for (const std::string& l : journal) {
-    if (l.rfind("RECEIPT", 0) == 0) out.push_back({});
-    if (out.empty() || !out.back().end.empty()) continue;
-    Printed& p = out.back();
-    if (l.rfind("LINE ", 0) == 0) ++p.lines;
-    if (l.rfind("TEXT 6|", 0) == 0) p.number = l.substr(7);
-    if (l.rfind("TEXT 5|", 0) == 0 && l.back() != '.') p.cutText = true;
-    if (l.rfind("FOOT #", 0) == 0) p.number = l.substr(6);
-    if (l.rfind("CLOSE", 0) == 0 || l.rfind("TOTAL", 0) == 0 || l == "CANCELLED") p.end = l;
-  }
-  return out;
-}
-
 class CrashTest : public PrintersTest {
  protected:
   void StartFamily(char row) {
@@ -140,5 +117,82 @@ TEST_F(CrashTest, ElzabServerKilledAtTwentyMomentsOfAReceiptAlsoInsideItsLongTex
   const std::vector<Printed> printed = ReceiptsOf(ElzabJournal());
   EXPECT_TRUE(std::any_of(printed.begin(), printed.end(), [](const Printed& p) { return p.cutText && p.end == "CANCELLED"; }));
 }
+
+
+// The printer lost in the middle of a receipt: its process killed (a printer
+// without power) or its line unplugged. The receipt fails with its line, the
+// other family's row is served, a job for the lost printer fails rather than
+// hangs, and a printer that comes back is reached without restarting the server.
+struct LossCase {
+  char row;
+  bool unplug;  // else killed
+};
+
+class PrinterLossTest : public PrintersTest, public ::testing::WithParamInterface<LossCase> {
+ protected:
+  static constexpr int kLines = 20;
+  static Lines LongReceipt(const std::string& number) {
+    Lines job = {std::to_string(kLines), std::to_string(kLines * 100), "01J", "Jan", " gotówką", number};
+    for (int i = 1; i <= kLines; ++i) job.push_back("\"Towar " + std::to_string(i) + "\",1,\"A\",1,szt");
+    return job;
+  }
+  Lines Journal(char row) const { return row == 'e' ? ElzabJournal() : PosnetJournal(); }
+  void KillPrinter(char row) {
+    if (row == 'e') return elzab_->Kill();
+    posnet_->Kill();
+    // The port's link would point at a terminal number the system gives away next.
+    ::unlink((dir_ / "tty0").c_str());
+  }
+  void RestartPrinter(char row) {
+    if (row == 'e') return elzab_->Restart();
+    posnet_->Restart();
+    ::unlink((dir_ / "tty0").c_str());
+    ASSERT_EQ(::symlink(posnet_->Slave().c_str(), (dir_ / "tty0").c_str()), 0);
+  }
+};
+
+std::string ReadLinesText(const Lines& lines) {
+  std::string text;
+  for (const std::string& l : lines) text += l + "\n";
+  return text;
+}
+
+bool FailedWithStamp(const std::string& line, const std::string& start) {
+  const std::size_t stamp = std::string(" nie wyk.zad. DD-MM-YYYY HH:MM:SS").size();
+  return line.rfind(start, 0) == 0 && line.size() >= start.size() + stamp &&
+         IsFailureStamp(line.substr(line.size() - stamp));
+}
+
+TEST_P(PrinterLossTest, ReceiptFailsOtherRowsServeAndThePrinterComesBack) {
+  const LossCase c = GetParam();
+  const char other = c.row == 'e' ? 'p' : 'e';
+  Lines elzabArgs = {"--baud", "9600"};
+  if (c.unplug) elzabArgs.insert(elzabArgs.end(), {"--fail", "8:unplug"});  // the 7th sale line
+  Start(elzabArgs, {"--baud", "9600", "--pace-input"});
+  Publish(c.row, "PARAGON", LongReceipt("L1"));
+  if (!c.unplug) {
+    // Killed once the printer has a few of the lines.
+    ASSERT_TRUE(WaitUntil([&] { return CountOf(ReadLinesText(Journal(c.row)), "LINE ") >= 3; }, 30000));
+    KillPrinter(c.row);
+  }
+  EXPECT_TRUE(FailedWithStamp(Result(c.row), "PARAGON@")) << LogLines().back();
+  const std::vector<Printed> cut = ReceiptsOf(Journal(c.row));
+  ASSERT_EQ(cut.size(), 1u);
+  EXPECT_LT(cut[0].lines, kLines);
+  EXPECT_TRUE(cut[0].end.empty() || cut[0].end == "CANCELLED") << cut[0].end;
+
+  EXPECT_EQ(Run(other, "PARAGON", LongReceipt("O1")), "PARAGON O.K.");
+  EXPECT_TRUE(FailedWithStamp(Run(c.row, "RAPDOB"), "RAPORT DOBOWY@"));
+  RestartPrinter(c.row);
+  EXPECT_EQ(Run(c.row, "RAPDOB"), "RAPORT DOBOWY O.K.");
+  EXPECT_EQ(Journal(c.row).back(), "DAILY REPORT");
+}
+
+INSTANTIATE_TEST_SUITE_P(Printers, PrinterLossTest,
+                         ::testing::Values(LossCase{'p', false}, LossCase{'e', false}, LossCase{'e', true}),
+                         [](const auto& info) {
+                           return std::string(info.param.row == 'e' ? "Elzab" : "Posnet") +
+                                  (info.param.unplug ? "Unplugged" : "Killed");
+                         });
 
 }  // namespace

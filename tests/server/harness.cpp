@@ -110,6 +110,7 @@ ServerProcess::ServerProcess(const TempDir& dir, const ServerRun& run) : dir_(di
     ::dup2(in, 0);
     ::dup2(out, 1);
     ::dup2(err, 2);
+    if (run.noStdout) ::close(1);
   }
   if (run.asNobody) DropToNobody();
   std::vector<char*> argv;

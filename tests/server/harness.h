@@ -37,6 +37,7 @@ struct ServerRun {
   std::vector<std::string> args;  // after the program name
   bool asNobody = false;          // run as an unprivileged user (when root)
   bool onPty = false;             // standard input and output a pseudo-terminal
+  bool noStdout = false;          // started with standard output closed
 };
 
 // One fisksrv process in a directory. Output goes to "stdout.txt" and

@@ -197,4 +197,15 @@ TEST_F(PollingTest, UndeletableJobIsReportedAndStays) {
   EXPECT_TRUE(PathExists(dir_ / "ro/1"));
 }
 
+TEST_F(PollingTest, ServerStartedWithoutStandardOutputKeepsItsLog) {
+  WriteFileText(dir_ / "fisk.cfg", Rows(1));
+  ServerRun run{{"fisk.cfg", "10", "fisk.log", "x"}};
+  run.noStdout = true;
+  ServerProcess server(dir_, run);
+  // The start's lines reach the log, and so does every job's line after them.
+  ASSERT_TRUE(WaitForLog("SKONFIGUROWANO 1\n")) << Log();
+  WriteJobFile(dir_ / "jobs/1", {Keyword("SZUFLA"), kJobKeywordEnd});
+  ASSERT_TRUE(WaitForLog(" O.K.\n")) << Log();
+}
+
 }  // namespace

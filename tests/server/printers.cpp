@@ -78,6 +78,10 @@ bool PrintersTest::JobExists(char row) const { return PathExists(dir_ / "jobs/" 
 
 std::string PrintersTest::Run(char row, const std::string& word, const std::vector<std::string>& records) {
   Publish(row, word, records);
+  return Result(row);
+}
+
+std::string PrintersTest::Result(char row) {
   // The first three log lines are the start-up's; each job adds one.
   const std::size_t want = 3 + static_cast<std::size_t>(++results_);
   if (!WaitUntil([&] { return LogLines().size() >= want && !JobExists(row); }, kResultWaitMs)) return "(no result)";
@@ -101,4 +105,19 @@ bool IsFailureStamp(const std::string& tail) {
   if (!IsFailureStamp(line.substr(text.size())))
     return ::testing::AssertionFailure() << "\"" << line << "\" has no failure stamp behind \"" << text << "\"";
   return ::testing::AssertionSuccess();
+}
+
+std::vector<Printed> ReceiptsOf(const std::vector<std::string>& journal) {
+  std::vector<Printed> out;
+  for (const std::string& l : journal) {
+    if (l.rfind("RECEIPT", 0) == 0) out.push_back({});
+    if (out.empty() || !out.back().end.empty()) continue;
+    Printed& p = out.back();
+    if (l.rfind("LINE ", 0) == 0) ++p.lines;
+    if (l.rfind("TEXT 6|", 0) == 0) p.number = l.substr(7);
+    if (l.rfind("TEXT 5|", 0) == 0 && l.back() != '.') p.cutText = true;
+    if (l.rfind("FOOT #", 0) == 0) p.number = l.substr(6);
+    if (l.rfind("CLOSE", 0) == 0 || l.rfind("TOTAL", 0) == 0 || l == "CANCELLED") p.end = l;
+  }
+  return out;
 }

@@ -36,6 +36,8 @@ class PrintersTest : public ::testing::Test {
   void Publish(char row, const std::string& word, const std::vector<std::string>& records);
   // Publishes the job and waits for its result line; gives the line without the time.
   std::string Run(char row, const std::string& word, const std::vector<std::string>& records = {});
+  // Waits for the result line of the job published last in the row; the line without the time.
+  std::string Result(char row);
   // The log's lines so far, and whether the row's job file exists.
   std::vector<std::string> LogLines() const;
   bool JobExists(char row) const;
@@ -56,3 +58,13 @@ class PrintersTest : public ::testing::Test {
 bool IsFailureStamp(const std::string& tail);
 // The result line of a failure ends in the stamp " nie wyk.zad. DD-MM-YYYY HH:MM:SS".
 ::testing::AssertionResult EndsInFailureStamp(const std::string& line, const std::string& text);
+
+// One receipt as a simulator's journal shows it: its number, its sale lines and how it ended.
+struct Printed {
+  std::string number;
+  int lines = 0;
+  std::string end;       // CLOSE..., TOTAL..., CANCELLED, or empty when cut off
+  bool cutText = false;  // a free text ended by the next sender's line feeds
+};
+// The receipts of a journal of either family, in order.
+std::vector<Printed> ReceiptsOf(const std::vector<std::string>& journal);

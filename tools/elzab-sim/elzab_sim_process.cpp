@@ -13,7 +13,16 @@ ElzabSimProcess::ElzabSimProcess(std::vector<std::string> args, bool terminal) {
   ::chmod(dir_.c_str(), 0777);  // a server may run as another user
   args.insert(args.begin(), {ELZAB_SIM_PATH, terminal ? "--link" : "--socket", dir_ + "/line", "--journal",
                              dir_ + "/journal", "--trace", dir_ + "/trace"});
+  argv_ = args;
   pid_ = SpawnSimulator(std::move(args), line_);
+}
+
+void ElzabSimProcess::Kill() { KillSimulator(pid_); }
+
+void ElzabSimProcess::Restart() {
+  KillSimulator(pid_);
+  line_.clear();
+  pid_ = SpawnSimulator(argv_, line_);
 }
 
 ElzabSimProcess::~ElzabSimProcess() { StopSimulator(pid_, dir_, {"journal", "trace", "line"}); }

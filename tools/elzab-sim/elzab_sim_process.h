@@ -21,8 +21,13 @@ class ElzabSimProcess {
   // Lines printed so far, and the commands with their answers.
   std::vector<std::string> Journal() const;
   std::vector<std::string> Trace() const;
+  // Kills the simulator at once (SIGKILL): its socket or link stays behind.
+  void Kill();
+  // Starts it again with the same arguments at the same path, a fresh printer.
+  void Restart();
 
  private:
   int pid_ = -1;
   std::string dir_, line_;
+  std::vector<std::string> argv_;
 };

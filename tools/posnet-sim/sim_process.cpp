@@ -38,6 +38,13 @@ int SpawnSimulator(std::vector<std::string> argv, std::string& firstLine) {
   return pid;
 }
 
+void KillSimulator(int& pid) {
+  if (pid <= 0) return;
+  kill(pid, SIGKILL);
+  waitpid(pid, nullptr, 0);
+  pid = -1;
+}
+
 void StopSimulator(int pid, const std::string& folder, const std::vector<std::string>& files) {
   if (pid > 0) {
     kill(pid, SIGTERM);
@@ -54,7 +61,16 @@ SimProcess::SimProcess(std::vector<std::string> args) {
   dir_ = tmpl;
   args.insert(args.begin(), {POSNET_SIM_PATH, "--journal",
                              dir_ + "/journal", "--trace", dir_ + "/trace"});
+  argv_ = args;
   pid_ = SpawnSimulator(std::move(args), slave_);
+}
+
+void SimProcess::Kill() { KillSimulator(pid_); }
+
+void SimProcess::Restart() {
+  KillSimulator(pid_);
+  slave_.clear();
+  pid_ = SpawnSimulator(argv_, slave_);
 }
 
 SimProcess::~SimProcess() { StopSimulator(pid_, dir_, {"journal", "trace", "link"}); }

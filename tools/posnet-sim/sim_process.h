@@ -19,10 +19,15 @@ class SimProcess {
   // Lines printed so far, and what came in.
   std::vector<std::string> Journal() const;
   std::vector<std::string> Trace() const;
+  // Kills the simulator at once (SIGKILL), as a printer that loses power.
+  void Kill();
+  // Starts it again with the same arguments and files; its terminal is a new one.
+  void Restart();
 
  private:
   int pid_ = -1;
   std::string dir_, slave_;
+  std::vector<std::string> argv_;
 };
 
 // Lines of a text file (empty when it is missing).
@@ -30,6 +35,8 @@ std::vector<std::string> ReadLines(const std::string& path);
 // Starts a simulator program (argv[0] its path) with its standard output on a pipe and
 // reads its first output line into firstLine; gives its process id, or -1.
 int SpawnSimulator(std::vector<std::string> argv, std::string& firstLine);
+// Kills a simulator started by SpawnSimulator at once and waits for its end; pid becomes -1.
+void KillSimulator(int& pid);
 // Ends a simulator started by SpawnSimulator (pid -1: none) and removes its folder
 // with the named files in it.
 void StopSimulator(int pid, const std::string& folder, const std::vector<std::string>& files);
