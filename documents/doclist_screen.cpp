@@ -1,0 +1,224 @@
+// "Wprowadzanie nowych i zmiany istniejących": the list of the current
+// warehouse's goods documents, read a screenful at a time newest first,
+// with its keys on the last row.
+#include <algorithm>
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include "base/mazovia.h"
+#include "base/numbers_format.h"
+#include "base/text.h"
+#include "documents/docentry.h"
+#include "documents/doclist.h"
+#include "documents/docnumber.h"
+#include "documents/kindrules.h"
+#include "fiscal/fiscalconfig.h"
+#include "tui/askvalue.h"
+#include "tui/keyboard.h"
+#include "tui/msgbox.h"
+#include "tui/picklist.h"
+#include "tui/screen.h"
+#include "tui/term.h"
+#include "users/users.h"
+
+namespace {
+
+constexpr int kRows = 21;
+constexpr int kFirstRow = 3;
+constexpr unsigned char kListAttr = 0x1F, kBarAttr = 0x30, kTitleAttr = 0x4F;
+constexpr unsigned char kEnter = 13, kEsc = 27, kF2 = 230, kF4 = 232, kF8 = 236, kHome = 241, kUp = 242,
+                        kPgUp = 243, kEnd = 249, kDown = 250, kPgDn = 251, kIns = 252;
+
+const ShortText kHeader = " data       typ znak        numer  kontrahent                  suma dok. fisk."_mz;
+const ShortText kKeys = " Enter-pozycje Ins-nowy F2-numer F4-fiskalizacja Esc-wyjście"_mz;
+const ShortText kManagerKeys = " F8-usuń znacznik fisk."_mz;
+const ShortText kLinesHeader = "poz. nazwa                     VAT       ilość   cena br.   wartość br."_mz;
+const ShortText kNumberSearch = "Podaj numer szukanego dokumentu:"_mz;
+const ShortText kRemovingMark = "Usuwanie znacznika fiskalizacji..."_mz;
+const ShortText kMarkRowGone = "BŁĄD !@Nie znaleziono dokumentu do zmiany !"_mz;
+const ShortText kReadFault =
+    "Wystąpiły zakłócenia odczytu bazy.@@Wyjdź do głównego menu programu, rezygnując z wprowadzanych zmian,@a potem wróć do wykonywanych czynności."_mz;
+
+DocumentKey GuardKey(int32_t warehouse, const DocRef& key) { return DocumentKey{warehouse, key.kind, key.coded, key.mark}; }
+
+// The lines of a document in a list box under its number, with the values'
+// sums as the last rows; nothing in it can be changed.
+void ShowDocumentLines(int32_t warehouse, const DocListRow& row) {
+  std::vector<DocViewLine> lines;
+  if (DocViewLinesRead(warehouse, row.key, lines) != 0) return (void)MessageBox(kReadFault, 0);
+  std::vector<ShortText> shown{kLinesHeader};
+  for (const DocViewLine& l : lines) {
+    if (static_cast<int>(shown.size()) >= kPickMaxChoices - 2) break;
+    shown.push_back(IntText(l.position, 3) + " " + PadRight(l.name.Copy(1, 25), " ", 25) + " " +
+                    PadRight(l.vat, " ", 5) + FormatFixed(10, 3, l.quantity) + FormatFixed(11, 2, l.gross) +
+                    FormatFixed(12, 2, LineValue(l.quantity, l.gross)));
+  }
+  const DocViewTotals totals = DocViewTotalsOf(lines);
+  shown.push_back("Razem netto: "_mz + FormatFixed(12, 2, totals.net) + "  brutto: "_mz +
+                  FormatFixed(12, 2, totals.gross));
+  const ShortText title = "Dokument nr "_mz + DocNumberText(row.key.coded) + "/" + TrimBoth(row.key.mark, ' ') +
+                          "  suma dok.: "_mz + FormatFixed(0, 2, row.total);
+  unsigned char ch = 0, scan = 0;
+  (void)PickListHooked(1, 2, 1, 0, 0, title, shown, {}, ch, scan);
+}
+
+class DocumentListScreen {
+ public:
+  explicit DocumentListScreen(int32_t warehouse) : warehouse_(warehouse) {}
+
+  void Run() {
+    const ScreenKeeper keeper;
+    Window(1, 1, 80, 25);
+    LoadFrom(DocListKey{}, true);
+    for (;;) {
+      if (readFailed_) return (void)MessageBox(kReadFault, 0);
+      Draw();
+      const unsigned char code = KeyCodeOf(ReadKeyUpper());
+      if (code == kEsc) return;
+      if (!Act(code)) Beep(1000);
+    }
+  }
+
+ private:
+  bool Act(unsigned char code) {
+    switch (code) {
+      case kDown: return Step(true);
+      case kUp: return Step(false);
+      case kPgDn: return Page(true);
+      case kPgUp: return Page(false);
+      case kHome: LoadFrom(DocListKey{}, true); return true;
+      case kEnd: LoadFrom(DocListKey{}, false); bar_ = static_cast<int>(rows_.size()) - 1; return true;
+      case kF2: return SearchNumber();
+      case kEnter: return ViewLines();
+      case kIns: DocumentEntry(warehouse_); return Reload();
+      case kF4: return Fiscalise();
+      case kF8: return RemoveMark();
+      default: return false;
+    }
+  }
+
+  void Draw() {
+    TextAttr(kTitleAttr);
+    WriteAt(1, 1, PadRight(" Dokumenty towarowe - magazyn nr "_mz + IntText(warehouse_, 0), " ", 80));
+    TextAttr(kListAttr);
+    WriteAt(1, 2, PadRight(kHeader, " ", 80));
+    for (int i = 0; i < kRows; ++i) {
+      const bool filled = i < static_cast<int>(rows_.size());
+      TextAttr(filled && i == bar_ ? kBarAttr : kListAttr);
+      WriteAt(1, kFirstRow + i, PadRight(filled ? DocListRowText(rows_[i]) : ShortText(), " ", 80));
+    }
+    TextAttr(kListAttr);
+    WriteAt(1, 24, ShortText(std::string(80, ' ')));
+    // The key line stops one cell short of the corner, so the screen never scrolls.
+    WriteAt(1, kScreenRows, PadRight(kKeys + (CurrentUserMaxRights() ? kManagerKeys : ShortText()), " ", 79));
+    GotoXY(1, kFirstRow + bar_);
+    TermFlush();
+  }
+
+  void Read(const DocListKey& key, bool older, int limit, std::vector<DocListRow>& rows) {
+    if (DocListRead(warehouse_, key, older, limit, rows) == 0) return;
+    rows.clear();
+    readFailed_ = true;
+  }
+
+  void LoadFrom(const DocListKey& key, bool older) {
+    std::vector<DocListRow> rows;
+    Read(key, older, kRows, rows);
+    rows_ = std::move(rows);
+    bar_ = 0;
+  }
+
+  // After a change: the same screenful again, the bar where it stood.
+  bool Reload() {
+    const int bar = bar_;
+    DocListKey from;
+    if (!rows_.empty()) from = DocListKey{true, true, rows_.front().date, rows_.front().rowId};
+    LoadFrom(from, true);
+    if (rows_.size() < kRows) LoadFrom(DocListKey{}, true);
+    bar_ = std::min(bar, std::max(static_cast<int>(rows_.size()) - 1, 0));
+    return true;
+  }
+
+  bool Step(bool down) {
+    if (rows_.empty()) return false;
+    const int last = static_cast<int>(rows_.size()) - 1;
+    if (down ? bar_ < last : bar_ > 0) {
+      bar_ += down ? 1 : -1;
+      return true;
+    }
+    std::vector<DocListRow> more;
+    Read(DocListKeyOf(down ? rows_.back() : rows_.front()), down, 1, more);
+    if (more.empty()) return false;
+    if (down) {
+      rows_.erase(rows_.begin());
+      rows_.push_back(more.front());
+    } else {
+      rows_.pop_back();
+      rows_.insert(rows_.begin(), more.front());
+    }
+    return true;
+  }
+
+  bool Page(bool down) {
+    if (rows_.empty()) return false;
+    std::vector<DocListRow> more;
+    Read(DocListKeyOf(down ? rows_.back() : rows_.front()), down, kRows, more);
+    if (static_cast<int>(more.size()) < kRows) {  // the end of the list: its last (first) screenful
+      LoadFrom(DocListKey{}, !down);
+      bar_ = down ? static_cast<int>(rows_.size()) - 1 : 0;
+      return true;
+    }
+    rows_ = std::move(more);
+    bar_ = down ? 0 : kRows - 1;
+    return true;
+  }
+
+  bool SearchNumber() {
+    ShortText text;
+    if (!AskValue(kNumberSearch, text, 8, 3, ShortText(), ShortText()) || TrimBoth(text, ' ').Empty()) return true;
+    DocListKey at;
+    if (!DocListFind(warehouse_, std::atoi(text.Str().c_str()), at)) return false;
+    LoadFrom(at, true);
+    return true;
+  }
+
+  const DocListRow* Highlighted() const { return rows_.empty() ? nullptr : &rows_[static_cast<std::size_t>(bar_)]; }
+
+  bool ViewLines() {
+    const DocListRow* row = Highlighted();
+    if (!row) return false;
+    if (!CheckDocumentExists(GuardKey(warehouse_, row->key))) ShowDocumentLines(warehouse_, *row);
+    return Reload();
+  }
+
+  bool Fiscalise() {
+    const DocListRow* row = Highlighted();
+    if (!row || !DocumentKindFiscal(row->key.kind)) return false;
+    (void)FiscaliseListedDocument(CurrentFiscalConfig(), warehouse_, row->key);
+    return Reload();
+  }
+
+  bool RemoveMark() {
+    const DocListRow* row = Highlighted();
+    if (!row || !CurrentUserMaxRights()) return false;
+    if (CheckDocumentLock(ShortText(std::string(1, row->locked)))) return true;
+    FiscalMarkRemoval result;
+    {
+      const ScreenKeeper keeper;
+      (void)MessageBox(kRemovingMark, 2);
+      result = RemoveFiscalMark(warehouse_, row->key);
+    }
+    if (result == FiscalMarkRemoval::kGone) (void)MessageBox(kMarkRowGone, 0);
+    return result != FiscalMarkRemoval::kNoMark && Reload();
+  }
+
+  int32_t warehouse_;
+  std::vector<DocListRow> rows_;
+  int bar_ = 0;
+  bool readFailed_ = false;
+};
+
+}  // namespace
+
+void DocumentList(int32_t warehouse) { DocumentListScreen(warehouse).Run(); }
