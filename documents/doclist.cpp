@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <string>
 
+#include "base/codepage.h"
 #include "base/dates.h"
 #include "base/numbers_format.h"
 #include "base/text.h"
@@ -17,16 +18,27 @@
 #include "sqltable/dbapp.h"
 #include "sqltable/pgconn.h"
 #include "sqltable/pglock.h"
+#include "sqltable/pgtable.h"
 
 using docdetail::SqlTable;
 using paydetail::Int;
-using paydetail::KeyCondition;
 using paydetail::Letter;
 using paydetail::Money;
 using paydetail::SerialOf;
-using paydetail::Text;
 
 namespace {
+
+// Texts travel to and from the server in the database's LATIN2 as the record
+// layer converts them, so that names with Polish letters read back as the
+// entry wrote them.
+ShortText Text(const PGResult& r, int row, int col) { return DbToMaz(r.Text(row, col)); }
+std::string Literal(const ShortText& text) { return "'" + PGEscapeStr(MazToDb(text).View()) + "'"; }
+
+// typ_dok, nr_dok, znak_dok of the document (columns behind prefix).
+std::string KeyCondition(const DocRef& d, const std::string& prefix) {
+  return prefix + "typ_dok=" + std::to_string(d.kind) + " AND " + prefix + "nr_dok=" + std::to_string(d.coded) +
+         " AND " + prefix + "znak_dok=" + Literal(d.mark);
+}
 
 const std::string kDateSerial = SerialOf("data_dok");
 

@@ -58,7 +58,7 @@ void ShowDocumentLines(int32_t warehouse, const DocListRow& row) {
   shown.push_back("Razem netto: "_mz + FormatFixed(12, 2, totals.net) + "  brutto: "_mz +
                   FormatFixed(12, 2, totals.gross));
   const ShortText title = "Dokument nr "_mz + DocNumberText(row.key.coded) + "/" + TrimBoth(row.key.mark, ' ') +
-                          "  suma dok.: "_mz + FormatFixed(0, 2, row.total);
+                          "  suma dok.: "_mz + TrimBoth(FormatFixed(15, 2, row.total), ' ');
   unsigned char ch = 0, scan = 0;
   (void)PickListHooked(1, 2, 1, 0, 0, title, shown, {}, ch, scan);
 }
