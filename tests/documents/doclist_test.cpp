@@ -2,14 +2,18 @@
 // into the warehouse's tables, keys played into the list, and its rows, the
 // lines' view and the fiscal mark read back from the screen and the table.
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <string>
 #include <vector>
 
 #include "../master/contractors_fixture.h"
 #include "documents/doclist.h"
+#include "fiscal/fiscalconfig.h"
 #include "master/tables.h"
+#include "sqltable/pgconn.h"
 #include "tui/keyboard.h"
 #include "users/users.h"
 
@@ -211,6 +215,44 @@ TEST_F(DocListTest, AGoneDocumentIsToldAndNothingIsWritten) {
     EXPECT_EQ(Scalar("SELECT count(*) FROM DANE_1_NAGLOWKI"), "0");
   }
   EXPECT_EQ(RemoveFiscalMark(kWarehouse, Key(doc)), FiscalMarkRemoval::kGone);
+}
+
+// Another operator's process holds the row while it marks the document; the
+// later fiscalisation waits for the row, reads the mark again and is refused
+// before it opens the printer's line.
+TEST_F(DocListTest, TheLaterFiscalisationWaitsForTheRowAndFindsTheMark) {
+  const Doc doc{1, 6, 1, "PA", "K", "1.00", 'T'};
+  Add(doc);
+  ::setenv("KLOTE_SERIAL_PREFIX", "/nonexistent/tty", 1);
+  FiscalConfig config;
+  config.printerType = kFiscalPosnet;
+  config.port = 1;
+  config.documentFlags[0] = 1;
+  int ready[2];
+  ASSERT_EQ(::pipe(ready), 0);
+  const pid_t other = ::fork();
+  if (other == 0) {
+    ConnectChild();
+    if (PGRunQueryNoTup("BEGIN") || PGRunQueryNoTup("UPDATE DANE_1_NAGLOWKI SET czy_gotowkowy='F'")) _exit(4);
+    (void)::write(ready[1], "x", 1);
+    // Commits once the list's process is seen waiting for a lock (or after 30 s, when it never waits).
+    const std::string waiting = "SELECT 1 FROM pg_stat_activity WHERE wait_event_type='Lock' AND datname=current_database()";
+    for (int i = 0; i < 3000; ++i, ::usleep(10000)) {
+      PGResult r;
+      if (PGRunQueryWithTup(waiting, r) == 0 && r.Rows() > 0) break;
+    }
+    _exit(PGRunQueryNoTup("COMMIT") ? 5 : 0);
+  }
+  char byte = 0;
+  ASSERT_EQ(::read(ready[0], &byte, 1), 1);
+  Play({{{kEnter}}});
+  EXPECT_FALSE(FiscaliseListedDocument(config, kWarehouse, Key(doc)));
+  EXPECT_EQ(ExitStatus(other), 0);
+  EXPECT_TRUE(Shown("Dokument jest już zapisany w drukarce fiskalnej."_mz));
+  EXPECT_EQ(Mark(doc), "F");
+  ::unsetenv("KLOTE_SERIAL_PREFIX");
+  ::close(ready[0]);
+  ::close(ready[1]);
 }
 
 }  // namespace
