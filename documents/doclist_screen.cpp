@@ -17,6 +17,7 @@
 #include "tui/askvalue.h"
 #include "tui/keyboard.h"
 #include "tui/msgbox.h"
+#include "tui/pagedrows.h"
 #include "tui/picklist.h"
 #include "tui/screen.h"
 #include "tui/term.h"
@@ -32,7 +33,7 @@ constexpr unsigned char kEnter = 13, kEsc = 27, kF2 = 230, kF4 = 232, kF8 = 236,
 
 const ShortText kHeader = " data       typ znak        numer  kontrahent                  suma dok. fisk."_mz;
 const ShortText kKeys = " Enter-pozycje Ins-nowy F2-numer F4-fiskalizacja Esc-wyjście"_mz;
-const ShortText kManagerKeys = " F8-usuń znacznik fisk."_mz;
+const ShortText kManagerKeys = " F8-usuń zn.fisk."_mz;
 const ShortText kLinesHeader = "poz. nazwa                     VAT       ilość   cena br.   wartość br."_mz;
 const ShortText kNumberSearch = "Podaj numer szukanego dokumentu:"_mz;
 const ShortText kRemovingMark = "Usuwanie znacznika fiskalizacji..."_mz;
@@ -70,9 +71,9 @@ class DocumentListScreen {
   void Run() {
     const ScreenKeeper keeper;
     Window(1, 1, 80, 25);
-    LoadFrom(DocListKey{}, true);
+    list_.Home();
     for (;;) {
-      if (readFailed_) return (void)MessageBox(kReadFault, 0);
+      if (list_.Failed()) return (void)MessageBox(kReadFault, 0);
       Draw();
       const unsigned char code = KeyCodeOf(ReadKeyUpper());
       if (code == kEsc) return;
@@ -83,15 +84,15 @@ class DocumentListScreen {
  private:
   bool Act(unsigned char code) {
     switch (code) {
-      case kDown: return Step(true);
-      case kUp: return Step(false);
-      case kPgDn: return Page(true);
-      case kPgUp: return Page(false);
-      case kHome: LoadFrom(DocListKey{}, true); return true;
-      case kEnd: LoadFrom(DocListKey{}, false); bar_ = static_cast<int>(rows_.size()) - 1; return true;
+      case kDown: return list_.Step(true);
+      case kUp: return list_.Step(false);
+      case kPgDn: return list_.Page(true);
+      case kPgUp: return list_.Page(false);
+      case kHome: list_.Home(); return true;
+      case kEnd: list_.End(); return true;
       case kF2: return SearchNumber();
       case kEnter: return ViewLines();
-      case kIns: DocumentEntry(warehouse_); return Reload();
+      case kIns: return NewDocument();
       case kF4: return Fiscalise();
       case kF8: return RemoveMark();
       default: return false;
@@ -103,74 +104,24 @@ class DocumentListScreen {
     WriteAt(1, 1, PadRight(" Dokumenty towarowe - magazyn nr "_mz + IntText(warehouse_, 0), " ", 80));
     TextAttr(kListAttr);
     WriteAt(1, 2, PadRight(kHeader, " ", 80));
+    const std::vector<DocListRow>& rows = list_.Rows();
     for (int i = 0; i < kRows; ++i) {
-      const bool filled = i < static_cast<int>(rows_.size());
-      TextAttr(filled && i == bar_ ? kBarAttr : kListAttr);
-      WriteAt(1, kFirstRow + i, PadRight(filled ? DocListRowText(rows_[i]) : ShortText(), " ", 80));
+      const bool filled = i < static_cast<int>(rows.size());
+      TextAttr(filled && i == list_.Bar() ? kBarAttr : kListAttr);
+      WriteAt(1, kFirstRow + i, PadRight(filled ? DocListRowText(rows[i]) : ShortText(), " ", 80));
     }
     TextAttr(kListAttr);
     WriteAt(1, 24, ShortText(std::string(80, ' ')));
     // The key line stops one cell short of the corner, so the screen never scrolls.
     WriteAt(1, kScreenRows, PadRight(kKeys + (CurrentUserMaxRights() ? kManagerKeys : ShortText()), " ", 79));
-    GotoXY(1, kFirstRow + bar_);
+    GotoXY(1, kFirstRow + list_.Bar());
     TermFlush();
   }
 
-  void Read(const DocListKey& key, bool older, int limit, std::vector<DocListRow>& rows) {
-    if (DocListRead(warehouse_, key, older, limit, rows) == 0) return;
-    rows.clear();
-    readFailed_ = true;
-  }
-
-  void LoadFrom(const DocListKey& key, bool older) {
-    std::vector<DocListRow> rows;
-    Read(key, older, kRows, rows);
-    rows_ = std::move(rows);
-    bar_ = 0;
-  }
-
-  // After a change: the same screenful again, the bar where it stood.
-  bool Reload() {
-    const int bar = bar_;
-    DocListKey from;
-    if (!rows_.empty()) from = DocListKey{true, true, rows_.front().date, rows_.front().rowId};
-    LoadFrom(from, true);
-    if (rows_.size() < kRows) LoadFrom(DocListKey{}, true);
-    bar_ = std::min(bar, std::max(static_cast<int>(rows_.size()) - 1, 0));
-    return true;
-  }
-
-  bool Step(bool down) {
-    if (rows_.empty()) return false;
-    const int last = static_cast<int>(rows_.size()) - 1;
-    if (down ? bar_ < last : bar_ > 0) {
-      bar_ += down ? 1 : -1;
-      return true;
-    }
-    std::vector<DocListRow> more;
-    Read(DocListKeyOf(down ? rows_.back() : rows_.front()), down, 1, more);
-    if (more.empty()) return false;
-    if (down) {
-      rows_.erase(rows_.begin());
-      rows_.push_back(more.front());
-    } else {
-      rows_.pop_back();
-      rows_.insert(rows_.begin(), more.front());
-    }
-    return true;
-  }
-
-  bool Page(bool down) {
-    if (rows_.empty()) return false;
-    std::vector<DocListRow> more;
-    Read(DocListKeyOf(down ? rows_.back() : rows_.front()), down, kRows, more);
-    if (static_cast<int>(more.size()) < kRows) {  // the end of the list: its last (first) screenful
-      LoadFrom(DocListKey{}, !down);
-      bar_ = down ? static_cast<int>(rows_.size()) - 1 : 0;
-      return true;
-    }
-    rows_ = std::move(more);
-    bar_ = down ? 0 : kRows - 1;
+  // A new document comes first in the list: it is shown from the top.
+  bool NewDocument() {
+    DocumentEntry(warehouse_);
+    list_.Home();
     return true;
   }
 
@@ -179,28 +130,28 @@ class DocumentListScreen {
     if (!AskValue(kNumberSearch, text, 8, 3, ShortText(), ShortText()) || TrimBoth(text, ' ').Empty()) return true;
     DocListKey at;
     if (!DocListFind(warehouse_, std::atoi(text.Str().c_str()), at)) return false;
-    LoadFrom(at, true);
+    list_.LoadFrom(at, true);
     return true;
   }
 
-  const DocListRow* Highlighted() const { return rows_.empty() ? nullptr : &rows_[static_cast<std::size_t>(bar_)]; }
-
   bool ViewLines() {
-    const DocListRow* row = Highlighted();
+    const DocListRow* row = list_.Current();
     if (!row) return false;
     if (!CheckDocumentExists(GuardKey(warehouse_, row->key))) ShowDocumentLines(warehouse_, *row);
-    return Reload();
+    list_.Reload();
+    return true;
   }
 
   bool Fiscalise() {
-    const DocListRow* row = Highlighted();
+    const DocListRow* row = list_.Current();
     if (!row || !DocumentKindFiscal(row->key.kind)) return false;
     (void)FiscaliseListedDocument(CurrentFiscalConfig(), warehouse_, row->key);
-    return Reload();
+    list_.Reload();
+    return true;
   }
 
   bool RemoveMark() {
-    const DocListRow* row = Highlighted();
+    const DocListRow* row = list_.Current();
     if (!row || !CurrentUserMaxRights()) return false;
     if (CheckDocumentLock(ShortText(std::string(1, row->locked)))) return true;
     FiscalMarkRemoval result;
@@ -210,13 +161,18 @@ class DocumentListScreen {
       result = RemoveFiscalMark(warehouse_, row->key);
     }
     if (result == FiscalMarkRemoval::kGone) (void)MessageBox(kMarkRowGone, 0);
-    return result != FiscalMarkRemoval::kNoMark && Reload();
+    if (result == FiscalMarkRemoval::kNoMark) return false;
+    list_.Reload();
+    return true;
   }
 
   int32_t warehouse_;
-  std::vector<DocListRow> rows_;
-  int bar_ = 0;
-  bool readFailed_ = false;
+  PagedRows<DocListRow, DocListKey> list_{
+      kRows,
+      [this](const DocListKey& key, bool older, int limit, std::vector<DocListRow>& rows) {
+        return DocListRead(warehouse_, key, older, limit, rows) == 0;
+      },
+      DocListKeyOf};
 };
 
 }  // namespace
