@@ -28,8 +28,7 @@ namespace {
 constexpr int kRows = 21;
 constexpr int kFirstRow = 3;
 constexpr unsigned char kListAttr = 0x1F, kBarAttr = 0x30, kTitleAttr = 0x4F;
-constexpr unsigned char kEnter = 13, kEsc = 27, kF2 = 230, kF4 = 232, kF8 = 236, kHome = 241, kUp = 242,
-                        kPgUp = 243, kEnd = 249, kDown = 250, kPgDn = 251, kIns = 252;
+constexpr unsigned char kEnter = 13, kF2 = 230, kF4 = 232, kF8 = 236, kIns = 252;
 
 const ShortText kHeader = " data       typ znak        numer  kontrahent                  suma dok. fisk."_mz;
 const ShortText kKeys = " Enter-pozycje Ins-nowy F2-numer F4-fiskalizacja Esc-wyjście"_mz;
@@ -69,27 +68,13 @@ class DocumentListScreen {
   explicit DocumentListScreen(int32_t warehouse) : warehouse_(warehouse) {}
 
   void Run() {
-    const ScreenKeeper keeper;
-    Window(1, 1, 80, 25);
-    list_.Home();
-    for (;;) {
-      if (list_.Failed()) return (void)MessageBox(kReadFault, 0);
-      Draw();
-      const unsigned char code = KeyCodeOf(ReadKeyUpper());
-      if (code == kEsc) return;
-      if (!Act(code)) Beep(1000);
-    }
+    RunPagedList(
+        list_, [this] { Draw(); }, [this](unsigned char code) { return Act(code); }, kReadFault);
   }
 
  private:
   bool Act(unsigned char code) {
     switch (code) {
-      case kDown: return list_.Step(true);
-      case kUp: return list_.Step(false);
-      case kPgDn: return list_.Page(true);
-      case kPgUp: return list_.Page(false);
-      case kHome: list_.Home(); return true;
-      case kEnd: list_.End(); return true;
       case kF2: return SearchNumber();
       case kEnter: return ViewLines();
       case kIns: return NewDocument();
@@ -104,13 +89,7 @@ class DocumentListScreen {
     WriteAt(1, 1, PadRight(" Dokumenty towarowe - magazyn nr "_mz + IntText(warehouse_, 0), " ", 80));
     TextAttr(kListAttr);
     WriteAt(1, 2, PadRight(kHeader, " ", 80));
-    const std::vector<DocListRow>& rows = list_.Rows();
-    for (int i = 0; i < kRows; ++i) {
-      const bool filled = i < static_cast<int>(rows.size());
-      TextAttr(filled && i == list_.Bar() ? kBarAttr : kListAttr);
-      WriteAt(1, kFirstRow + i, PadRight(filled ? DocListRowText(rows[i]) : ShortText(), " ", 80));
-    }
-    TextAttr(kListAttr);
+    DrawPagedRows(list_, kFirstRow, kRows, DocListRowText, kListAttr, kBarAttr);
     WriteAt(1, 24, ShortText(std::string(80, ' ')));
     // The key line stops one cell short of the corner, so the screen never scrolls.
     WriteAt(1, kScreenRows, PadRight(kKeys + (CurrentUserMaxRights() ? kManagerKeys : ShortText()), " ", 79));

@@ -53,9 +53,8 @@ namespace {
 constexpr int kRows = 20;
 constexpr int kFirstRow = 3;
 constexpr unsigned char kListAttr = 0x1F, kBarAttr = 0x30, kTitleAttr = 0x4F;
-constexpr unsigned char kEnter = 13, kEsc = 27, kF2 = 230, kF3 = 231, kF4 = 232, kF5 = 233, kF6 = 234,
-                        kF7 = 235, kF8 = 236, kF9 = 221, kF10 = 238, kF11 = 133, kHome = 241, kUp = 242,
-                        kPgUp = 243, kEnd = 249, kDown = 250, kPgDn = 251, kIns = 252, kDel = 253;
+constexpr unsigned char kEnter = 13, kF2 = 230, kF3 = 231, kF4 = 232, kF5 = 233, kF6 = 234, kF7 = 235,
+                        kF8 = 236, kF9 = 221, kF10 = 238, kF11 = 133, kIns = 252, kDel = 253;
 
 const ShortText kHeader = " nazwa                       indeks cyfrowy  indeks znak.        ilość  cena sp.br."_mz;
 const ShortText kKeys = " F2-nazwa F3-fragm. F4-ind. F7-pole Ins-nowy F5-kor. Del-kas. F6-widok F9-kons."_mz;
@@ -77,27 +76,13 @@ class CatalogueScreen {
   explicit CatalogueScreen(int32_t warehouse) : warehouse_(warehouse) {}
 
   void Run() {
-    const ScreenKeeper keeper;
-    Window(1, 1, 80, 25);
-    list_.Home();
-    for (;;) {
-      if (list_.Failed()) return (void)MessageBox(kReadFault, 0);
-      Draw();
-      const unsigned char code = KeyCodeOf(ReadKeyUpper());
-      if (code == kEsc) return;
-      if (!Act(code)) Beep(1000);
-    }
+    RunPagedList(
+        list_, [this] { Draw(); }, [this](unsigned char code) { return Act(code); }, kReadFault);
   }
 
  private:
   bool Act(unsigned char code) {
     switch (code) {
-      case kDown: return list_.Step(true);
-      case kUp: return list_.Step(false);
-      case kPgDn: return list_.Page(true);
-      case kPgUp: return list_.Page(false);
-      case kHome: list_.Home(); return true;
-      case kEnd: list_.End(); return true;
       case kF2: return SearchName();
       case kF3: return SearchFragment();
       case kF4: return SearchIndex();
@@ -120,13 +105,7 @@ class CatalogueScreen {
     WriteAt(1, 1, PadRight(" Katalog towarów - magazyn nr "_mz + ShortText(std::to_string(warehouse_)), " ", 80));
     TextAttr(kListAttr);
     WriteAt(1, 2, PadRight(kHeader, " ", 80));
-    const std::vector<ItemListRow>& rows = list_.Rows();
-    for (int i = 0; i < kRows; ++i) {
-      const bool filled = i < static_cast<int>(rows.size());
-      TextAttr(filled && i == list_.Bar() ? kBarAttr : kListAttr);
-      WriteAt(1, kFirstRow + i, PadRight(filled ? RowText(rows[i]) : ShortText(), " ", 80));
-    }
-    TextAttr(kListAttr);
+    DrawPagedRows(list_, kFirstRow, kRows, [](const ItemListRow& r) { return RowText(r); }, kListAttr, kBarAttr);
     WriteAt(1, 24, PadRight(kKeys, " ", 80));
     GotoXY(1, kFirstRow + list_.Bar());
     TermFlush();

@@ -8,6 +8,12 @@
 #include <utility>
 #include <vector>
 
+#include "base/shorttext.h"
+#include "base/text.h"
+#include "tui/keyboard.h"
+#include "tui/msgbox.h"
+#include "tui/screen.h"
+
 template <typename Row, typename Key>
 class PagedRows {
  public:
@@ -66,6 +72,20 @@ class PagedRows {
     bar_ = down ? 0 : height_ - 1;
     return true;
   }
+  // The move of a list key (KeyCodeOf codes of Up, Down, PgUp, PgDn, Home,
+  // End): moved is false at the list's edge. False for any other key.
+  bool MoveByKey(unsigned char code, bool& moved) {
+    switch (code) {
+      case kCodeDown: moved = Step(true); return true;
+      case kCodeUp: moved = Step(false); return true;
+      case kCodePgDn: moved = Page(true); return true;
+      case kCodePgUp: moved = Page(false); return true;
+      case kCodeHome: Home(); moved = true; return true;
+      case kCodeEnd: End(); moved = true; return true;
+      default: return false;
+    }
+  }
+
   // The same screenful read again from its first row (after a change), the
   // bar kept where it stood; the first screenful when nothing is left there.
   void Reload() {
@@ -83,6 +103,9 @@ class PagedRows {
   bool Failed() const { return failed_; }
 
  private:
+  static constexpr unsigned char kCodeHome = 241, kCodeUp = 242, kCodePgUp = 243, kCodeEnd = 249, kCodeDown = 250,
+                                 kCodePgDn = 251;
+
   int Last() const { return static_cast<int>(rows_.size()) - 1; }
   static Key Inclusive(Key key) {
     key.inclusive = true;
@@ -101,3 +124,38 @@ class PagedRows {
   int bar_ = 0;
   bool failed_ = false;
 };
+
+// Draws the screenful on the rows from firstRow, height rows, each row's
+// text(row) padded to the screen's width: the bar's row in barAttr, the
+// others and the empty rows below them in attr, which stays set.
+template <typename Row, typename Key, typename TextFn>
+void DrawPagedRows(const PagedRows<Row, Key>& list, int firstRow, int height, TextFn text, unsigned char attr,
+                   unsigned char barAttr) {
+  const std::vector<Row>& rows = list.Rows();
+  for (int i = 0; i < height; ++i) {
+    const bool filled = i < static_cast<int>(rows.size());
+    TextAttr(filled && i == list.Bar() ? barAttr : attr);
+    WriteAt(1, firstRow + i, PadRight(filled ? text(rows[static_cast<std::size_t>(i)]) : ShortText(), " ", kScreenCols));
+  }
+  TextAttr(attr);
+}
+
+// The loop of a full-screen list over the whole screen: the first screenful,
+// then draw and a key until Esc; the list keys move the list, any other goes
+// to act, and a key that did nothing beeps. A failed read ends the loop after
+// readFault. The screen is given back as it was.
+template <typename Row, typename Key, typename DrawFn, typename ActFn>
+void RunPagedList(PagedRows<Row, Key>& list, DrawFn draw, ActFn act, const ShortText& readFault) {
+  const ScreenKeeper keeper;
+  Window(1, 1, kScreenCols, kScreenRows);
+  list.Home();
+  for (;;) {
+    if (list.Failed()) return (void)MessageBox(readFault, 0);
+    draw();
+    const unsigned char code = KeyCodeOf(ReadKeyUpper());
+    if (code == 27) return;
+    bool done = false;
+    if (!list.MoveByKey(code, done)) done = act(code);
+    if (!done) Beep(1000);
+  }
+}
