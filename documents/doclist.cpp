@@ -3,6 +3,7 @@
 #include "documents/doclist.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <string>
 
 #include "base/codepage.h"
