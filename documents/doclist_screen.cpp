@@ -33,7 +33,6 @@ constexpr unsigned char kEnter = 13, kF2 = 230, kF4 = 232, kF8 = 236, kIns = 252
 const ShortText kHeader = " data       typ znak        numer  kontrahent                  suma dok. fisk."_mz;
 const ShortText kKeys = " Enter-pozycje Ins-nowy F2-numer F4-fiskalizacja Esc-wyjście"_mz;
 const ShortText kManagerKeys = " F8-usuń zn.fisk."_mz;
-const ShortText kLinesHeader = "poz. nazwa                     VAT       ilość   cena br.   wartość br."_mz;
 const ShortText kNumberSearch = "Podaj numer szukanego dokumentu:"_mz;
 const ShortText kRemovingMark = "Usuwanie znacznika fiskalizacji..."_mz;
 const ShortText kMarkRowGone = "BŁĄD !@Nie znaleziono dokumentu do zmiany !"_mz;
@@ -47,7 +46,9 @@ DocumentKey GuardKey(int32_t warehouse, const DocRef& key) { return DocumentKey{
 void ShowDocumentLines(int32_t warehouse, const DocListRow& row) {
   std::vector<DocViewLine> lines;
   if (DocViewLinesRead(warehouse, row.key, lines) != 0) return (void)MessageBox(kReadFault, 0);
-  std::vector<ShortText> shown{kLinesHeader};
+  std::vector<ShortText> shown{"poz " + PadRight("nazwa"_mz, " ", 25) + " " + PadRight("VAT"_mz, " ", 5) +
+                               PadLeft("ilość"_mz, ' ', 10) + PadLeft("cena br."_mz, ' ', 11) +
+                               PadLeft("wartość br."_mz, ' ', 12)};
   for (const DocViewLine& l : lines) {
     if (static_cast<int>(shown.size()) >= kPickMaxChoices - 2) break;
     shown.push_back(IntText(l.position, 3) + " " + PadRight(l.name.Copy(1, 25), " ", 25) + " " +
