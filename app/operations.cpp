@@ -4,6 +4,7 @@
 #include <iterator>
 
 #include "documents/docentry.h"
+#include "documents/doclist.h"
 #include "documents/fiscalsetup.h"
 #include "documents/payments.h"
 #include "exchange/workfile.h"
@@ -74,7 +75,7 @@ struct Operation {
 // One row per operation, in the order of MenuOp. Modules plug in here.
 constexpr Operation kOperations[] = {
     {MenuOp::kNewDocuments, NewGoodsDocuments},
-    {MenuOp::kDocuments, NewGoodsDocuments},
+    {MenuOp::kDocuments, [](AppState& s) { if (WarehouseReady(s)) DocumentList(s.warehouse); }},
     {MenuOp::kChooseWarehouse, ChooseWarehouseEntry},
     {MenuOp::kGoodsCatalogue, GoodsCatalogue},
     {MenuOp::kWorkFiles, WorkFiles},

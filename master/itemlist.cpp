@@ -15,6 +15,7 @@
 #include "tui/editfield.h"
 #include "tui/keyboard.h"
 #include "tui/msgbox.h"
+#include "tui/pagedrows.h"
 #include "tui/picklist.h"
 #include "tui/screen.h"
 #include "tui/term.h"
@@ -52,9 +53,8 @@ namespace {
 constexpr int kRows = 20;
 constexpr int kFirstRow = 3;
 constexpr unsigned char kListAttr = 0x1F, kBarAttr = 0x30, kTitleAttr = 0x4F;
-constexpr unsigned char kEnter = 13, kEsc = 27, kF2 = 230, kF3 = 231, kF4 = 232, kF5 = 233, kF6 = 234,
-                        kF7 = 235, kF8 = 236, kF9 = 221, kF10 = 238, kF11 = 133, kHome = 241, kUp = 242,
-                        kPgUp = 243, kEnd = 249, kDown = 250, kPgDn = 251, kIns = 252, kDel = 253;
+constexpr unsigned char kEnter = 13, kF2 = 230, kF3 = 231, kF4 = 232, kF5 = 233, kF6 = 234, kF7 = 235,
+                        kF8 = 236, kF9 = 221, kF10 = 238, kF11 = 133, kIns = 252, kDel = 253;
 
 const ShortText kHeader = " nazwa                       indeks cyfrowy  indeks znak.        ilość  cena sp.br."_mz;
 const ShortText kKeys = " F2-nazwa F3-fragm. F4-ind. F7-pole Ins-nowy F5-kor. Del-kas. F6-widok F9-kons."_mz;
@@ -76,37 +76,23 @@ class CatalogueScreen {
   explicit CatalogueScreen(int32_t warehouse) : warehouse_(warehouse) {}
 
   void Run() {
-    const ScreenKeeper keeper;
-    Window(1, 1, 80, 25);
-    LoadFrom(ItemListKey{}, true);
-    for (;;) {
-      if (readFailed_) return (void)MessageBox(kReadFault, 0);
-      Draw();
-      const unsigned char code = KeyCodeOf(ReadKeyUpper());
-      if (code == kEsc) return;
-      if (!Act(code)) Beep(1000);
-    }
+    RunPagedList(
+        list_, [this] { Draw(); }, [this](unsigned char code) { return Act(code); }, kReadFault);
   }
 
  private:
   bool Act(unsigned char code) {
     switch (code) {
-      case kDown: return Step(true);
-      case kUp: return Step(false);
-      case kPgDn: return Page(true);
-      case kPgUp: return Page(false);
-      case kHome: LoadFrom(ItemListKey{}, true); return true;
-      case kEnd: LoadFrom(ItemListKey{}, false); bar_ = static_cast<int>(rows_.size()) - 1; return true;
       case kF2: return SearchName();
       case kF3: return SearchFragment();
       case kF4: return SearchIndex();
       case kEnter: return EditPrice();
-      case kF10: return Changed(!rows_.empty() && ChangePrices(warehouse_, rows_[bar_]));
+      case kF10: return Changed(list_.Current() && ChangePrices(warehouse_, *list_.Current()));
       case kIns: return AddNew();
-      case kF5: return Changed(!rows_.empty() && EditItem(warehouse_, rows_[bar_].item.number));
-      case kDel: return Changed(!rows_.empty() && DeleteItem(rows_[bar_].item));
-      case kF8: return Changed(!rows_.empty() && AskItemActive(rows_[bar_].item));
-      case kF11: return Changed(!rows_.empty() && AskDiscountLock(rows_[bar_].item));
+      case kF5: return Changed(list_.Current() && EditItem(warehouse_, list_.Current()->item.number));
+      case kDel: return Changed(list_.Current() && DeleteItem(list_.Current()->item));
+      case kF8: return Changed(list_.Current() && AskItemActive(list_.Current()->item));
+      case kF11: return Changed(list_.Current() && AskDiscountLock(list_.Current()->item));
       case kF6: return Changed(ChooseListKind(kind_));
       case kF7: return SearchAnyField();
       case kF9: CatalogueMaintenance(warehouse_); return Changed(true);
@@ -119,69 +105,10 @@ class CatalogueScreen {
     WriteAt(1, 1, PadRight(" Katalog towarów - magazyn nr "_mz + ShortText(std::to_string(warehouse_)), " ", 80));
     TextAttr(kListAttr);
     WriteAt(1, 2, PadRight(kHeader, " ", 80));
-    for (int i = 0; i < kRows; ++i) {
-      const bool filled = i < static_cast<int>(rows_.size());
-      TextAttr(filled && i == bar_ ? kBarAttr : kListAttr);
-      WriteAt(1, kFirstRow + i, PadRight(filled ? RowText(rows_[i]) : ShortText(), " ", 80));
-    }
-    TextAttr(kListAttr);
+    DrawPagedRows(list_, kFirstRow, kRows, [](const ItemListRow& r) { return RowText(r); }, kListAttr, kBarAttr);
     WriteAt(1, 24, PadRight(kKeys, " ", 80));
-    GotoXY(1, kFirstRow + bar_);
+    GotoXY(1, kFirstRow + list_.Bar());
     TermFlush();
-  }
-
-  // Rows of the list; a read that fails leaves none and ends the list with
-  // the system's message (a table changed under it, the server gone), not the program.
-  void Read(const ItemListKey& key, bool forward, int limit, std::vector<ItemListRow>& rows) {
-    if (ItemListRead(kind_, warehouse_, key, forward, limit, rows) == 0) return;
-    rows.clear();
-    readFailed_ = true;
-  }
-
-  // A screenful from the key on (forward) or up to it (backward).
-  void LoadFrom(const ItemListKey& key, bool forward) {
-    std::vector<ItemListRow> rows;
-    Read(key, forward, kRows, rows);
-    rows_ = std::move(rows);
-    bar_ = 0;
-  }
-
-  bool Step(bool down) {
-    if (rows_.empty()) return false;
-    const int last = static_cast<int>(rows_.size()) - 1;
-    if (down ? bar_ < last : bar_ > 0) {
-      bar_ += down ? 1 : -1;
-      return true;
-    }
-    std::vector<ItemListRow> more;
-    Read(ItemListKeyOf(down ? rows_.back() : rows_.front()), down, 1, more);
-    if (more.empty()) return false;
-    if (down) {
-      rows_.erase(rows_.begin());
-      rows_.push_back(more.front());
-    } else {
-      rows_.pop_back();
-      rows_.insert(rows_.begin(), more.front());
-    }
-    return true;
-  }
-
-  bool Page(bool down) {
-    if (rows_.empty()) return false;
-    std::vector<ItemListRow> more;
-    Read(ItemListKeyOf(down ? rows_.back() : rows_.front()), down, kRows, more);
-    if (more.empty()) {
-      bar_ = down ? static_cast<int>(rows_.size()) - 1 : 0;
-      return true;
-    }
-    if (static_cast<int>(more.size()) < kRows) {  // the end of the list: show its last (first) screenful
-      LoadFrom(ItemListKey{}, !down);
-      bar_ = down ? static_cast<int>(rows_.size()) - 1 : 0;
-      return true;
-    }
-    rows_ = std::move(more);
-    bar_ = down ? 0 : kRows - 1;
-    return true;
   }
 
   // Shows the list from the found row.
@@ -191,8 +118,8 @@ class CatalogueScreen {
     key.name = item.name;
     key.name2 = item.name2;
     key.rowId = rowId;
-    LoadFrom(key, true);
-    return !rows_.empty();
+    list_.LoadFrom(key, true);
+    return !list_.Rows().empty();
   }
 
   bool SearchName() {
@@ -208,7 +135,7 @@ class CatalogueScreen {
     ShortText fragment;
     if (!AskInLine(kFragmentSearch, 1, fragment) || fragment.Empty()) return true;
     std::vector<ItemListRow> rows;
-    ItemListKey from = rows_.empty() ? ItemListKey{} : ItemListKeyOf(rows_[bar_]);
+    ItemListKey from = list_.Current() ? ItemListKeyOf(*list_.Current()) : ItemListKey{};
     Checked(ItemListFind(kind_, warehouse_, from, fragment, rows));
     if (rows.empty()) return false;
     return ShowFrom(rows.front().item, rows.front().rowId);
@@ -233,16 +160,7 @@ class CatalogueScreen {
 
   // After a change the screen is read again from its first row, the bar kept.
   bool Changed(bool changed) {
-    if (!changed) return true;
-    const int bar = bar_;
-    ItemListKey from;
-    if (!rows_.empty()) {
-      from = ItemListKeyOf(rows_.front());
-      from.inclusive = true;
-    }
-    LoadFrom(from, true);
-    if (rows_.empty()) LoadFrom(ItemListKey{}, true);
-    bar_ = bar < static_cast<int>(rows_.size()) ? bar : 0;
+    if (changed) list_.Reload();
     return true;
   }
 
@@ -258,20 +176,23 @@ class CatalogueScreen {
 
   int32_t warehouse_;
   ItemListKind kind_;
-  std::vector<ItemListRow> rows_;
-  int bar_ = 0;
-  bool readFailed_ = false;
+  PagedRows<ItemListRow, ItemListKey> list_{
+      kRows,
+      [this](const ItemListKey& key, bool forward, int limit, std::vector<ItemListRow>& rows) {
+        return ItemListRead(kind_, warehouse_, key, forward, limit, rows) == 0;
+      },
+      ItemListKeyOf};
 };
 
 bool CatalogueScreen::EditPrice() {
-  if (rows_.empty()) return false;
-  const ItemListRow shown = rows_[bar_];
+  if (!list_.Current()) return false;
+  const ItemListRow shown = *list_.Current();
   ItemData item;
   bool found = false;
   Checked(ItemFindByNumber(shown.item.number, item, found));
   if (!found) {
     (void)MessageBox(items_detail::GoneText(shown.item), 0);
-    LoadFrom(ItemListKeyOf(shown), true);
+    list_.LoadFrom(ItemListKeyOf(shown), true);
     return true;
   }
   ShortText price = TrimBoth(FormatFixed(12, 2, shown.saleGross), ' ');

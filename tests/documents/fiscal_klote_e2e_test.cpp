@@ -371,3 +371,51 @@ TEST_F(KloteSaleE2eTest, TheMenuEntryRunsThePrintersOperations) {
 }
 
 }  // namespace
+
+namespace {
+
+// The documents' list of the menu, walked in klote: a sale saved while the
+// POSNET printer is silent is fiscalised later from the list, reaches the
+// journal once, and a second try on the same row is refused.
+TEST_F(KloteSaleE2eTest, ASaleSavedWithoutThePrinterIsFiscalisedFromTheDocumentsListOnce) {
+  StartCase(Family::kPosnet, Road::kDirect, {"--fail", "5:silent"});
+  ASSERT_NO_FATAL_FAILURE(EnterSale());
+  ASSERT_TRUE(WaitForText("brak odpowiedzi drukarki", 30000)) << Pane();
+  Keys("Enter");
+  ASSERT_TRUE(WaitForText("Czy pomimo braku możliwości zapisu w drukarce fiskalnej")) << Pane();
+  Keys("t");
+  ASSERT_TRUE(WaitForText("Zapisano dokument nr")) << Pane();
+  Keys("Enter");
+  ASSERT_TRUE(WaitForText("Specyfikacja:")) << Pane();
+  Keys("Escape");
+  ASSERT_TRUE(WaitForText("F2 Dokumenty")) << Pane();
+  const Lines cancelled = Journal();
+  ASSERT_FALSE(cancelled.empty());
+  EXPECT_EQ(cancelled.back(), "CANCELLED");
+
+  Keys("F2 2");  // "Wprowadzanie nowych i zmiany istniejących"
+  ASSERT_TRUE(WaitForText("Dokumenty towarowe - magazyn nr 1")) << Pane();
+  ASSERT_TRUE(WaitForText(" 1/" + Query("SELECT extract(year FROM current_date)::int"))) << Pane();
+  Keys("F4");
+  ASSERT_TRUE(WaitUntil([&] { return Journal().size() > cancelled.size() && ReceiptEnded(); }, 30000)) << Pane();
+  Lines printed = Journal();
+  printed.erase(printed.begin(), printed.begin() + static_cast<long>(cancelled.size()));
+  EXPECT_EQ(WithoutHeads(printed), Expected(Road::kDirect, 1)) << Pane();
+  // The mark is written after the printer's last answer.
+  EXPECT_TRUE(WaitUntil([] { return Query("SELECT czy_gotowkowy FROM DANE_1_NAGLOWKI") == "F"; }, 10000));
+
+  Keys("F4");  // the same row again
+  ASSERT_TRUE(WaitForText("Dokument jest już zapisany w drukarce fiskalnej.")) << Pane();
+  Keys("Enter");
+  EXPECT_EQ(Journal().size(), cancelled.size() + printed.size());
+  Keys("Enter");  // the lines, with the names as the entry wrote them
+  for (const Item& i : kSold) EXPECT_TRUE(WaitForText(i.name)) << Pane();
+  Keys("Escape");
+  ASSERT_TRUE(WaitForText("F4-fiskalizacja")) << Pane();
+  Keys("Escape");
+  ASSERT_TRUE(WaitForText("F2 Dokumenty")) << Pane();
+  Keys("Escape");
+  EXPECT_TRUE(WaitForText("KLOTE-END")) << Pane();
+}
+
+}  // namespace
