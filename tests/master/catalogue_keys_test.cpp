@@ -21,7 +21,6 @@ namespace {
 namespace fs = std::filesystem;
 using keys::kEnter;
 using keys::kEsc;
-const KeyPair kYes = KeyOfByte('T'), kNo = KeyOfByte('N');
 
 std::string FileBytes(const fs::path& path) {
   std::ifstream in(path, std::ios::binary);
@@ -29,8 +28,6 @@ std::string FileBytes(const fs::path& path) {
   all << in.rdbuf();
   return all.str();
 }
-
-std::vector<KeyPair> Repeat(KeyPair key, int times) { return std::vector<KeyPair>(static_cast<std::size_t>(times), key); }
 
 // The destination "do pliku do wydruku", the name typed over the proposal, Mazovia.
 std::vector<KeyStep> ToFile(const char* name) {
@@ -186,7 +183,6 @@ TEST_F(CatalogueKeys, DictionaryPrint) {
   expected += "A1              | pilne zlecenie" + std::string(36, ' ') + " | T\r\n";
   expected += "B2              | zwykle" + std::string(44, ' ') + " | N\r\n";
   EXPECT_EQ(FileBytes("slow.txt"), expected);
-
 }
 
 // Pages of 4 lines: the heading and two values each; a full page opens no empty one.

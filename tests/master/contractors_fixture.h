@@ -33,4 +33,10 @@ class ContractorsTest : public CatalogueTest {
   static Contractor Named(const ShortText& name, const ShortText& town = ShortText());
   // Rows of a catalogue as "number:name:town" in number order (Mazovia texts as LATIN2 by psql).
   static std::string Rows(ContractorKind kind);
+  // User 0, the system's manager, logged in (again).
+  static void LogInManager();
+  // Headers "(typ_dok, nr_dok, znak_dok, nr_kontrahenta)" written into a warehouse's naglowki by psql.
+  static void AddHeaders(int32_t warehouse, const std::string& values);
+  static std::vector<KeyPair> Repeat(KeyPair key, int times) { return std::vector<KeyPair>(static_cast<std::size_t>(times), key); }
+  static inline const KeyPair kYes = KeyOfByte('T'), kNo = KeyOfByte('N');
 };
