@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <thread>
+#include <tuple>
 
 #include "elzab_sim_core.h"
 #include "fiscal/elzab.h"
@@ -14,18 +15,16 @@ namespace {
 using Lines = std::vector<std::string>;
 
 TEST(ElzabFaultRule, ParsesEachKindAndRefusesNonsense) {
-  auto nak = ParseElzabFaultRule("3:nak=0x08,16");
-  ASSERT_TRUE(nak);
-  EXPECT_EQ(nak->command, 3);
-  EXPECT_FALSE(nak->onwards);
-  EXPECT_EQ(nak->kind, ElzabFaultKind::kNak);
-  EXPECT_EQ(nak->first, 0x08);
-  EXPECT_EQ(nak->second, 16);
-  auto silent = ParseElzabFaultRule("2+:silent");
-  ASSERT_TRUE(silent);
-  EXPECT_TRUE(silent->onwards);
-  EXPECT_EQ(silent->kind, ElzabFaultKind::kSilent);
-  EXPECT_EQ(ParseElzabFaultRule("4:unplug")->kind, ElzabFaultKind::kUnplug);
+  const struct { const char* text; ElzabFaultRule rule; } rows[] = {
+      {"3:nak=0x08,16", {3, false, ElzabFaultKind::kNak, 0x08, 16}},
+      {"2+:silent", {2, true, ElzabFaultKind::kSilent, 0, 0}},
+      {"4:unplug", {4, false, ElzabFaultKind::kUnplug, 0, 0}}};
+  for (const auto& [text, want] : rows) {
+    auto got = ParseElzabFaultRule(text);
+    ASSERT_TRUE(got) << text;
+    EXPECT_EQ(std::tuple(got->command, got->onwards, got->kind, got->first, got->second),
+              std::tuple(want.command, want.onwards, want.kind, want.first, want.second)) << text;
+  }
   for (const char* bad : {"", "3", ":nak=1,2", "0:silent", "3:nak=1", "3:nak=256,0", "3:nak=x,0", "3:loud"})
     EXPECT_FALSE(ParseElzabFaultRule(bad)) << bad;
 }
