@@ -1,13 +1,9 @@
 // Walks of the real klote in tmux: from Analizy, the turnover analysis and
 // the stock with turnover of the small firm to the screen viewer, moves in
 // it, and back to the menu.
-#include <unistd.h>
+#include <optional>
 
-#include <chrono>
-#include <cstdio>
-#include <cstdlib>
-#include <thread>
-
+#include "dbfixture/tmuxwalk.h"
 #include "docfixture.h"
 
 namespace {
@@ -16,37 +12,20 @@ class ViewerWalkTest : public DocumentsTest {
  protected:
   void SetUp() override {
     DocumentsTest::SetUp();
-    if (std::system("command -v tmux >/dev/null 2>&1") != 0) GTEST_SKIP() << "tmux is not installed";
-    socket_ = "kloterep" + std::to_string(::getpid());
+    if (!TmuxWalk::Available()) GTEST_SKIP() << "tmux is not installed";
     SaveSmallFirm();
+    walk_.emplace();
   }
   void TearDown() override {
-    (void)Tmux("kill-server");
+    walk_.reset();  // the program ends before its schema goes
     DocumentsTest::TearDown();
   }
-  int Tmux(const std::string& args) { return std::system(("tmux -L " + socket_ + " " + args + " 2>/dev/null").c_str()); }
-  std::string Pane() {
-    std::string text;
-    if (FILE* p = ::popen(("tmux -L " + socket_ + " capture-pane -p -t k 2>/dev/null").c_str(), "r")) {
-      char buf[4096];
-      for (std::size_t n; (n = std::fread(buf, 1, sizeof buf, p)) > 0;) text.append(buf, n);
-      ::pclose(p);
-    }
-    return text;
-  }
-  // Up to ten seconds for the text to show.
-  bool Shows(const std::string& text) {
-    for (int i = 0; i < 1000; ++i, std::this_thread::sleep_for(std::chrono::milliseconds(10)))
-      if (Pane().find(text) != std::string::npos) return true;
-    return false;
-  }
-  void Keys(const std::string& keys) { (void)Tmux("send-keys -t k " + keys); }
+  std::string Pane() { return walk_->Pane(); }
+  bool Shows(const std::string& text) { return walk_->Shows(text); }
+  void Keys(const std::string& keys) { walk_->Keys(keys); }
   // The real klote in tmux, logged in, the menu bar up.
   void StartAndLogIn() {
-    const char* options = std::getenv("PGOPTIONS");
-    const std::string command = "cd " + Db().home + " && HOME=" + Db().home + " PGOPTIONS='" + (options ? options : "") +
-                                "' TERM=xterm TERM_KLOTE_CP=UTF " KLOTE_BINARY_DIR "/app/main/klote; echo KLOTE-END; sleep 20";
-    ASSERT_EQ(Tmux("-f /dev/null new-session -d -s k -x 80 -y 25 \"" + command + "\" \\; set-option -g status off"), 0);
+    ASSERT_TRUE(walk_->StartKlote(Db().home));
     ASSERT_TRUE(Shows("Wybierz, jako który użytkownik będziesz pracować:")) << Pane();
     Keys("Enter");  // the System Manager, whose empty password admits him at once
     ASSERT_TRUE(Shows("Wybierz magazyn, na którego konto wprowadzać będziesz dane:")) << Pane();
@@ -58,7 +37,7 @@ class ViewerWalkTest : public DocumentsTest {
     Keys("BSpace BSpace BSpace BSpace BSpace BSpace BSpace BSpace BSpace BSpace 01-02-2026 Enter");
     Keys("BSpace BSpace BSpace BSpace BSpace BSpace BSpace BSpace BSpace BSpace 28-02-2026 Enter");
   }
-  std::string socket_;
+  std::optional<TmuxWalk> walk_;
 };
 
 TEST_F(ViewerWalkTest, TurnoverAnalysisOnTheScreen) {
