@@ -3,7 +3,6 @@
 #include <unistd.h>
 
 #include <cstdlib>
-#include <deque>
 #include <fstream>
 #include <string>
 #include <vector>
@@ -11,24 +10,12 @@
 #include "base/mazovia.h"
 #include "documents/fiscalsetup.h"
 #include "master/dictionaries.h"
+#include "print/keyscript.h"
 #include "sqltable/sqltest.h"
 #include "tui/keyboard.h"
 #include "users/users.h"
 
 namespace {
-
-std::deque<KeyPair> gKeys;
-std::vector<std::string> gScreens;
-
-// Each wait for a key records the screen and gets the next key; past the script, Esc.
-void FeedNextKey() {
-  std::string screen;
-  for (int row = 1; row <= kScreenRows; ++row) screen += RowText(row).Str() + "\n";
-  gScreens.push_back(screen);
-  const KeyPair key = gKeys.empty() ? keys::kEsc : gKeys.front();
-  if (!gKeys.empty()) gKeys.pop_front();
-  (void)PushKey(key.ch, key.scan);
-}
 
 constexpr KeyPair kYes{'T', 20};
 constexpr KeyPair kNo{'N', 49};
@@ -61,20 +48,18 @@ class FiscalSetupTest : public CatalogueTest {
     ASSERT_EQ(VatGroupAdd("23", "PODSTAWOWA"), DictionaryOutcome::kDone);
     ASSERT_EQ(VatGroupAdd("8", "OBNIZONA"), DictionaryOutcome::kDone);
     ASSERT_EQ(VatAddExemptGroup(), DictionaryOutcome::kDone);
-    gScreens.clear();
   }
   void TearDown() override {
-    SetKeyIdleHook(nullptr);
-    KeyboardReset();
+    keyscript::End();
     ClearCurrentUser();
     (void)::chdir(home_);
     CatalogueTest::TearDown();
     (void)std::system(("rm -rf " + dir_).c_str());
   }
+  // Each wait for a key keeps the screen and takes the script's next key; past it, Esc.
   static void Play(std::initializer_list<Typing> script) {
-    gKeys.clear();
-    for (const Typing& t : script) gKeys.insert(gKeys.end(), t.keys.begin(), t.keys.end());
-    SetKeyIdleHook(FeedNextKey);
+    keyscript::Begin();
+    for (const Typing& t : script) keyscript::gScript.insert(keyscript::gScript.end(), t.keys.begin(), t.keys.end());
   }
   // True when one screen showed every line of the text ("@" between lines).
   static bool Shown(const ShortText& text) {
@@ -83,7 +68,7 @@ class FiscalSetupTest : public CatalogueTest {
       if (c == '@') lines.emplace_back();
       else lines.back().push_back(c);
     }
-    for (const std::string& screen : gScreens) {
+    for (const std::string& screen : keyscript::gScreens) {
       bool all = true;
       for (const std::string& line : lines) all = all && screen.find(line) != std::string::npos;
       if (all) return true;
@@ -167,7 +152,6 @@ TEST_F(FiscalSetupTest, ServerPrinterRowAndElzabDelayKept) {
   EXPECT_TRUE(Shown("Czy drukarka ma podłączoną szufladę na pieniądze ?"_mz));
 
   // The fourth kind: no row, the helper script asked instead.
-  gScreens.clear();
   Play({{kYes}, {kEnter}, {kEnter}, {KeyOfByte('4')}, "./drukuj.sh", {keys::F(10)}, "", "", "", "", "", "", "", {kNo},
         {kEnter, kEnter}});
   ASSERT_TRUE(EditFiscalConfig());
