@@ -89,6 +89,7 @@ TEST_F(TurnoverTest, EveryItemAndTotalMatchesTheSavedLines) {
       ExpectNear(r.stockBefore, e.stock, what + " stock");
       ExpectNear(r.percent, e.stock == 0 ? 0 : 100 * e.turnover / e.stock, what + " percent");
       ExpectNear(r.purchaseGross, e.purchaseGross, what + " purchase");
+      EXPECT_TRUE(r.item != 5 || r.name == "Jabłka"_mz) << c.name;  // the catalogue's name, Polish letters kept
       ExpectNear(r.saleGross, e.saleGross, what + " sale");
       total.turnover += e.turnover;
       total.saleNet += e.saleNet;
@@ -100,19 +101,6 @@ TEST_F(TurnoverTest, EveryItemAndTotalMatchesTheSavedLines) {
   }
   // No temporary table outlives a run.
   EXPECT_EQ(Scalar("SELECT count(*) FROM pg_class WHERE relname LIKE 'tmp\\_%' AND relpersistence='t'"), "0");
-}
-
-TEST_F(TurnoverTest, AnItemWithoutStockBeforeThePeriodHasPercentZero) {
-  TurnoverParams p = February();
-  std::vector<int32_t> missing;
-  RunTurnoverAnalysis(p, nullptr, missing);
-  const auto rows = ReadTurnoverRows(p);
-  const auto five = std::find_if(rows.begin(), rows.end(), [](const TurnoverRow& r) { return r.item == 5; });
-  ASSERT_NE(five, rows.end());
-  EXPECT_NE(five->turnover, 0);
-  EXPECT_EQ(five->stockBefore, 0);
-  EXPECT_EQ(five->percent, 0);
-  EXPECT_EQ(five->name, "Jabłka"_mz);
 }
 
 TEST_F(TurnoverTest, SortOrdersFollowTheChoice) {
