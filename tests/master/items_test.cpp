@@ -10,6 +10,7 @@
 
 #include "base/mazovia.h"
 #include "items_fixture.h"
+#include "keysteps.h"
 #include "master/items.h"
 #include "master/tables.h"
 #include "sqltable/pglib.h"
@@ -21,28 +22,7 @@ namespace {
 
 constexpr int32_t kWarehouse = 1;
 
-// Keys and actions played into the key buffer whenever the program waits.
-std::vector<std::function<void()>> gSteps;
-std::size_t gNext = 0;
-std::vector<std::string> gScreens;
-
-void NextStep() {
-  std::string screen;
-  for (int row = 1; row <= kScreenRows; ++row) screen += RowText(row).Str() + "\n";
-  gScreens.push_back(screen);
-  if (gNext >= gSteps.size()) {
-    (void)PushKey(27, 1);  // the script is over: Esc until the screen ends
-    return;
-  }
-  gSteps[gNext++]();
-}
-
-std::function<void()> Keys(const std::string& text, std::vector<KeyPair> after = {}) {
-  return [text, after] {
-    for (unsigned char c : text) (void)PushKey(KeyOfByte(c).ch, KeyOfByte(c).scan);
-    for (KeyPair k : after) (void)PushKey(k.ch, k.scan);
-  };
-}
+using namespace keysteps;
 
 class ItemsTest : public CatalogueTest {
  protected:
@@ -50,12 +30,9 @@ class ItemsTest : public CatalogueTest {
     CatalogueTest::SetUp();
     CreateFirmTables();
     for (int32_t w : {1, 2, 3}) AddWarehouse(w);
-    gScreens.clear();
-    gNext = 0;
   }
   void TearDown() override {
-    SetKeyIdleHook(nullptr);
-    KeyboardReset();
+    Stop();
     CatalogueTest::TearDown();
   }
   static void AddWarehouse(int32_t number) {
@@ -75,21 +52,11 @@ class ItemsTest : public CatalogueTest {
     EXPECT_EQ(StockRead(warehouse, number, row, found), 0);
     return found ? row.quantity : -999;
   }
-  static void Play(std::vector<std::function<void()>> steps) {
-    gSteps = std::move(steps);
-    gNext = 0;
-    SetKeyIdleHook(NextStep);
-  }
   // A line of a goods document in a warehouse for the item, on the date.
   static void AddLine(int32_t warehouse, int32_t number, const char* date = "2024-05-10") {
     ASSERT_TRUE(Psql("INSERT INTO dane_" + std::to_string(warehouse) + "_specyfik (typ_dok,nr_dok,znak_dok,pozycja,data_dok,"
                      "nr_towaru,vat,sww,ilosc) VALUES (1,1,'FV'," + std::to_string(number) + ",'" + date + "'," +
                      std::to_string(number) + ",'23','',1)"));
-  }
-  static bool Shown(const ShortText& line) {
-    for (const std::string& s : gScreens)
-      if (s.find(line.Str()) != std::string::npos) return true;
-    return false;
   }
 };
 
@@ -365,7 +332,6 @@ TEST_F(ItemsTest, TheScreenFindsByNameAndIndexAndChangesAPrice) {
   EXPECT_EQ(gScreens.back().find(" CHLEB"), std::string::npos);
 
   // An item deleted by another process while the list shows it.
-  gScreens.clear();
   const int32_t ser = milk.number + 1;
   Play({Keys("", {keys::kEnd}), [ser] {
     // Another process (psql, with its own connection) deletes the item.
@@ -378,7 +344,6 @@ TEST_F(ItemsTest, TheScreenFindsByNameAndIndexAndChangesAPrice) {
   EXPECT_EQ(Scalar("SELECT count(*) FROM dane_kat_tow_ WHERE nr_wewn=" + std::to_string(ser)), "0");
 
   // The stock list gone under the list: the next read ends the list with the system's message, not the program.
-  gScreens.clear();
   Play({[] {
     EXPECT_TRUE(Psql("DROP TABLE dane_1_stany_mg"));
     (void)PushKey(keys::kEnd.ch, keys::kEnd.scan);
@@ -552,7 +517,6 @@ TEST_F(ItemsTest, TheAddFormRefusesBadInputAndHonoursRights) {
   };
   for (const Case& c : cases) {
     LogIn({}, c.maxRights);
-    gScreens.clear();
     Play(c.steps);
     int32_t number = 0;
     EXPECT_FALSE(AddItem(kWarehouse, ItemRules{}, number)) << c.what;
@@ -571,7 +535,6 @@ TEST_F(ItemsTest, TheAddFormRefusesBadInputAndHonoursRights) {
   EXPECT_EQ(Quantity(kWarehouse, number), 4);
   // Without them the purchase price is passed by with the message, and stays 0.
   LogIn({});
-  gScreens.clear();
   steps = form("592", "", "7", "");
   steps[0] = Keys("SER2", {keys::kEnter});
   steps[9] = Keys("", {keys::kEnter});  // the message box takes this Enter
@@ -595,7 +558,6 @@ TEST_F(ItemsTest, TheListDeletesFindsByAnyFieldAndChangesItsView) {
   EXPECT_TRUE(Shown("Nie masz uprawnień do kasowania kartotek towarów."_mz));
   EXPECT_EQ(Scalar("SELECT count(*) FROM dane_kat_tow_"), "2");
   LogIn({}, true);
-  gScreens.clear();
   // F7: search by column 12 (miejsce_w_magazynie) for R12; F6 then "tylko z ilością niezerową" hides SER.
   Play({Keys("", {keys::F(7)}), Keys("", {keys::kDown, keys::kDown, keys::kDown, keys::kDown, keys::kDown, keys::kDown,
         keys::kDown, keys::kDown, keys::kDown, keys::kDown, keys::kDown, keys::kEnter}), Keys("R12", {keys::kEnter}),

@@ -17,6 +17,7 @@
 #include "documents/docsave.h"
 #include "exchange/workfile.h"
 #include "master/items_fixture.h"
+#include "master/keysteps.h"
 #include "master/tables.h"
 #include "sqltable/pglib.h"
 #include "sqltable/pgrecord.h"
@@ -35,17 +36,7 @@ struct Line {
   Real quantity, buyNet, saleGross;
 };
 
-std::vector<std::string> gScreens;
-std::vector<std::function<void()>> gSteps;
-std::size_t gNext = 0;
-
-void NextStep() {
-  std::string screen;
-  for (int row = 1; row <= kScreenRows; ++row) screen += RowText(row).Str() + "\n";
-  gScreens.push_back(screen);
-  if (gNext < gSteps.size()) return gSteps[gNext++]();
-  (void)PushKey(27, 1);
-}
+using namespace keysteps;
 
 class WorkFileTest : public CatalogueTest {
  protected:
@@ -58,7 +49,6 @@ class WorkFileTest : public CatalogueTest {
     me.firstName = "Jan";
     SetCurrentUser(me);
     Play({});
-    SetKeyIdleHook(NextStep);
   }
   void TearDown() override {
     if (child_ > 0) {
@@ -66,8 +56,7 @@ class WorkFileTest : public CatalogueTest {
       ::waitpid(child_, nullptr, 0);
     }
     ClearCurrentUser();
-    SetKeyIdleHook(nullptr);
-    KeyboardReset();
+    Stop();
     CatalogueTest::TearDown();
   }
   static int32_t AddItem(const ShortText& name, Real saleNet) { return AddItemRow(Item(name, "23", 0, saleNet), 5); }
@@ -104,12 +93,6 @@ class WorkFileTest : public CatalogueTest {
     EXPECT_EQ(WorkRowsFromCatalogue(kWarehouse, rows), 0);
     return rows;
   }
-  // The steps from the next wait for a key on, the screens kept from then.
-  static void Play(std::vector<std::function<void()>> steps) {
-    gScreens.clear();
-    gSteps = std::move(steps);
-    gNext = 0;
-  }
   // "name:quantity" of each row of a user's work file.
   static std::string Rows(int32_t user) {
     std::vector<WorkFileRow> rows;
@@ -121,11 +104,6 @@ class WorkFileTest : public CatalogueTest {
       out += r.item.name.Str() + ":" + q + " ";
     }
     return out;
-  }
-  static bool Shown(const ShortText& line) {
-    for (const std::string& s : gScreens)
-      if (s.find(line.Str()) != std::string::npos) return true;
-    return false;
   }
   // Paths relative to the firm's directory (the suite's HOME): a DOS-style
   // path has its directories in lower case.
@@ -197,7 +175,7 @@ TEST_F(WorkFileTest, WritingAsksToAddAndAnEmptySourceWithNoLeavesItEmpty) {
   ASSERT_TRUE(AddSpecificationToWorkFile(rows));  // nothing there yet: no question
   EXPECT_TRUE(Sent("Zapis poprawny."));
   EXPECT_FALSE(Shown("W pliku roboczym są dane."_mz));
-  gSteps = {[] { (void)PushKey('t', 20); }};
+  Play({[] { (void)PushKey('t', 20); }});
   ASSERT_TRUE(AddSpecificationToWorkFile(rows));
   EXPECT_TRUE(Shown("W pliku roboczym są dane. Czy dodać specyfikację do nich ?"_mz));
   EXPECT_EQ(Rows(1), "Mleko:4.000 " + ("Żółć"_mz).Str() + ":1.500 Mleko:4.000 " + ("Żółć"_mz).Str() + ":1.500 ");
@@ -418,7 +396,7 @@ TEST_F(WorkFileTest, TheMiniFormGoesOutAndComesBackThroughTheCatalogue) {
   EXPECT_EQ(Rows(2), before);
 
   // Through the screen: the form is recognised, asked about, and taken.
-  gSteps = {[] { (void)PushKey('t', 20); }};
+  Play({[] { (void)PushKey('t', 20); }});
   EXPECT_TRUE(ImportWorkFileFrom(ShortText("mini/"), false));
   EXPECT_TRUE(Shown("Wykryto `mini\" (numer,ilość)."_mz));
   EXPECT_TRUE(Shown("nr 99999"));
@@ -436,7 +414,7 @@ TEST_F(WorkFileTest, TheMenuShowsItsRowsAndRunsThemByTheirKeys) {
     };
   };
   // 4: not built; the last row (key-cap A): drive A, which is no diskette; 7: a directory.
-  gSteps = {keys("4"), keys("\r"), keys("A"), keys("\r"), keys("\r"), keys("7"), keys("menu\r"), keys("\r")};
+  Play({keys("4"), keys("\r"), keys("A"), keys("\r"), keys("\r"), keys("7"), keys("menu\r"), keys("\r")});
   std::filesystem::remove_all("menu");
   std::filesystem::create_directories("menu");
   WorkFileMenu(kWarehouse);
