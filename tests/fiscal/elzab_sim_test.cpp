@@ -44,13 +44,8 @@ std::string Feed(ElzabPrinterSim& sim, const std::string& bytes) {
 TEST(ElzabPrinterSim, ReceiptLinesAreCheckedAndRefusalsServeTheirStatus) {
   ElzabPrinterSim sim({{3, false, ElzabFaultKind::kNak, 0x02, 0x40}});
   EXPECT_EQ(Feed(sim, ElzabOpenReceiptCommand(525)), "\x06");
-  ElzabSaleLine line;
-  line.name = "Chleb";
-  line.quantity = 15;
-  line.decimals = 1;
-  line.unit = "szt";
-  line.priceGrosz = 350;
-  line.valueGrosz = 524;  // 1.5 x 3.50 is 5.25: the printer works it out itself
+  // 1.5 x 3.50 is 5.25, not 5.24: the printer works it out itself.
+  ElzabSaleLine line{.name = "Chleb", .quantity = 15, .decimals = 1, .unit = "szt", .priceGrosz = 350, .valueGrosz = 524};
   EXPECT_EQ(Feed(sim, ElzabSaleLineCommand(line)), "\x15");
   EXPECT_EQ(Feed(sim, "\x1B\x94\x1B\x95"), std::string("\0\0", 2));
   line.valueGrosz = 525;
