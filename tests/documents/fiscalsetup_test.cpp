@@ -5,6 +5,8 @@
 #include <cstdlib>
 #include <fstream>
 #include <string>
+#include <tuple>
+#include <utility>
 #include <vector>
 
 #include "base/mazovia.h"
@@ -115,8 +117,7 @@ TEST_F(FiscalSetupTest, PosnetOnAPortWithDocumentsRatesAndQuestions) {
   EXPECT_TRUE(Shown("Proszę wyjść i wejść powtórnie do programu."_mz));
 
   const FiscalConfig c = Written();
-  EXPECT_EQ(c.printerType, kFiscalPosnet);
-  EXPECT_EQ(c.port, 3);
+  EXPECT_EQ(std::pair(c.printerType, c.port), std::pair(int(kFiscalPosnet), 3));
   const uint8_t flags[4] = {1, 0, 1, 0};
   for (int i = 0; i < 4; ++i) EXPECT_EQ(c.documentFlags[i], flags[i]) << i;
   const char* names[kFiscalVatRows] = {"23", "8", "5", "", "", "", "zwol."};
@@ -126,10 +127,8 @@ TEST_F(FiscalSetupTest, PosnetOnAPortWithDocumentsRatesAndQuestions) {
     EXPECT_EQ(c.vatCode[i], letters[i]) << i;
   }
   EXPECT_EQ(VatLetterOfCode(VatToPrinterCode(c, "8.00")), "B");
-  EXPECT_EQ(c.otherThanPosnet, 0);  // "1-nie 0-tak": a Novitus is another maker
-  EXPECT_EQ(c.firmware, kFirmwareNew);
-  EXPECT_EQ(c.drawer, 1);
-  EXPECT_EQ(c.computerNumbers, 1);
+  // Other maker "1-nie 0-tak": a Novitus is another maker; new firmware, a drawer, the computer's numbers.
+  EXPECT_EQ(std::tuple(c.otherThanPosnet, c.firmware, c.drawer, c.computerNumbers), std::tuple(0, kFirmwareNew, 1, 1));
   // The personal copy holds it; the firm's directory only the workstation's konffiss.txt.
   EXPECT_NE(::access("konffiss.txt", F_OK), -1);
   EXPECT_EQ(::access("konffisk.txt", F_OK), -1);
@@ -144,11 +143,8 @@ TEST_F(FiscalSetupTest, ServerPrinterRowAndElzabDelayKept) {
         {keys::F(2), keys::F(10)}, "", "", "", "", "", "", "", {kNo}, {kEnter, kEnter}});
   ASSERT_TRUE(EditFiscalConfig());
   const FiscalConfig c = Written();
-  EXPECT_EQ(c.printerType, kFiscalServer);
-  EXPECT_EQ(c.port, 3);
+  EXPECT_EQ(std::tuple(c.printerType, c.port, c.documentFlags[1], c.elzabDelay), std::tuple(int(kFiscalServer), 3, 1, 250));
   EXPECT_EQ(c.serverRow, "2,2,srvfisk\\3,PARAGON_FISKALNY,1");
-  EXPECT_EQ(c.documentFlags[1], 1);
-  EXPECT_EQ(c.elzabDelay, 250);
   EXPECT_TRUE(Shown("Czy drukarka ma podłączoną szufladę na pieniądze ?"_mz));
 
   // The fourth kind: no row, the helper script asked instead.

@@ -46,10 +46,9 @@ TEST_F(ElzabOnModel, OpenProgramsTheControllerInOrderOnce) {
   const std::vector<Access> expected = {Out(3, 0x80), Out(1, 0), Out(0, 12),
                                         Out(3, 0x1B), Out(1, 0), Out(4, 2)};
   EXPECT_EQ(model_->Log(), expected);
-  EXPECT_EQ(model_->Divisor(), 12);
-  EXPECT_EQ(model_->LineControl(), 0x1B);
-  EXPECT_EQ(model_->InterruptEnable(), 0);
-  EXPECT_EQ(model_->ModemControl(), 2);
+  // 9600 baud, 8 bits, even parity, no interrupts, RTS raised.
+  EXPECT_EQ(std::vector<int>({model_->Divisor(), model_->LineControl(), model_->InterruptEnable(), model_->ModemControl()}),
+            std::vector<int>({12, 0x1B, 0, 2}));
   ElzabOpen(1);
   EXPECT_EQ(model_->Log().size(), expected.size());  // programmed already: nothing more
 }

@@ -1,6 +1,8 @@
 // The POSNET wire format without a line.
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "base/codepage.h"
 #include "base/mazovia.h"
 #include "fiscal/posnet_wire.h"
@@ -84,13 +86,9 @@ TEST(PosnetWire, StatusRecordGivesTheErrorCode) {
                        "1.00/2.00/3.00/4.00/5.00/6.00/7.00/99.50/SIM1A7";
   auto parsed = ParsePosnetStatusRecord(record);
   ASSERT_TRUE(parsed);
-  EXPECT_EQ(parsed->ErrorCode(), 21);
-  EXPECT_TRUE(parsed->AmountsInGrosz());
-  EXPECT_EQ(parsed->rateCount, 7);
-  EXPECT_EQ(parsed->rates[0], 23.00L);
-  EXPECT_EQ(parsed->receiptCount, 17);
-  EXPECT_EQ(parsed->amounts[6], 7.00L);
-  EXPECT_EQ(parsed->cash, 99.50L);
+  EXPECT_EQ(std::tuple(parsed->ErrorCode(), parsed->AmountsInGrosz(), parsed->rateCount, parsed->receiptCount),
+            std::tuple(21, true, 7, 17));
+  EXPECT_EQ(std::tuple(parsed->rates[0], parsed->amounts[6], parsed->cash), std::tuple(23.00L, 7.00L, 99.50L));
   EXPECT_EQ(parsed->text, "SIM1A7");
   // Only the first nine integers are required; the rest is read as far as it goes.
   auto shortRecord = ParsePosnetStatusRecord("P1#X0;0;0;0;0;0;1;2;3");

@@ -8,6 +8,8 @@
 #include <unistd.h>
 
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "fiscal/posnet.h"
 #include "fiscal/serial.h"
@@ -135,8 +137,7 @@ TEST_F(PosnetLineOnPty, CloseAfterFailureRestoresTheSettingsFound) {
   EXPECT_EQ(PosnetLine().fd, -2);
   termios t;
   tcgetattr(keep_, &t);
-  EXPECT_EQ(t.c_cc[VMIN], 7);
-  EXPECT_EQ(t.c_cc[VTIME], 3);
+  EXPECT_EQ(std::pair(int(t.c_cc[VMIN]), int(t.c_cc[VTIME])), std::pair(7, 3));
   int again = open(slave_.c_str(), O_RDWR | O_NOCTTY);
   EXPECT_EQ(flock(again, LOCK_EX | LOCK_NB), 0);  // the lock went with the descriptor
   close(again);

@@ -11,6 +11,7 @@
 #include <fstream>
 #include <functional>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "base/mazovia.h"
@@ -144,13 +145,10 @@ TEST_F(WorkFileTest, RowsOfADocumentCarryItsQuantitiesAndPricesWithTheCatalogueN
   Fill();
   std::vector<WorkFileRow> rows = Document(7);
   ASSERT_EQ(rows.size(), 2u);
-  EXPECT_EQ(rows[0].item.name, "Mleko");
-  EXPECT_EQ(rows[0].item.number, items_[0]);
-  EXPECT_EQ(rows[0].quantity, 4);
-  EXPECT_EQ(rows[0].item.buyNet, 2.1L);
-  EXPECT_EQ(rows[1].item.name, "Żółć"_mz);
-  EXPECT_EQ(rows[1].item.saleGross, 12.3L);
-  EXPECT_EQ(rows[1].item.unit, "szt");
+  EXPECT_EQ(std::tuple(rows[0].item.name, rows[0].item.number, rows[0].quantity, rows[0].item.buyNet),
+            std::tuple(ShortText("Mleko"), items_[0], Real(4), 2.1L));
+  EXPECT_EQ(std::tuple(rows[1].item.name, rows[1].item.saleGross, rows[1].item.unit),
+            std::tuple("Żółć"_mz, 12.3L, ShortText("szt")));
   // Another number of the same kind and mark is another document.
   rows = Document(8);
   ASSERT_EQ(rows.size(), 1u);
