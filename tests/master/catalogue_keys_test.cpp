@@ -122,8 +122,7 @@ TEST_F(CatalogueKeys, DocumentKeysWithoutFunctionsDoNothing) {
 // Ctrl+F3 keeps a customer's note in its file, which goes with the row, and
 // a warehouse's printing data.
 TEST_F(CatalogueKeys, CtrlF3KeepsTheNoteAndTheWarehousesPrintingData) {
-  Contractor w = Named(ShortText("Sklep"));
-  ASSERT_EQ(ContractorAdd(ContractorKind::kWarehouse, w, NumberRange{}, true), ContractorOutcome::kDone);
+  const Contractor w = AddNamed(ContractorKind::kWarehouse, ShortText("Sklep"), 0, true);
   const struct {
     ContractorKind kind;
     ShortText path, title;  // the bar's row: Adamski (4), the one warehouse
@@ -143,11 +142,7 @@ TEST_F(CatalogueKeys, CtrlF3KeepsTheNoteAndTheWarehousesPrintingData) {
 
 // F7: a customer linked to a chosen warehouse; in the warehouses, the marks stored.
 TEST_F(CatalogueKeys, F7LinksAWarehouseAndStoresMarks) {
-  for (int32_t n : {10, 20}) {
-    Contractor w = Named(ShortText("Mag ") + ShortText(std::to_string(n)));
-    w.number = n;
-    ASSERT_EQ(ContractorAdd(ContractorKind::kWarehouse, w, NumberRange{}, true), ContractorOutcome::kDone);
-  }
+  for (int32_t n : {10, 20}) AddNamed(ContractorKind::kWarehouse, ShortText("Mag " + std::to_string(n)), n, true);
   Play({{{keys::F(7)}}, {{keys::kDown, kEnter}}, {{kEsc}}});
   ContractorCatalogue(ContractorKind::kCustomer);
   EXPECT_EQ(Scalar("SELECT string_agg(nr_kon || '>' || nr_mag, ',') FROM dane_odb_mag_"), "4>20");

@@ -27,8 +27,7 @@ using CatalogueRules = ContractorsTest;
 // one without documents changes without the question.
 TEST_F(CatalogueRules, VatFlagOfAContractorWithTurnoverAsksFirst) {
   ASSERT_EQ(CreateTableFrom(ShortText("dane\\dok_plat"), kDokPlatDef), 0);
-  Contractor w = Named(ShortText("Magazyn"));
-  ASSERT_EQ(ContractorAdd(ContractorKind::kWarehouse, w, NumberRange{}), ContractorOutcome::kDone);
+  const Contractor w = AddNamed(ContractorKind::kWarehouse, ShortText("Magazyn"));
   for (const char* name : {"Kupiec", "Nowy"}) {
     Contractor c = Named(ShortText(name));
     c[KontrahentCol::czy_podmiot_gosp] = ShortText("T");

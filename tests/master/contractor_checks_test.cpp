@@ -132,18 +132,14 @@ TEST_F(ContractorCheckScreens, CustomersWithoutTurnoverGoAfterTheQuestions) {
       {"deleted and listed", true, {{{kYes}}, {{kYes}}, {{kYes}}, {{keys::kEnter}}}, "2:B:\n3:C:",
        "         1 A"_mz},
   };
-  Contractor w = Named(ShortText("Magazyn"));
-  ASSERT_EQ(ContractorAdd(ContractorKind::kWarehouse, w, NumberRange{}), ContractorOutcome::kDone);
+  const Contractor w = AddNamed(ContractorKind::kWarehouse, ShortText("Magazyn"));
   AddHeaders(w.number, "(2, 1, 'X', 2)");
   ASSERT_TRUE(Psql("INSERT INTO " + PGSqlName(WarehouseTablePath(w.number, "kasa____")).Str() +
                    " (typ_dok, nr_dok, znak_dok, nr_kontrahenta, typ_kontrahenta) VALUES (50, 1, 'K', 3, 'O'), (50, 2, 'K', 4, 'd')"));
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
     ASSERT_TRUE(Psql("DELETE FROM dane_odbiorcy"));
-    for (const char* name : {"A", "B", "C", "D"}) {
-      Contractor k = Named(ShortText(name));
-      ASSERT_EQ(ContractorAdd(ContractorKind::kCustomer, k, NumberRange{}), ContractorOutcome::kDone);
-    }
+    for (const char* name : {"A", "B", "C", "D"}) AddNamed(ContractorKind::kCustomer, ShortText(name));
     ASSERT_TRUE(Psql("UPDATE dane_odbiorcy SET numer = ascii(nazwa) - 64"));
     if (!c.manager) ClearCurrentUser();
     Play(c.steps);

@@ -38,9 +38,7 @@ TEST_F(ContractorDbf, ExportAndImportByEachWayOfNumbering) {
   for (const Case& c : cases) {
     SCOPED_TRACE(static_cast<int>(c.mode));
     ASSERT_TRUE(Psql("DELETE FROM dane_dostawcy"));
-    Contractor other = Named(ShortText("Inny"));
-    other.number = 2;
-    ASSERT_EQ(ContractorAdd(ContractorKind::kSupplier, other, NumberRange{}), ContractorOutcome::kDone);
+    AddNamed(ContractorKind::kSupplier, ShortText("Inny"), 2);
     int64_t added = 0;
     ASSERT_EQ(ContractorDbfImport(ContractorKind::kSupplier, ShortText("dane\\odb.dbf"), DbfCodePage::kLatin2, c.mode,
                                   added),

@@ -92,9 +92,7 @@ TEST_F(ContractorScreens, BadInputGetsTheSystemsMessageAndLosesNothing) {
 // no keeps the row.
 TEST_F(ContractorScreens, DeleteOfACustomerInUseWarnsAndNoKeepsIt) {
   AddCustomers({ShortText("Kowalski")});
-  Contractor w;
-  w[KontrahentCol::nazwa] = ShortText("Magazyn");
-  ASSERT_EQ(ContractorAdd(ContractorKind::kWarehouse, w, NumberRange{}), ContractorOutcome::kDone);
+  const Contractor w = AddNamed(ContractorKind::kWarehouse, ShortText("Magazyn"));
   AddHeaders(w.number, "(2, 1, 'X', 1)");
   Play({{{keys::kDel}}, {{kNo}}, {{kEsc}}});
   ContractorCatalogue(ContractorKind::kCustomer);

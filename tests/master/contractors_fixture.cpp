@@ -90,6 +90,13 @@ Contractor ContractorsTest::Named(const ShortText& name, const ShortText& town) 
   return c;
 }
 
+Contractor ContractorsTest::AddNamed(ContractorKind kind, const ShortText& name, int32_t number, bool special) {
+  Contractor c = Named(name);
+  c.number = number;
+  EXPECT_EQ(ContractorAdd(kind, c, NumberRange{}, special), ContractorOutcome::kDone) << name.Str();
+  return c;
+}
+
 std::string ContractorsTest::Rows(ContractorKind kind) {
   const std::string table = PGSqlName(ContractorTablePath(kind)).Str();
   return Scalar("SELECT string_agg(numer || ':' || nazwa || ':' || coalesce(miasto, ''), E'\\n' ORDER BY numer) FROM " +
