@@ -3,32 +3,21 @@
 #include <unistd.h>
 
 #include <cstdlib>
-#include <deque>
 #include <fstream>
 #include <string>
+#include <tuple>
+#include <utility>
 #include <vector>
 
 #include "base/mazovia.h"
 #include "documents/fiscalsetup.h"
 #include "master/dictionaries.h"
+#include "print/keyscript.h"
 #include "sqltable/sqltest.h"
 #include "tui/keyboard.h"
 #include "users/users.h"
 
 namespace {
-
-std::deque<KeyPair> gKeys;
-std::vector<std::string> gScreens;
-
-// Each wait for a key records the screen and gets the next key; past the script, Esc.
-void FeedNextKey() {
-  std::string screen;
-  for (int row = 1; row <= kScreenRows; ++row) screen += RowText(row).Str() + "\n";
-  gScreens.push_back(screen);
-  const KeyPair key = gKeys.empty() ? keys::kEsc : gKeys.front();
-  if (!gKeys.empty()) gKeys.pop_front();
-  (void)PushKey(key.ch, key.scan);
-}
 
 constexpr KeyPair kYes{'T', 20};
 constexpr KeyPair kNo{'N', 49};
@@ -61,20 +50,18 @@ class FiscalSetupTest : public CatalogueTest {
     ASSERT_EQ(VatGroupAdd("23", "PODSTAWOWA"), DictionaryOutcome::kDone);
     ASSERT_EQ(VatGroupAdd("8", "OBNIZONA"), DictionaryOutcome::kDone);
     ASSERT_EQ(VatAddExemptGroup(), DictionaryOutcome::kDone);
-    gScreens.clear();
   }
   void TearDown() override {
-    SetKeyIdleHook(nullptr);
-    KeyboardReset();
+    keyscript::End();
     ClearCurrentUser();
     (void)::chdir(home_);
     CatalogueTest::TearDown();
     (void)std::system(("rm -rf " + dir_).c_str());
   }
+  // Each wait for a key keeps the screen and takes the script's next key; past it, Esc.
   static void Play(std::initializer_list<Typing> script) {
-    gKeys.clear();
-    for (const Typing& t : script) gKeys.insert(gKeys.end(), t.keys.begin(), t.keys.end());
-    SetKeyIdleHook(FeedNextKey);
+    keyscript::Begin();
+    for (const Typing& t : script) keyscript::gScript.insert(keyscript::gScript.end(), t.keys.begin(), t.keys.end());
   }
   // True when one screen showed every line of the text ("@" between lines).
   static bool Shown(const ShortText& text) {
@@ -83,7 +70,7 @@ class FiscalSetupTest : public CatalogueTest {
       if (c == '@') lines.emplace_back();
       else lines.back().push_back(c);
     }
-    for (const std::string& screen : gScreens) {
+    for (const std::string& screen : keyscript::gScreens) {
       bool all = true;
       for (const std::string& line : lines) all = all && screen.find(line) != std::string::npos;
       if (all) return true;
@@ -130,8 +117,7 @@ TEST_F(FiscalSetupTest, PosnetOnAPortWithDocumentsRatesAndQuestions) {
   EXPECT_TRUE(Shown("Proszę wyjść i wejść powtórnie do programu."_mz));
 
   const FiscalConfig c = Written();
-  EXPECT_EQ(c.printerType, kFiscalPosnet);
-  EXPECT_EQ(c.port, 3);
+  EXPECT_EQ(std::pair(c.printerType, c.port), std::pair(int(kFiscalPosnet), 3));
   const uint8_t flags[4] = {1, 0, 1, 0};
   for (int i = 0; i < 4; ++i) EXPECT_EQ(c.documentFlags[i], flags[i]) << i;
   const char* names[kFiscalVatRows] = {"23", "8", "5", "", "", "", "zwol."};
@@ -141,10 +127,8 @@ TEST_F(FiscalSetupTest, PosnetOnAPortWithDocumentsRatesAndQuestions) {
     EXPECT_EQ(c.vatCode[i], letters[i]) << i;
   }
   EXPECT_EQ(VatLetterOfCode(VatToPrinterCode(c, "8.00")), "B");
-  EXPECT_EQ(c.otherThanPosnet, 0);  // "1-nie 0-tak": a Novitus is another maker
-  EXPECT_EQ(c.firmware, kFirmwareNew);
-  EXPECT_EQ(c.drawer, 1);
-  EXPECT_EQ(c.computerNumbers, 1);
+  // Other maker "1-nie 0-tak": a Novitus is another maker; new firmware, a drawer, the computer's numbers.
+  EXPECT_EQ(std::tuple(c.otherThanPosnet, c.firmware, c.drawer, c.computerNumbers), std::tuple(0, kFirmwareNew, 1, 1));
   // The personal copy holds it; the firm's directory only the workstation's konffiss.txt.
   EXPECT_NE(::access("konffiss.txt", F_OK), -1);
   EXPECT_EQ(::access("konffisk.txt", F_OK), -1);
@@ -159,15 +143,11 @@ TEST_F(FiscalSetupTest, ServerPrinterRowAndElzabDelayKept) {
         {keys::F(2), keys::F(10)}, "", "", "", "", "", "", "", {kNo}, {kEnter, kEnter}});
   ASSERT_TRUE(EditFiscalConfig());
   const FiscalConfig c = Written();
-  EXPECT_EQ(c.printerType, kFiscalServer);
-  EXPECT_EQ(c.port, 3);
+  EXPECT_EQ(std::tuple(c.printerType, c.port, c.documentFlags[1], c.elzabDelay), std::tuple(int(kFiscalServer), 3, 1, 250));
   EXPECT_EQ(c.serverRow, "2,2,srvfisk\\3,PARAGON_FISKALNY,1");
-  EXPECT_EQ(c.documentFlags[1], 1);
-  EXPECT_EQ(c.elzabDelay, 250);
   EXPECT_TRUE(Shown("Czy drukarka ma podłączoną szufladę na pieniądze ?"_mz));
 
   // The fourth kind: no row, the helper script asked instead.
-  gScreens.clear();
   Play({{kYes}, {kEnter}, {kEnter}, {KeyOfByte('4')}, "./drukuj.sh", {keys::F(10)}, "", "", "", "", "", "", "", {kNo},
         {kEnter, kEnter}});
   ASSERT_TRUE(EditFiscalConfig());

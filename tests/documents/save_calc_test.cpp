@@ -43,8 +43,7 @@ TEST(SaveCalcTest, GroupsSumRoundedLinesAndTheTotalFollowsTheMethod) {
   EXPECT_NEAR(static_cast<double>(up.groups[0].vat), 0.0598, 1e-9);
   EXPECT_NEAR(static_cast<double>(up.groups[1].vat), 0.80, 1e-9);
   EXPECT_EQ(up.groups[2].rate, 0);
-  EXPECT_NEAR(static_cast<double>(up.total), 0.26 + 0.0598 + 10.80 + 7, 0.005);
-  EXPECT_NEAR(static_cast<double>(up.total), 18.12, 1e-9);
+  EXPECT_NEAR(static_cast<double>(up.total), 18.12, 1e-9);  // 0.26 + 0.0598 + 10.80 + 7, to the grosz
 
   const DocumentTotals down = ComputeTotals(lines, TotalMethod::kGrossLines);
   EXPECT_NEAR(static_cast<double>(down.total), 0.15 + 0.15 + 10.80 + 7, 1e-9);
@@ -151,8 +150,7 @@ TEST(SaveCalcTest, DiscountsRoundToTheStepAndKeepExemptPricesEqual) {
   for (const Case& c : cases)
     EXPECT_NEAR(static_cast<double>(DiscountedPrice(c.price, c.percent, c.step, c.vatDependent, c.rate)),
                 static_cast<double>(c.expected), 1e-9);
-  EXPECT_EQ(GrossOfNet(8.5L, 0), 8.5L);
-  EXPECT_EQ(GrossOfNet(8.5L, -100), 8.5L);
+  for (Real exempt : {Real(0), Real(-100)}) EXPECT_EQ(GrossOfNet(8.5L, exempt), 8.5L);
   EXPECT_NEAR(static_cast<double>(GrossOfNet(10, 23)), 12.3, 1e-9);
 }
 

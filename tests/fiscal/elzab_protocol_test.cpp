@@ -64,14 +64,8 @@ TEST(ElzabCommands, BytesOfEachCommand) {
   EXPECT_EQ(ElzabDailyReportCommand(), "\x1B%");
   EXPECT_EQ(ElzabDrawerCommand(), "\x1BW");
 
-  ElzabSaleLine line;
-  line.name = "Chleb A";
-  line.quantity = 15;
-  line.decimals = 1;
-  line.unit = "szt";
-  line.priceGrosz = 350;
-  line.taxCode = 1;
-  line.valueGrosz = 525;
+  ElzabSaleLine line{.name = "Chleb A", .quantity = 15, .decimals = 1, .unit = "szt", .priceGrosz = 350, .taxCode = 1,
+                     .valueGrosz = 525};
   const std::string cmd = ElzabSaleLineCommand(line);
   ASSERT_EQ(cmd.size(), 51u);
   EXPECT_EQ(cmd.substr(0, 3), Bytes({0x1B, 0x06, 0x20}));

@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <thread>
+#include <tuple>
 
 #include "elzab_sim_core.h"
 #include "fiscal/elzab.h"
@@ -14,18 +15,16 @@ namespace {
 using Lines = std::vector<std::string>;
 
 TEST(ElzabFaultRule, ParsesEachKindAndRefusesNonsense) {
-  auto nak = ParseElzabFaultRule("3:nak=0x08,16");
-  ASSERT_TRUE(nak);
-  EXPECT_EQ(nak->command, 3);
-  EXPECT_FALSE(nak->onwards);
-  EXPECT_EQ(nak->kind, ElzabFaultKind::kNak);
-  EXPECT_EQ(nak->first, 0x08);
-  EXPECT_EQ(nak->second, 16);
-  auto silent = ParseElzabFaultRule("2+:silent");
-  ASSERT_TRUE(silent);
-  EXPECT_TRUE(silent->onwards);
-  EXPECT_EQ(silent->kind, ElzabFaultKind::kSilent);
-  EXPECT_EQ(ParseElzabFaultRule("4:unplug")->kind, ElzabFaultKind::kUnplug);
+  const struct { const char* text; ElzabFaultRule rule; } rows[] = {
+      {"3:nak=0x08,16", {3, false, ElzabFaultKind::kNak, 0x08, 16}},
+      {"2+:silent", {2, true, ElzabFaultKind::kSilent, 0, 0}},
+      {"4:unplug", {4, false, ElzabFaultKind::kUnplug, 0, 0}}};
+  for (const auto& [text, want] : rows) {
+    auto got = ParseElzabFaultRule(text);
+    ASSERT_TRUE(got) << text;
+    EXPECT_EQ(std::tuple(got->command, got->onwards, got->kind, got->first, got->second),
+              std::tuple(want.command, want.onwards, want.kind, want.first, want.second)) << text;
+  }
   for (const char* bad : {"", "3", ":nak=1,2", "0:silent", "3:nak=1", "3:nak=256,0", "3:nak=x,0", "3:loud"})
     EXPECT_FALSE(ParseElzabFaultRule(bad)) << bad;
 }
@@ -45,13 +44,8 @@ std::string Feed(ElzabPrinterSim& sim, const std::string& bytes) {
 TEST(ElzabPrinterSim, ReceiptLinesAreCheckedAndRefusalsServeTheirStatus) {
   ElzabPrinterSim sim({{3, false, ElzabFaultKind::kNak, 0x02, 0x40}});
   EXPECT_EQ(Feed(sim, ElzabOpenReceiptCommand(525)), "\x06");
-  ElzabSaleLine line;
-  line.name = "Chleb";
-  line.quantity = 15;
-  line.decimals = 1;
-  line.unit = "szt";
-  line.priceGrosz = 350;
-  line.valueGrosz = 524;  // 1.5 x 3.50 is 5.25: the printer works it out itself
+  // 1.5 x 3.50 is 5.25, not 5.24: the printer works it out itself.
+  ElzabSaleLine line{.name = "Chleb", .quantity = 15, .decimals = 1, .unit = "szt", .priceGrosz = 350, .valueGrosz = 524};
   EXPECT_EQ(Feed(sim, ElzabSaleLineCommand(line)), "\x15");
   EXPECT_EQ(Feed(sim, "\x1B\x94\x1B\x95"), std::string("\0\0", 2));
   line.valueGrosz = 525;

@@ -79,10 +79,8 @@ TEST(FiscalConfig, EveryTypeReadsBackWhatItWrote) {
 
 TEST(FiscalConfig, HandEditedAndDamagedFiles) {
   EXPECT_EQ(FormatFiscalConfig(FiscalConfig{}).size(), 1u);  // type 0 rewrites to one line
-  EXPECT_EQ(Parsed({"0"}).printerType, kFiscalNone);
-  EXPECT_EQ(Parsed({}).printerType, kFiscalNone);
-  EXPECT_EQ(Parsed({"9 - typ"}).printerType, kFiscalNone);
-  EXPECT_EQ(Parsed({"x"}).printerType, kFiscalNone);
+  for (const std::vector<ShortText>& lines : {std::vector<ShortText>{"0"}, {}, {"9 - typ"}, {"x"}})
+    EXPECT_EQ(Parsed(lines).printerType, kFiscalNone) << lines.size();
 
   // A row of four fields means a server on another computer.
   FiscalConfig server = Sample(kFiscalServer);
@@ -147,11 +145,11 @@ TEST(FiscalConfig, VatLookup) {
 
 TEST(FiscalConfig, DocumentFlagsByTypeAndMode) {
   FiscalConfig c = Sample(kFiscalPosnet);  // flags 1 and 3 set
-  EXPECT_TRUE(DocumentIsFiscal(c, kFiscalPosnet, kFiscalModeRetail));
-  EXPECT_TRUE(DocumentIsFiscal(c, kFiscalPosnet, kFiscalModePrivate));
-  EXPECT_FALSE(DocumentIsFiscal(c, kFiscalPosnet, kFiscalModeAnyCustomer));
-  EXPECT_FALSE(DocumentIsFiscal(c, kFiscalPosnet, kFiscalModeNone));
-  EXPECT_FALSE(DocumentIsFiscal(c, kFiscalElzab, kFiscalModeRetail));  // another type
+  const struct { int type, mode; bool fiscal; } rows[] = {
+      {kFiscalPosnet, kFiscalModeRetail, true},      {kFiscalPosnet, kFiscalModePrivate, true},
+      {kFiscalPosnet, kFiscalModeAnyCustomer, false}, {kFiscalPosnet, kFiscalModeNone, false},
+      {kFiscalElzab, kFiscalModeRetail, false}};  // another type
+  for (const auto& r : rows) EXPECT_EQ(DocumentIsFiscal(c, r.type, r.mode), r.fiscal) << r.type << "/" << r.mode;
   c.documentFlags[3] = 1;
   EXPECT_TRUE(DocumentIsFiscal(c, kFiscalPosnet, kFiscalModeAnyCustomer));
 }

@@ -73,35 +73,33 @@ class PosnetOverPty : public ::testing::Test {
   std::unique_ptr<SimProcess> sim_;
 };
 
-TEST_F(PosnetOverPty, FullReceiptLandsInJournalWithNumberAndPayment) {
-  Start();
-  ASSERT_EQ(Receipt(kTwoLines, "123", "zapłata: przelew "_mz), 0);
-  auto j = sim_->Journal();
-  ExpectAll(j, {"RECEIPT 2", "HEAD SKLEP", "LINE 1|Chleb razowy|2|A|1.05/2.10/",
-                "LINE 2|Maslo extra 200g|1|B|2/2/", "CASHIER KASJER",
-                "FOOT " + "#123-ZAPŁATA: PRZELEW"_mz.Str(),
-                "FOOT ** zachowaj paragon do ew. reklamacji **", "TOTAL 4.10/ PAID 0/"});
-  EXPECT_FALSE(Has(j, "CANCELLED"));
-  EXPECT_EQ(PosnetEnquire(1) & kPosnetInTransaction, 0);
-}
-
-TEST_F(PosnetOverPty, NewFirmwareCashWithoutNumberPrintsHashX) {
-  Start();
-  ASSERT_EQ(Receipt(kTwoLines, "", ""), 0);
-  auto j = sim_->Journal();
-  EXPECT_TRUE(Has(j, "FOOT #x"));
-  EXPECT_TRUE(Has(j, "TOTAL 4.10/ PAID 4.10/"));
-}
-
-TEST_F(PosnetOverPty, OldFirmwarePrintsNumberInHeadAndFootAsGiven) {
-  Start();
-  PosnetConfig().oldFirmware = true;
-  ASSERT_EQ(Receipt(kTwoLines, "123", "przelew"), 0);
-  auto j = sim_->Journal();
-  EXPECT_TRUE(Has(j, "HEAD 123"));
-  EXPECT_TRUE(Has(j, "FOOT ** zachowaj paragon do ew. reklamacji **"));
-  EXPECT_TRUE(Has(j, "FOOT przelew"));
-  EXPECT_TRUE(ReceiptNumberText().Empty());
+// The number and the payment go into the foot (new firmware) or as given (old).
+TEST_F(PosnetOverPty, ReceiptsLandInTheJournalWithNumberAndPayment) {
+  const std::string keep = "FOOT ** zachowaj paragon do ew. reklamacji **";
+  const struct {
+    bool oldFirmware;
+    const char* number;
+    ShortText payment;
+    std::vector<std::string> journal;  // lines among others
+  } rows[] = {
+      {false, "123", "zapłata: przelew "_mz,
+       {"RECEIPT 2", "HEAD SKLEP", "LINE 1|Chleb razowy|2|A|1.05/2.10/", "LINE 2|Maslo extra 200g|1|B|2/2/",
+        "CASHIER KASJER", "FOOT " + "#123-ZAPŁATA: PRZELEW"_mz.Str(), keep, "TOTAL 4.10/ PAID 0/"}},
+      {false, "", "", {"FOOT #x", "TOTAL 4.10/ PAID 4.10/"}},  // cash without a number
+      {true, "123", "przelew", {"HEAD 123", keep, "FOOT przelew"}},
+  };
+  for (const auto& r : rows) {
+    SCOPED_TRACE(r.number + std::string(r.oldFirmware ? " old" : " new"));
+    Start();
+    PosnetConfig().oldFirmware = r.oldFirmware;
+    ASSERT_EQ(Receipt(kTwoLines, r.number, r.payment), 0);
+    const auto j = sim_->Journal();
+    for (const auto& line : r.journal) EXPECT_TRUE(Has(j, line)) << line;
+    EXPECT_FALSE(Has(j, "CANCELLED"));
+    EXPECT_EQ(PosnetEnquire(1) & kPosnetInTransaction, 0);
+    EXPECT_TRUE(!r.oldFirmware || ReceiptNumberText().Empty());
+    TearDown();
+  }
 }
 
 TEST_F(PosnetOverPty, SecondJobReusesTheOpenDescriptorWithoutFlushing) {
@@ -121,13 +119,9 @@ TEST_F(PosnetOverPty, SecondJobReusesTheOpenDescriptorWithoutFlushing) {
 TEST_F(PosnetOverPty, ClockQueryAnswersTheClockThatWasSet) {
   Start();
   ASSERT_EQ(PosnetSetClock(24, 1, 5, 10, 30), 0);
-  PosnetClock clock;
-  ASSERT_EQ(PosnetReadClock(clock), 0);
-  EXPECT_EQ(clock.year, 24);
-  EXPECT_EQ(clock.month, 1);
-  EXPECT_EQ(clock.day, 5);
-  EXPECT_EQ(clock.hour, 10);
-  EXPECT_EQ(clock.minute, 30);
+  PosnetClock c;
+  ASSERT_EQ(PosnetReadClock(c), 0);
+  EXPECT_EQ(std::vector<int>({c.year, c.month, c.day, c.hour, c.minute}), std::vector<int>({24, 1, 5, 10, 30}));
 }
 
 TEST_F(PosnetOverPty, ReportsCashAndDrawerReachThePrinter) {

@@ -1,6 +1,8 @@
 // The simulated printer's own logic, bytes in and out, without a line.
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "fiscal/posnet_wire.h"
 #include "posnet_sim_core.h"
 
@@ -24,27 +26,22 @@ long RecordCode(PosnetPrinterSim& sim) {
 }
 
 TEST(PosnetSimRules, FaultRulesParse) {
-  auto r = ParseSimFaultRule("3:error=21");
-  ASSERT_TRUE(r);
-  EXPECT_EQ(r->command, 3);
-  EXPECT_FALSE(r->onwards);
-  EXPECT_EQ(r->kind, SimFaultKind::kError);
-  EXPECT_EQ(r->arg, 21);
-  auto onwards = ParseSimFaultRule("5+:silent");
-  ASSERT_TRUE(onwards);
-  EXPECT_TRUE(onwards->onwards);
-  EXPECT_EQ(onwards->kind, SimFaultKind::kSilent);
-  EXPECT_EQ(ParseSimFaultRule("2:xoff")->arg, 0);
-  EXPECT_EQ(ParseSimFaultRule("2:xoff=1500")->arg, 1500);
+  const struct { const char* text; int command; bool onwards; SimFaultKind kind; int arg; } rows[] = {
+      {"3:error=21", 3, false, SimFaultKind::kError, 21}, {"5+:silent", 5, true, SimFaultKind::kSilent, 0},
+      {"2:xoff", 2, false, SimFaultKind::kXoff, 0},        {"2:xoff=1500", 2, false, SimFaultKind::kXoff, 1500}};
+  for (const auto& r : rows) {
+    auto rule = ParseSimFaultRule(r.text);
+    ASSERT_TRUE(rule) << r.text;
+    EXPECT_EQ(std::tuple(rule->command, rule->onwards, rule->kind, rule->arg), std::tuple(r.command, r.onwards, r.kind, r.arg))
+        << r.text;
+  }
   for (const char* bad : {"x:error", "0:silent", "3:boom", "3", "3:error=x", ":oneenq"})
     EXPECT_FALSE(ParseSimFaultRule(bad)) << bad;
 }
 
 TEST(PosnetSimRules, AmountsParseAsTheDriverWritesThem) {
-  EXPECT_EQ(ParseSimAmount("12.34"), 1234);
-  EXPECT_EQ(ParseSimAmount("12.05"), 1205);
-  EXPECT_EQ(ParseSimAmount("12"), 1200);
-  EXPECT_EQ(ParseSimAmount("0.5"), 50);
+  for (const auto& [text, grosz] : {std::pair{"12.34", 1234}, {"12.05", 1205}, {"12", 1200}, {"0.5", 50}})
+    EXPECT_EQ(ParseSimAmount(text), grosz) << text;
   for (const char* bad : {"", "1.234", "-1", "a", "1.", ".5"}) EXPECT_FALSE(ParseSimAmount(bad)) << bad;
 }
 
@@ -124,10 +121,6 @@ TEST(PosnetSim, IgnoredCancelKeepsTheTransaction) {
   Command(sim, "1;0$h");
   EXPECT_EQ(Feed(sim, "\x18") + Command(sim, "0$e"), "\x66\x66");
 }
-
-}  // namespace
-
-namespace {
 
 // Random byte strings rich in the protocol's own bytes: neither the printer nor the
 // driver's reply parsers may fail on them, and the printer answers only status bytes

@@ -1,6 +1,8 @@
 // The POSNET wire format without a line.
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "base/codepage.h"
 #include "base/mazovia.h"
 #include "fiscal/posnet_wire.h"
@@ -24,13 +26,13 @@ TEST(PosnetWire, MoneyFieldWritesGroszAsZloty) {
 }
 
 TEST(PosnetWire, LineBlockCountsOnlyNonEmptyTexts) {
-  auto all = LineBlock("a", "b", "c");
-  EXPECT_EQ(all.count, 3);
-  EXPECT_EQ(all.text, "a\rb\rc\r");
-  auto middle = LineBlock("", "b", "");
-  EXPECT_EQ(middle.count, 1);
-  EXPECT_EQ(middle.text, "b\r");
-  EXPECT_EQ(LineBlock("", "", "").count, 0);
+  const struct { const char *a, *b, *c; int count; const char* text; } rows[] = {
+      {"a", "b", "c", 3, "a\rb\rc\r"}, {"", "b", "", 1, "b\r"}, {"", "", "", 0, ""}};
+  for (const auto& r : rows) {
+    const auto block = LineBlock(r.a, r.b, r.c);
+    EXPECT_EQ(block.count, r.count) << r.text;
+    EXPECT_EQ(block.text, r.text);
+  }
 }
 
 TEST(PosnetWire, CommandBodies) {
@@ -58,17 +60,17 @@ TEST(PosnetWire, DisplayFrameAddsFormFeedAndLineEndsUnlessPresent) {
 }
 
 TEST(PosnetWire, NewFirmwareFootJoinsNumberAndPayment) {
-  auto cash = PosnetNewFirmwareFoot("", "zachowaj", "");
-  EXPECT_EQ(cash.c, "#x");
-  EXPECT_TRUE(cash.d.Empty());
-  EXPECT_EQ(cash.e, "zachowaj");
-  auto transfer = PosnetNewFirmwareFoot("123", "zachowaj", "  zapłata: przelew "_mz);
-  EXPECT_EQ(transfer.c, "#123-ZAPŁATA: PRZELEW"_mz);
-  EXPECT_TRUE(transfer.d.Empty());
-  EXPECT_EQ(transfer.e, "zachowaj");
-  auto longText = PosnetNewFirmwareFoot("1234567890", "z", "zapłata: przelew bankowy"_mz);
-  EXPECT_EQ(longText.c.Length(), 30);
-  EXPECT_EQ(longText.c, "#1234567890-ZAPŁATA: PRZELEW B"_mz);
+  const struct { ShortText number, payment, c; } rows[] = {
+      {"", "", "#x"},
+      {"123", "  zapłata: przelew "_mz, "#123-ZAPŁATA: PRZELEW"_mz},
+      {"1234567890", "zapłata: przelew bankowy"_mz, "#1234567890-ZAPŁATA: PRZELEW B"_mz},  // cut at 30
+  };
+  for (const auto& r : rows) {
+    const auto foot = PosnetNewFirmwareFoot(r.number, "zachowaj", r.payment);
+    EXPECT_EQ(foot.c, r.c);
+    EXPECT_TRUE(foot.d.Empty());
+    EXPECT_EQ(foot.e, "zachowaj");
+  }
 }
 
 TEST(PosnetWire, PeriodDayNumberOrdersCenturies) {
@@ -84,13 +86,9 @@ TEST(PosnetWire, StatusRecordGivesTheErrorCode) {
                        "1.00/2.00/3.00/4.00/5.00/6.00/7.00/99.50/SIM1A7";
   auto parsed = ParsePosnetStatusRecord(record);
   ASSERT_TRUE(parsed);
-  EXPECT_EQ(parsed->ErrorCode(), 21);
-  EXPECT_TRUE(parsed->AmountsInGrosz());
-  EXPECT_EQ(parsed->rateCount, 7);
-  EXPECT_EQ(parsed->rates[0], 23.00L);
-  EXPECT_EQ(parsed->receiptCount, 17);
-  EXPECT_EQ(parsed->amounts[6], 7.00L);
-  EXPECT_EQ(parsed->cash, 99.50L);
+  EXPECT_EQ(std::tuple(parsed->ErrorCode(), parsed->AmountsInGrosz(), parsed->rateCount, parsed->receiptCount),
+            std::tuple(21, true, 7, 17));
+  EXPECT_EQ(std::tuple(parsed->rates[0], parsed->amounts[6], parsed->cash), std::tuple(23.00L, 7.00L, 99.50L));
   EXPECT_EQ(parsed->text, "SIM1A7");
   // Only the first nine integers are required; the rest is read as far as it goes.
   auto shortRecord = ParsePosnetStatusRecord("P1#X0;0;0;0;0;0;1;2;3");
@@ -140,11 +138,8 @@ TEST(PosnetWire, ErrorMessagesQuoteTheTableText) {
 }
 
 TEST(PosnetWire, StatusByteNeedsBothMarkBits) {
-  EXPECT_TRUE(IsPosnetStatusByte(0x60));
-  EXPECT_TRUE(IsPosnetStatusByte(0x66));
-  EXPECT_FALSE(IsPosnetStatusByte(0x40));
-  EXPECT_FALSE(IsPosnetStatusByte(0x24));
-  EXPECT_FALSE(IsPosnetStatusByte(-1));
+  for (int b : {0x60, 0x66}) EXPECT_TRUE(IsPosnetStatusByte(b)) << b;
+  for (int b : {0x40, 0x24, -1}) EXPECT_FALSE(IsPosnetStatusByte(b)) << b;
 }
 
 }  // namespace

@@ -9,6 +9,8 @@
 #include <unistd.h>
 
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "fiscal/posnet.h"
 #include "fiscal/serial.h"
@@ -43,9 +45,7 @@ TEST(ReceiveRing, FullRingOverwritesItsOldestBytes) {
 
 TEST(PosnetDevice, PortNumbersNameTheDevices) {
   unsetenv("KLOTE_SERIAL_PREFIX");
-  EXPECT_EQ(PosnetDeviceName(1), "/dev/ttyS0");
-  EXPECT_EQ(PosnetDeviceName(4), "/dev/ttyS3");
-  EXPECT_EQ(PosnetDeviceName(5), "/dev/ttyS4");
+  for (int port : {1, 4, 5}) EXPECT_EQ(PosnetDeviceName(port), ShortText("/dev/ttyS" + std::to_string(port - 1)));
   setenv("KLOTE_SERIAL_PREFIX", "/tmp/lines/tty", 1);
   EXPECT_EQ(PosnetDeviceName(2), "/tmp/lines/tty1");
   unsetenv("KLOTE_SERIAL_PREFIX");
@@ -106,12 +106,8 @@ TEST_F(PosnetLineOnPty, OpenSetsRawLineAndLocks) {
   EXPECT_EQ(t.c_iflag, static_cast<tcflag_t>(IXON | IXOFF));
   EXPECT_EQ(t.c_cflag & (CSIZE | PARENB | CSTOPB | CREAD | CLOCAL), static_cast<tcflag_t>(CS8 | CREAD | CLOCAL));
   EXPECT_EQ(cfgetospeed(&t), static_cast<speed_t>(B9600));
-  EXPECT_EQ(t.c_lflag, 0u);
-  EXPECT_EQ(t.c_oflag, 0u);
-  EXPECT_EQ(t.c_cc[VMIN], 0);
-  EXPECT_EQ(t.c_cc[VTIME], 0);
-  EXPECT_EQ(t.c_cc[VSTART], 17);
-  EXPECT_EQ(t.c_cc[VSTOP], 19);
+  EXPECT_EQ(std::vector<unsigned>({t.c_lflag, t.c_oflag, t.c_cc[VMIN], t.c_cc[VTIME], t.c_cc[VSTART], t.c_cc[VSTOP]}),
+            std::vector<unsigned>({0, 0, 0, 0, 17, 19}));
   int other = open(slave_.c_str(), O_RDWR | O_NOCTTY);
   EXPECT_NE(flock(other, LOCK_EX | LOCK_NB), 0);
   close(other);
@@ -159,8 +155,7 @@ TEST_F(PosnetLineOnPty, CloseAfterFailureRestoresTheSettingsFound) {
   EXPECT_EQ(PosnetLine().fd, -2);
   termios t;
   tcgetattr(keep_, &t);
-  EXPECT_EQ(t.c_cc[VMIN], 7);
-  EXPECT_EQ(t.c_cc[VTIME], 3);
+  EXPECT_EQ(std::pair(int(t.c_cc[VMIN]), int(t.c_cc[VTIME])), std::pair(7, 3));
   int again = open(slave_.c_str(), O_RDWR | O_NOCTTY);
   EXPECT_EQ(flock(again, LOCK_EX | LOCK_NB), 0);  // the lock went with the descriptor
   close(again);

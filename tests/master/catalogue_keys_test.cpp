@@ -21,7 +21,6 @@ namespace {
 namespace fs = std::filesystem;
 using keys::kEnter;
 using keys::kEsc;
-const KeyPair kYes = KeyOfByte('T'), kNo = KeyOfByte('N');
 
 std::string FileBytes(const fs::path& path) {
   std::ifstream in(path, std::ios::binary);
@@ -29,8 +28,6 @@ std::string FileBytes(const fs::path& path) {
   all << in.rdbuf();
   return all.str();
 }
-
-std::vector<KeyPair> Repeat(KeyPair key, int times) { return std::vector<KeyPair>(static_cast<std::size_t>(times), key); }
 
 // The destination "do pliku do wydruku", the name typed over the proposal, Mazovia.
 std::vector<KeyStep> ToFile(const char* name) {
@@ -125,8 +122,7 @@ TEST_F(CatalogueKeys, DocumentKeysWithoutFunctionsDoNothing) {
 // Ctrl+F3 keeps a customer's note in its file, which goes with the row, and
 // a warehouse's printing data.
 TEST_F(CatalogueKeys, CtrlF3KeepsTheNoteAndTheWarehousesPrintingData) {
-  Contractor w = Named(ShortText("Sklep"));
-  ASSERT_EQ(ContractorAdd(ContractorKind::kWarehouse, w, NumberRange{}, true), ContractorOutcome::kDone);
+  const Contractor w = AddNamed(ContractorKind::kWarehouse, ShortText("Sklep"), 0, true);
   const struct {
     ContractorKind kind;
     ShortText path, title;  // the bar's row: Adamski (4), the one warehouse
@@ -146,11 +142,7 @@ TEST_F(CatalogueKeys, CtrlF3KeepsTheNoteAndTheWarehousesPrintingData) {
 
 // F7: a customer linked to a chosen warehouse; in the warehouses, the marks stored.
 TEST_F(CatalogueKeys, F7LinksAWarehouseAndStoresMarks) {
-  for (int32_t n : {10, 20}) {
-    Contractor w = Named(ShortText("Mag ") + ShortText(std::to_string(n)));
-    w.number = n;
-    ASSERT_EQ(ContractorAdd(ContractorKind::kWarehouse, w, NumberRange{}, true), ContractorOutcome::kDone);
-  }
+  for (int32_t n : {10, 20}) AddNamed(ContractorKind::kWarehouse, ShortText("Mag " + std::to_string(n)), n, true);
   Play({{{keys::F(7)}}, {{keys::kDown, kEnter}}, {{kEsc}}});
   ContractorCatalogue(ContractorKind::kCustomer);
   EXPECT_EQ(Scalar("SELECT string_agg(nr_kon || '>' || nr_mag, ',') FROM dane_odb_mag_"), "4>20");
@@ -186,7 +178,6 @@ TEST_F(CatalogueKeys, DictionaryPrint) {
   expected += "A1              | pilne zlecenie" + std::string(36, ' ') + " | T\r\n";
   expected += "B2              | zwykle" + std::string(44, ' ') + " | N\r\n";
   EXPECT_EQ(FileBytes("slow.txt"), expected);
-
 }
 
 // Pages of 4 lines: the heading and two values each; a full page opens no empty one.

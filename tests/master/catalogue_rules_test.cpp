@@ -19,25 +19,21 @@ namespace {
 
 using keys::kEnter;
 using keys::kEsc;
-const KeyPair kYes = KeyOfByte('T'), kNo = KeyOfByte('N');
 const ShortText kKomentarze("dane\\pola_ind\\komentar");
 
 using CatalogueRules = ContractorsTest;
-
 
 // The flag of a customer whom a document names changes only after a yes;
 // one without documents changes without the question.
 TEST_F(CatalogueRules, VatFlagOfAContractorWithTurnoverAsksFirst) {
   ASSERT_EQ(CreateTableFrom(ShortText("dane\\dok_plat"), kDokPlatDef), 0);
-  Contractor w = Named(ShortText("Magazyn"));
-  ASSERT_EQ(ContractorAdd(ContractorKind::kWarehouse, w, NumberRange{}), ContractorOutcome::kDone);
+  const Contractor w = AddNamed(ContractorKind::kWarehouse, ShortText("Magazyn"));
   for (const char* name : {"Kupiec", "Nowy"}) {
     Contractor c = Named(ShortText(name));
     c[KontrahentCol::czy_podmiot_gosp] = ShortText("T");
     ASSERT_EQ(ContractorAdd(ContractorKind::kCustomer, c, NumberRange{}), ContractorOutcome::kDone);
   }
-  ASSERT_TRUE(Psql("INSERT INTO " + PGSqlName(WarehouseTablePath(w.number, "naglowki")).Str() +
-                   " (typ_dok, nr_dok, znak_dok, nr_kontrahenta) VALUES (2, 1, 'A', 1)"));
+  AddHeaders(w.number, "(2, 1, 'A', 1)");
   const ShortText question = "Jeżeli z tym kontrahentem był wykonany jakikolwiek obrót, nie należy zmieniać"_mz;
   const struct {
     int32_t number;

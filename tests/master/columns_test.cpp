@@ -1,52 +1,14 @@
-// The named column numbers against the column lists, and the warehouse folder rule.
+// The column numbers other modules write into their code, and the warehouse folder rule.
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "master/tables.h"
 
 namespace {
 
-struct NamedColumn {
-  int number;
-  std::string name;
-};
-
-// Every enumerator of a column struct names the column at its number.
-void ExpectAgree(const std::vector<NamedColumn>& numbers, int count, const TableDef& def, const char* table) {
-  ASSERT_EQ(static_cast<int>(def.columns.size()), count) << table;
-  ASSERT_EQ(numbers.size(), def.columns.size()) << table;
-  for (const NamedColumn& c : numbers) {
-    EXPECT_EQ(def.columns[static_cast<std::size_t>(c.number - 1)].name, std::string(ColumnSqlName(c.name.c_str()))) << table << " column " << c.number;
-  }
-}
-
-#define ENUMERATOR(name, type) NamedColumn{Struct::name, #name},
-#define EXPECT_AGREE(S, LIST, def)                         \
-  {                                                        \
-    using Struct = S;                                      \
-    ExpectAgree({LIST(ENUMERATOR)}, Struct::kCount, def, #S); \
-  }
-
-TEST(ColumnNumbers, AgreeWithTheColumnLists) {
-  EXPECT_AGREE(NaglowkiCol, KLOTE_COLUMNS_NAGLOWKI, kNaglowkiDef);
-  EXPECT_AGREE(SpecyfikCol, KLOTE_COLUMNS_SPECYFIK, kSpecyfikDef);
-  EXPECT_AGREE(StanyMgCol, KLOTE_COLUMNS_STANY_MG, kStanyMgDef);
-  EXPECT_AGREE(KasaCol, KLOTE_COLUMNS_KASA, kKasaDef);
-  EXPECT_AGREE(KsiegaCol, KLOTE_COLUMNS_KSIEGA, kKsiegaDef);
-  EXPECT_AGREE(KsiegasaCol, KLOTE_COLUMNS_KSIEGASA, kKsiegasaDef);
-  EXPECT_AGREE(NaglowkiFirmyCol, KLOTE_COLUMNS_NAGLOWKI_FIRMY, kNaglowkiFirmyDef);
-  EXPECT_AGREE(KatTowCol, KLOTE_COLUMNS_KAT_TOW, kKatTowDef);
-  EXPECT_AGREE(KontrahentCol, KLOTE_COLUMNS_KONTRAHENT, kKontrahentDef);
-  EXPECT_AGREE(KontMagCol, KLOTE_COLUMNS_KONT_MAG, kKontMagDef);
-  EXPECT_AGREE(DokPlatCol, KLOTE_COLUMNS_DOK_PLAT, kDokPlatDef);
-  EXPECT_AGREE(DokPlazCol, KLOTE_COLUMNS_DOK_PLAZ, kDokPlazDef);
-  EXPECT_AGREE(DodNrDokCol, KLOTE_COLUMNS_DODNRDOK, kDodNrDokDef);
-  EXPECT_AGREE(SlownikCol, KLOTE_COLUMNS_SLOWNIK, kSlownikDef);
-}
-
-// The numbers that other modules write into their code.
 TEST(ColumnNumbers, FixedPositions) {
   const std::vector<std::pair<int, int>> cases = {
       {NaglowkiCol::kCount, 26},       {NaglowkiCol::nr_kontrahenta, 11}, {NaglowkiCol::komentarz, 20},

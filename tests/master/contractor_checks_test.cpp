@@ -38,7 +38,7 @@ TEST_F(ContractorCheckScreens, RepeatCheckAsksForEachAlikeFieldAndNoStopsTheAdd)
   Contractor stored = Named(ShortText("Kowalski"), ShortText("Radom"));
   stored[KontrahentCol::nip] = ShortText("526-025-02-74");
   ASSERT_EQ(ContractorAdd(ContractorKind::kCustomer, stored, NumberRange{}), ContractorOutcome::kDone);
-  const KeyPair f10 = keys::F(10), yes = KeyOfByte('T'), no = KeyOfByte('N');
+  const KeyPair f10 = keys::F(10);
   struct Case {
     const char* what;
     int percent;
@@ -50,9 +50,9 @@ TEST_F(ContractorCheckScreens, RepeatCheckAsksForEachAlikeFieldAndNoStopsTheAdd)
   const Case cases[] = {
       {"off: added without a question", 0, {{ins}, {Typed(ShortText("Kowalsky"), {f10})}, {{keys::kEsc}}},
        "1:Kowalski:Radom\n2:Kowalsky:", ShortText()},
-      {"alike name, no", 60, {{ins}, {Typed(ShortText("Kowalsky"), {f10})}, {{no}}, {{keys::kEsc}}}, "1:Kowalski:Radom",
+      {"alike name, no", 60, {{ins}, {Typed(ShortText("Kowalsky"), {f10})}, {{kNo}}, {{keys::kEsc}}}, "1:Kowalski:Radom",
        "Kontrola powtórzenia nazwy@Jest już na liście odbiorca@podobnym do `Kowalski@Czy pomimo to chcesz kontynuować dopisywanie ?"_mz},
-      {"alike name, yes", 60, {{ins}, {Typed(ShortText("Kowalsky"), {f10})}, {{yes}}, {{keys::kEsc}}},
+      {"alike name, yes", 60, {{ins}, {Typed(ShortText("Kowalsky"), {f10})}, {{kYes}}, {{keys::kEsc}}},
        "1:Kowalski:Radom\n2:Kowalsky:", ShortText()},
       {"not alike enough", 90, {{ins}, {Typed(ShortText("Kowalsky"), {f10})}, {{keys::kEsc}}},
        "1:Kowalski:Radom\n2:Kowalsky:", ShortText()},
@@ -84,18 +84,14 @@ TEST_F(ContractorCheckScreens, AWarehouseHeldByAnotherContractorIsLinkedOnlyAfte
   ASSERT_TRUE(LinkWarehouseAsked(ContractorKind::kCustomer, 1, 5));
   ASSERT_TRUE(LinkWarehouseAsked(ContractorKind::kCustomer, 1, 5));  // the same link again stays one
   EXPECT_EQ(links(), "1-5");
-  Play({{{KeyOfByte('N')}}});
+  Play({{{kNo}}});
   EXPECT_FALSE(LinkWarehouseAsked(ContractorKind::kCustomer, 2, 5));
   EXPECT_TRUE(Shown("Inny kontrahent (nr 1) ma przyporządkowany@ten sam magazyn (nr 5)@Czy tak ma być ?"_mz));
   EXPECT_EQ(links(), "1-5");
-  Play({{{KeyOfByte('T')}}});
+  Play({{{kYes}}});
   EXPECT_TRUE(LinkWarehouseAsked(ContractorKind::kCustomer, 2, 5));
   EXPECT_EQ(links(), "1-5,2-5");
 }
-
-}  // namespace
-
-namespace {
 
 // 321 warehouses: the 321st mark is refused with the system's message, Esc keeps the marks as they came.
 TEST_F(ContractorCheckScreens, TheThreeHundredTwentyFirstWarehouseCannotBeMarked) {
@@ -119,13 +115,8 @@ TEST_F(ContractorCheckScreens, TheThreeHundredTwentyFirstWarehouseCannotBeMarked
   EXPECT_EQ(marks, start);
 }
 
-}  // namespace
-
-namespace {
-
 // Customers named by a goods document or a cash document stay; the others go.
 TEST_F(ContractorCheckScreens, CustomersWithoutTurnoverGoAfterTheQuestions) {
-  const KeyPair yes = KeyOfByte('T'), no = KeyOfByte('N');
   struct Case {
     const char* what;
     bool manager;
@@ -136,59 +127,47 @@ TEST_F(ContractorCheckScreens, CustomersWithoutTurnoverGoAfterTheQuestions) {
   const Case cases[] = {
       {"not the manager", false, {{{keys::kEnter}}}, "1:A:\n2:B:\n3:C:\n4:D:",
        "Funkcja kasowania odbiorców, z którymi nie ma obrotów@jest zarezerwowana dla `Kierownika Systemu\""_mz},
-      {"users not told", true, {{{no}}, {{keys::kEnter}}}, "1:A:\n2:B:\n3:C:\n4:D:",
+      {"users not told", true, {{{kNo}}, {{keys::kEnter}}}, "1:A:\n2:B:\n3:C:\n4:D:",
        "W takim razie nie możesz użyć funkcji kasowania odbiorców,@z którymi nie ma obrotów."_mz},
-      {"deleted and listed", true, {{{yes}}, {{yes}}, {{yes}}, {{keys::kEnter}}}, "2:B:\n3:C:",
+      {"deleted and listed", true, {{{kYes}}, {{kYes}}, {{kYes}}, {{keys::kEnter}}}, "2:B:\n3:C:",
        "         1 A"_mz},
   };
-  Contractor w = Named(ShortText("Magazyn"));
-  ASSERT_EQ(ContractorAdd(ContractorKind::kWarehouse, w, NumberRange{}), ContractorOutcome::kDone);
-  ASSERT_TRUE(Psql("INSERT INTO " + PGSqlName(WarehouseTablePath(w.number, "naglowki")).Str() +
-                   " (typ_dok, nr_dok, znak_dok, nr_kontrahenta) VALUES (2, 1, 'X', 2)"));
+  const Contractor w = AddNamed(ContractorKind::kWarehouse, ShortText("Magazyn"));
+  AddHeaders(w.number, "(2, 1, 'X', 2)");
   ASSERT_TRUE(Psql("INSERT INTO " + PGSqlName(WarehouseTablePath(w.number, "kasa____")).Str() +
                    " (typ_dok, nr_dok, znak_dok, nr_kontrahenta, typ_kontrahenta) VALUES (50, 1, 'K', 3, 'O'), (50, 2, 'K', 4, 'd')"));
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
     ASSERT_TRUE(Psql("DELETE FROM dane_odbiorcy"));
-    for (const char* name : {"A", "B", "C", "D"}) {
-      Contractor k = Named(ShortText(name));
-      ASSERT_EQ(ContractorAdd(ContractorKind::kCustomer, k, NumberRange{}), ContractorOutcome::kDone);
-    }
+    for (const char* name : {"A", "B", "C", "D"}) AddNamed(ContractorKind::kCustomer, ShortText(name));
     ASSERT_TRUE(Psql("UPDATE dane_odbiorcy SET numer = ascii(nazwa) - 64"));
     if (!c.manager) ClearCurrentUser();
     Play(c.steps);
     (void)DeleteCustomersWithoutTurnover();
     EXPECT_EQ(Rows(ContractorKind::kCustomer), c.rows);
     EXPECT_TRUE(Shown(c.shown));
-    UserRecord manager;
-    bool found = false;
-    ASSERT_EQ(UserFind(kSystemManager, manager, found), 0);
-    SetCurrentUser(manager);
+    LogInManager();
   }
 }
-
-}  // namespace
-
-namespace {
 
 // Customers and suppliers kept alike: a new customer is offered to the
 // suppliers, a changed one writes over a supplier of another name after a yes.
 TEST_F(ContractorCheckScreens, CustomersAndSuppliersKeptAlike) {
-  const KeyPair yes = KeyOfByte('T'), no = KeyOfByte('N'), f10 = keys::F(10);
+  const KeyPair f10 = keys::F(10);
   ConfigSettings().SetNumber(160, 1);
-  Play({{{keys::kIns}}, {Typed(ShortText("Alfa"), {f10})}, {{yes}}, {{keys::kIns}}, {Typed(ShortText("Beta"), {f10})},
-        {{no}}, {{keys::kEsc}}});
+  Play({{{keys::kIns}}, {Typed(ShortText("Alfa"), {f10})}, {{kYes}}, {{keys::kIns}}, {Typed(ShortText("Beta"), {f10})},
+        {{kNo}}, {{keys::kEsc}}});
   ContractorCatalogue(ContractorKind::kCustomer);
   EXPECT_TRUE(Shown("W katalogu `dostawców\" nie ma kontrahenta o takim numerze.@Czy dopisać go tam ?@(Radzę tak)."_mz));
   EXPECT_EQ(Rows(ContractorKind::kSupplier), "1:Alfa:");
   ASSERT_TRUE(Psql("UPDATE dane_dostawcy SET nazwa = 'Gamma'"));
   // The list in name order: Alfa under the bar; its town is changed.
-  for (const KeyPair answer : {no, yes}) {
+  for (const KeyPair answer : {kNo, kYes}) {
     Play({{{kEnter}}, {Typed(ShortText(""), {keys::kDown, keys::kDown, keys::kDown})}, {Typed(ShortText("Radom"), {f10})},
           {{answer}}, {{keys::kEsc}}});
     ContractorCatalogue(ContractorKind::kCustomer);
     EXPECT_TRUE(Shown("W katalogu `dostawców\" jest kontrahent o takim numerze i nazwie:@Gamma@Czy zmienić mu dane na takie, jakie mu teraz wpisałe(aś) ?"_mz));
-    EXPECT_EQ(Rows(ContractorKind::kSupplier), answer == yes ? "1:Alfa:Radom" : "1:Gamma:");
+    EXPECT_EQ(Rows(ContractorKind::kSupplier), answer == kYes ? "1:Alfa:Radom" : "1:Gamma:");
     ASSERT_TRUE(Psql("UPDATE dane_odbiorcy SET miasto = ''"));
   }
   ConfigSettings().SetNumber(160, 0);

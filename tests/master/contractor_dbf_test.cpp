@@ -28,18 +28,17 @@ TEST_F(ContractorDbf, ExportAndImportByEachWayOfNumbering) {
   struct Case {
     DbfImportMode mode;
     int64_t added;
-    std::string rows;
+    std::string rows, discounts;
   } cases[] = {
-      {DbfImportMode::kOnlyNewNumbers, 2, "1:Alfa:Radom\n2:Inny:\n5:Gamma:Radom"},
-      {DbfImportMode::kNewNumberWhenTaken, 3, "1:Alfa:Radom\n2:Inny:\n3:Łąka Żółć:Radom\n5:Gamma:Radom"},
-      {DbfImportMode::kAllAsNew, 3, "2:Inny:\n3:Alfa:Radom\n4:Łąka Żółć:Radom\n5:Gamma:Radom"},
+      {DbfImportMode::kOnlyNewNumbers, 2, "1:Alfa:Radom\n2:Inny:\n5:Gamma:Radom", "1:12.5,5:12.5"},
+      {DbfImportMode::kNewNumberWhenTaken, 3, "1:Alfa:Radom\n2:Inny:\n3:Łąka Żółć:Radom\n5:Gamma:Radom",
+       "1:12.5,3:12.5,5:12.5"},
+      {DbfImportMode::kAllAsNew, 3, "2:Inny:\n3:Alfa:Radom\n4:Łąka Żółć:Radom\n5:Gamma:Radom", "3:12.5,4:12.5,5:12.5"},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(static_cast<int>(c.mode));
     ASSERT_TRUE(Psql("DELETE FROM dane_dostawcy"));
-    Contractor other = Named(ShortText("Inny"));
-    other.number = 2;
-    ASSERT_EQ(ContractorAdd(ContractorKind::kSupplier, other, NumberRange{}), ContractorOutcome::kDone);
+    AddNamed(ContractorKind::kSupplier, ShortText("Inny"), 2);
     int64_t added = 0;
     ASSERT_EQ(ContractorDbfImport(ContractorKind::kSupplier, ShortText("dane\\odb.dbf"), DbfCodePage::kLatin2, c.mode,
                                   added),
@@ -47,9 +46,7 @@ TEST_F(ContractorDbf, ExportAndImportByEachWayOfNumbering) {
     EXPECT_EQ(added, c.added);
     EXPECT_EQ(Rows(ContractorKind::kSupplier), c.rows);  // psql gives UTF-8, as this source is written
     EXPECT_EQ(Scalar("SELECT string_agg(numer || ':' || rabat::numeric::float8, ',' ORDER BY numer) FROM dane_dostawcy WHERE numer <> 2"),
-              c.mode == DbfImportMode::kAllAsNew ? "3:12.5,4:12.5,5:12.5" : c.mode == DbfImportMode::kOnlyNewNumbers
-                                                                              ? "1:12.5,5:12.5"
-                                                                              : "1:12.5,3:12.5,5:12.5");
+              c.discounts);
   }
   // A file that is no dBASE file: a code, nothing added.
   std::FILE* bad = std::fopen("dane/zly.dbf", "wb");

@@ -53,8 +53,6 @@ class ContractorList : public ContractorsTest {
   std::vector<Row> rows_;
 };
 
-std::vector<KeyPair> Repeat(KeyPair key, int times) { return std::vector<KeyPair>(static_cast<std::size_t>(times), key); }
-
 TEST_F(ContractorList, KeysMoveTheBarThroughEachOrder) {
   const std::vector<int32_t> name = ByName();
   const std::vector<int32_t> town = Ordered([](const Row& r) { return r.town + Two(r.number); });
@@ -89,7 +87,7 @@ TEST_F(ContractorList, KeysMoveTheBarThroughEachOrder) {
 }
 
 TEST_F(ContractorList, SearchesFindTheRowInTheOrderFromTheBar) {
-  const KeyPair ctrlN{14, 49}, ctrlT{20, 20}, ctrlK{11, 37}, no = KeyOfByte('N'), yes = KeyOfByte('T');
+  const KeyPair ctrlN{14, 49}, ctrlT{20, 20}, ctrlK{11, 37};
   const int32_t firstName = ByName()[0];
   struct Case {
     const char* what;
@@ -98,12 +96,12 @@ TEST_F(ContractorList, SearchesFindTheRowInTheOrderFromTheBar) {
     ShortText message;
   };
   const Case cases[] = {
-      {"NIP without its dashes", {{{ctrlN}}, {Typed(ShortText("0207"), {kEnter})}, {{no}}, {{kEnter}}}, 107,
+      {"NIP without its dashes", {{{ctrlN}}, {Typed(ShortText("0207"), {kEnter})}, {{kNo}}, {{kEnter}}}, 107,
        "Wprowadź szukany NIP, lub jego fragment:"_mz},
-      {"telephones", {{{ctrlT}}, {Typed(ShortText("6033"), {kEnter})}, {{no}}, {{kEnter}}}, 133,
+      {"telephones", {{{ctrlT}}, {Typed(ShortText("6033"), {kEnter})}, {{kNo}}, {{kEnter}}}, 133,
        "Jest ! Czy szukać dalej ?"_mz},
-      {"registration, then on to nothing", {{{ctrlK}}, {Typed(ShortText("REJ/4"), {kEnter})}, {{yes}}, {{yes}}, {{yes}},
-                                            {{yes}}, {{yes}}, {{yes}}, {{kEnter}}},
+      {"registration, then on to nothing", {{{ctrlK}}, {Typed(ShortText("REJ/4"), {kEnter})}, {{kYes}}, {{kYes}}, {{kYes}},
+                                            {{kYes}}, {{kYes}}, {{kYes}}, {{kEnter}}},
        0, "Nie znalazłem !"_mz},
       {"a number", {{{KeyOfByte('1')}}, {Typed(ShortText("23"), {kEnter})}, {{kEnter}}}, 123, ShortText()},
       {"no such number", {{{KeyOfByte('9')}}, {{kEnter}}, {{kEnter}}, {{kEnter}}}, firstName,
@@ -158,10 +156,6 @@ TEST_F(ContractorList, ReadsByKeyInBothDirectionsAndNullsReadNeutral) {
             0);
   EXPECT_EQ(page.at(0).number, 7);
 }
-
-}  // namespace
-
-namespace {
 
 // F3 changes the FK symbol of the row under the bar and nothing else.
 TEST_F(ContractorList, F3EditsTheFkSymbolOfTheBarsRow) {

@@ -34,7 +34,7 @@ void AddCustomers(std::initializer_list<ShortText> names) {
 
 TEST_F(ContractorScreens, SearchByAFragmentOfTheNameGoesOnAndEnds) {
   AddCustomers({ShortText("Kowalski"), "Zakład Żółć"_mz, ShortText("Nowak"), "Bednarek Żółty"_mz});
-  Play({{{kCtrlR}}, {Typed("żół"_mz, {kEnter})}, {{KeyOfByte('T')}}, {{KeyOfByte('T')}}, {{kEnter}}, {{kEsc}}});
+  Play({{{kCtrlR}}, {Typed("żół"_mz, {kEnter})}, {{kYes}}, {{kYes}}, {{kEnter}}, {{kEsc}}});
   ContractorCatalogue(ContractorKind::kCustomer);
   EXPECT_TRUE(Shown("Wybierz żądanego odbiorcy:"_mz));
   EXPECT_TRUE(Shown(" Bednarek Żółty"_mz));
@@ -42,10 +42,6 @@ TEST_F(ContractorScreens, SearchByAFragmentOfTheNameGoesOnAndEnds) {
   EXPECT_TRUE(Shown("Jest ! Czy szukać dalej ?"_mz));
   EXPECT_TRUE(Shown("Nie znalazłem !"_mz));
 }
-
-}  // namespace
-
-namespace {
 
 const KeyPair kBackspace = keys::kBackspace;
 
@@ -88,10 +84,7 @@ TEST_F(ContractorScreens, BadInputGetsTheSystemsMessageAndLosesNothing) {
     ContractorCatalogue(ContractorKind::kCustomer);
     EXPECT_TRUE(Shown(c.message));
     EXPECT_EQ(Rows(ContractorKind::kCustomer), c.rows);
-    UserRecord manager;
-    bool found = false;
-    ASSERT_EQ(UserFind(kSystemManager, manager, found), 0);
-    SetCurrentUser(manager);
+    LogInManager();
   }
 }
 
@@ -99,16 +92,13 @@ TEST_F(ContractorScreens, BadInputGetsTheSystemsMessageAndLosesNothing) {
 // no keeps the row.
 TEST_F(ContractorScreens, DeleteOfACustomerInUseWarnsAndNoKeepsIt) {
   AddCustomers({ShortText("Kowalski")});
-  Contractor w;
-  w[KontrahentCol::nazwa] = ShortText("Magazyn");
-  ASSERT_EQ(ContractorAdd(ContractorKind::kWarehouse, w, NumberRange{}), ContractorOutcome::kDone);
-  ASSERT_TRUE(Psql("INSERT INTO " + PGSqlName(WarehouseTablePath(w.number, "naglowki")).Str() +
-                   " (typ_dok, nr_dok, znak_dok, nr_kontrahenta) VALUES (2, 1, 'X', 1)"));
-  Play({{{keys::kDel}}, {{KeyOfByte('N')}}, {{kEsc}}});
+  const Contractor w = AddNamed(ContractorKind::kWarehouse, ShortText("Magazyn"));
+  AddHeaders(w.number, "(2, 1, 'X', 1)");
+  Play({{{keys::kDel}}, {{kNo}}, {{kEsc}}});
   ContractorCatalogue(ContractorKind::kCustomer);
   EXPECT_TRUE(Shown("Jeżeli ten odbiorca ma na koncie obroty, to go nie kasuj.@Na pewno kasować ?"_mz));
   EXPECT_EQ(Rows(ContractorKind::kCustomer), "1:Kowalski:");
-  Play({{{keys::kDel}}, {{KeyOfByte('T')}}, {{kEsc}}});
+  Play({{{keys::kDel}}, {{kYes}}, {{kEsc}}});
   ContractorCatalogue(ContractorKind::kCustomer);
   EXPECT_EQ(Rows(ContractorKind::kCustomer), "");
 }
@@ -152,7 +142,7 @@ TEST_F(ContractorScreens, TwoProcessesEditingOneContractorLoseNothing) {
 TEST_F(ContractorScreens, VatDictionaryListOffersTheExemptGroupAndGuardsIt) {
   const ShortText vat(kVatDictionary);
   ASSERT_EQ(DictionaryEnsure(vat), 0);
-  Play({{{KeyOfByte('T')}}, {{keys::kDel}}, {{kEnter}}, {{keys::kIns}}, {Typed(ShortText("23"), {kEnter})},
+  Play({{{kYes}}, {{keys::kDel}}, {{kEnter}}, {{keys::kIns}}, {Typed(ShortText("23"), {kEnter})},
         {Typed(ShortText("stawka"), {kEnter})}, {{kEsc}}});
   ShortText value;
   EXPECT_FALSE(DictionaryList(ShortText("vat"), vat, false, value));

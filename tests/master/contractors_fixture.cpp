@@ -2,6 +2,7 @@
 
 #include <sys/stat.h>
 
+#include "master/tables.h"
 #include "tui/keyboard.h"
 #include "users/users.h"
 
@@ -40,10 +41,19 @@ void ContractorsTest::SetUp() {
   ASSERT_EQ(mkdir("dane", 0777) == 0 || errno == EEXIST, true);
   ASSERT_EQ(UsersTableEnsure(), 0);
   ASSERT_EQ(ContractorTablesEnsure(), 0) << PGLastOp.Str();
+  LogInManager();
+}
+
+void ContractorsTest::LogInManager() {
   UserRecord manager;
   bool found = false;
   ASSERT_EQ(UserFind(kSystemManager, manager, found), 0);
   SetCurrentUser(manager);
+}
+
+void ContractorsTest::AddHeaders(int32_t warehouse, const std::string& values) {
+  ASSERT_TRUE(Psql("INSERT INTO " + PGSqlName(WarehouseTablePath(warehouse, "naglowki")).Str() +
+                   " (typ_dok, nr_dok, znak_dok, nr_kontrahenta) VALUES " + values));
 }
 
 void ContractorsTest::TearDown() {
@@ -77,6 +87,13 @@ Contractor ContractorsTest::Named(const ShortText& name, const ShortText& town) 
   Contractor c;
   c[KontrahentCol::nazwa] = name;
   c[KontrahentCol::miasto] = town;
+  return c;
+}
+
+Contractor ContractorsTest::AddNamed(ContractorKind kind, const ShortText& name, int32_t number, bool special) {
+  Contractor c = Named(name);
+  c.number = number;
+  EXPECT_EQ(ContractorAdd(kind, c, NumberRange{}, special), ContractorOutcome::kDone) << name.Str();
   return c;
 }
 

@@ -31,6 +31,14 @@ class ContractorsTest : public CatalogueTest {
   static bool Shown(const ShortText& text);
   // A contractor with a name and a town.
   static Contractor Named(const ShortText& name, const ShortText& town = ShortText());
+  // A contractor of that name added (number 0: the next free one); as stored.
+  static Contractor AddNamed(ContractorKind kind, const ShortText& name, int32_t number = 0, bool special = false);
   // Rows of a catalogue as "number:name:town" in number order (Mazovia texts as LATIN2 by psql).
   static std::string Rows(ContractorKind kind);
+  // User 0, the system's manager, logged in (again).
+  static void LogInManager();
+  // Headers "(typ_dok, nr_dok, znak_dok, nr_kontrahenta)" written into a warehouse's naglowki by psql.
+  static void AddHeaders(int32_t warehouse, const std::string& values);
+  static std::vector<KeyPair> Repeat(KeyPair key, int times) { return std::vector<KeyPair>(static_cast<std::size_t>(times), key); }
+  static inline const KeyPair kYes = KeyOfByte('T'), kNo = KeyOfByte('N');
 };

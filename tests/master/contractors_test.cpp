@@ -88,11 +88,9 @@ TEST_F(ContractorTables, StoreKeepsOtherFieldsChangedMeanwhileAndReportsAGoneRow
 TEST_F(ContractorTables, UseByDocumentsFollowsTheKindsContractorLetter) {
   ASSERT_EQ(CreateTableFrom(ShortText("dane\\dok_plat"), kDokPlatDef), 0);
   ASSERT_TRUE(Psql("INSERT INTO dane_dok_plat (typ_dok, nazwa, typ_kontrahenta) VALUES (2, 'FA', 'O'), (6, 'PZ', 'd')"));
-  Contractor w = Named(ShortText("Magazyn A"));
-  ASSERT_EQ(ContractorAdd(ContractorKind::kWarehouse, w, NumberRange{}), ContractorOutcome::kDone);
+  const Contractor w = AddNamed(ContractorKind::kWarehouse, ShortText("Magazyn A"));
   EXPECT_FALSE(WarehouseIsSpecial(w));
-  Contractor s = Named(ShortText("Obcy"));
-  ASSERT_EQ(ContractorAdd(ContractorKind::kWarehouse, s, NumberRange{}, true), ContractorOutcome::kDone);
+  const Contractor s = AddNamed(ContractorKind::kWarehouse, ShortText("Obcy"), 0, true);
   EXPECT_TRUE(WarehouseIsSpecial(s));
   const std::string headers = PGSqlName(WarehouseTablePath(w.number, "naglowki")).Str();
   struct Case {
@@ -120,10 +118,8 @@ TEST_F(ContractorTables, UseByDocumentsFollowsTheKindsContractorLetter) {
     ASSERT_EQ(ContractorInUse(ContractorKind::kWarehouse, s.number, inUse), 0);
     EXPECT_EQ(inUse, c.warehouse2);
   }
-  Contractor five = Named(ShortText("Piaty"));
-  five.number = 5;
-  ASSERT_EQ(ContractorAdd(ContractorKind::kCustomer, five, NumberRange{}), ContractorOutcome::kDone);
-  ASSERT_TRUE(Psql("INSERT INTO " + headers + " (typ_dok, nr_dok, znak_dok, nr_kontrahenta) VALUES (2, 2, 'X', 5)"));
+  AddNamed(ContractorKind::kCustomer, ShortText("Piaty"), 5);
+  AddHeaders(w.number, "(2, 2, 'X', 5)");
   EXPECT_EQ(ContractorDelete(ContractorKind::kCustomer, 5), ContractorOutcome::kInUse);
   EXPECT_EQ(Rows(ContractorKind::kCustomer), "5:Piaty:");
   // The warehouse with documents is in use; deleting it anyway drops its tables.

@@ -1,6 +1,8 @@
 // The tables of a warehouse and of the firm as the server and tables_list
 // hold them after creation: column order, types, keys and indexes.
 #include <filesystem>
+#include <map>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -11,15 +13,10 @@ namespace {
 
 // The server's type of a type text, by the layer's rule.
 std::string ServerType(const std::string& typp) {
-  if (typp == "S") return "smallint";
-  if (typp == "I") return "integer";
-  if (typp == "Y") return "bigint";
-  if (typp == "D") return "date";
-  if (typp == "N") return "double precision";
-  if (typp == "X") return "numeric(28,7)";
-  if (typp[0] == 'B') return "text";
-  if (typp == "A1") return "character(1)";
-  return "character varying(" + typp.substr(1) + ")";
+  static const std::map<std::string, std::string> fixed = {{"S", "smallint"}, {"I", "integer"}, {"Y", "bigint"},
+      {"D", "date"}, {"N", "double precision"}, {"X", "numeric(28,7)"}, {"B0", "text"}, {"A1", "character(1)"}};
+  const auto it = fixed.find(typp);
+  return it != fixed.end() ? it->second : "character varying(" + typp.substr(1) + ")";
 }
 
 class MasterTablesTest : public CatalogueTest {
@@ -46,15 +43,9 @@ class MasterTablesTest : public CatalogueTest {
   static void ExpectColumns(const std::string& table, const std::string& expected) {
     EXPECT_EQ(Catalogue(Upper(table)), expected) << table;
     std::string server = "oid bigint";
-    std::size_t start = 0;
-    while (start < expected.size()) {
-      std::size_t end = expected.find(',', start);
-      if (end == std::string::npos) end = expected.size();
-      const std::string column = expected.substr(start, end - start);
-      const std::size_t blank = column.find(' ');
-      server += "," + column.substr(0, blank) + " " + ServerType(column.substr(blank + 1));
-      start = end + 1;
-    }
+    std::istringstream columns(expected);
+    for (std::string name, type; std::getline(columns, name, ' ') && std::getline(columns, type, ',');)
+      server += "," + name + " " + ServerType(type);
     EXPECT_EQ(ServerColumns(table), server) << table;
   }
   static std::string Upper(std::string s) {

@@ -79,10 +79,6 @@ TEST_F(DictionaryTables, ProtectedRowsOfEachDictionary) {
   }
 }
 
-}  // namespace
-
-namespace {
-
 TEST_F(DictionaryTables, KmRateByDateFromTheRowInForce) {
   ASSERT_EQ(KmRateTableEnsure(), 0);
   const auto day = [](int y, int m, int d) { return EncodeDaySerial(y, m, d); };

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "base/mazovia.h"
+#include "items_fixture.h"
 #include "master/items.h"
 #include "master/tables.h"
 #include "sqltable/pglib.h"
@@ -23,15 +24,10 @@ const ShortText kRange = "Przekroczenie zakresu argumentu."_mz;
 const ShortText kClash =
     "Nie można dokonać korekty w głównym katalogu towarów.@Zapewne istnieje pozycja o takich cechach, jakie aktualnie@nadano zmienianej. Zmiany nie zostaną wprowadzone."_mz;
 
-ItemData Item(const char* name, const char* code, Real saleNet) {
-  ItemData item;
-  item.name = ShortText(name);
+// An item without purchase prices under its character index.
+ItemData Coded(const char* name, const char* code, Real saleNet) {
+  ItemData item = Item(ShortText(name), "23", 0, saleNet);
   item.code = ShortText(code);
-  item.vat = "23";
-  item.unit = "szt";
-  item.supplier = 7;
-  item.saleNet = saleNet;
-  item.saleGross = GrossFromNet(saleNet, item.vat);
   return item;
 }
 
@@ -49,8 +45,8 @@ class ItemChangeTest : public CatalogueTest {
     CreateWarehouseTables(false, kWarehouse);
     ASSERT_TRUE(Psql("INSERT INTO dane_magazyny (nazwa,nazwa_inne,numer,czy_podmiot_gosp) VALUES ('M','',1,'Z')"));
     ASSERT_EQ(UsersTableEnsure(), 0);
-    a_ = Add(Item("MLEKO", "590001", 10));
-    b_ = Add(Item("CHLEB", "590002", 4));
+    a_ = AddItemRow(Coded("MLEKO", "590001", 10));
+    b_ = AddItemRow(Coded("CHLEB", "590002", 4));
     // User 0 writes a document and holds a work file: item a at the
     // catalogue's prices and at a price of its own, and item b.
     for (const char* table : {"praca___", "plikrob_"}) {
@@ -61,12 +57,6 @@ class ItemChangeTest : public CatalogueTest {
                          Money(net) + "," + Money(GrossFromNet(net, ShortText("23"))) + ",2 FROM dane_kat_tow_ WHERE nr_wewn=" +
                          std::to_string(number)));
     }
-  }
-  static int32_t Add(ItemData item) {
-    ShortText refusal;
-    EXPECT_EQ(ItemAdd(item, ItemRules{}, kWarehouse, StockRow{}, refusal), 0);
-    EXPECT_TRUE(refusal.Empty()) << refusal.Str();
-    return item.number;
   }
   static std::string Sql(const char* table) { return "dane_uzytkown_0_" + std::string(table); }
   // "name/vat/net/gross" of every row of a user table in the order written.
@@ -169,14 +159,14 @@ TEST_F(ItemChangeTest, BadInputIsRefusedWithTheSystemsMessageAndWritesNothing) {
     };
   };
   const Case cases[] = {
-      {"new item, price too large", add(Item("SER", "", kHuge), 1), kRange},
-      {"new item, quantity too large", add(Item("SER", "", 5), kHuge), kRange},
-      {"new item, quantity not a number", add(Item("SER", "", 5), nan), kRange},
-      {"new item, code that exists", add(Item("SER", "590001", 5), 1),
+      {"new item, price too large", add(Coded("SER", "", kHuge), 1), kRange},
+      {"new item, quantity too large", add(Coded("SER", "", 5), kHuge), kRange},
+      {"new item, quantity not a number", add(Coded("SER", "", 5), nan), kRange},
+      {"new item, code that exists", add(Coded("SER", "590001", 5), 1),
        "Znaleziono identyczną daną - dopisanie nie ma sensu."_mz},
       {"new item, digit index past the range",
        [&](ShortText& refusal) {
-         ItemData item = Item("SER", "", 5);
+         ItemData item = Coded("SER", "", 5);
          item.digitIndex = kDigitIndexMax + 1;
          return add(item, 1)(refusal);
        },

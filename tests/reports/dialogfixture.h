@@ -25,4 +25,13 @@ class DialogTest : public DocumentsTest {
     Type(to);
     Press(keys::kEnter);
   }
+  // The destination "file to print" under the name given, Mazovia.
+  static void ToFile(const std::string& name) {
+    using namespace keyscript;
+    Type("3");
+    Press(keys::kBackspace, 12);
+    Type(name);
+    Press(keys::kEnter);
+    Type("1");
+  }
 };

@@ -4,10 +4,12 @@
 #include <cstdarg>
 #include <fstream>
 #include <sstream>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 
 #include "base/dates.h"
+#include "base/mazovia.h"
 #include "master/tables.h"
 #include "sqltable/pgrecord.h"
 #include "sqltable/pgwrite.h"
@@ -30,8 +32,14 @@ struct OpenRecord {
   int16_t tbl = 0, rec = 0;
 };
 
-
 }  // namespace
+
+int32_t Day(int y, int m, int d) { return EncodeDaySerial(y, m, d); }
+
+void ExpectNear(Real actual, Real expected, const std::string& what) {
+  EXPECT_LT(std::fabs(static_cast<double>(actual - expected)), 1e-4)
+      << what << ": " << static_cast<double>(actual) << " != " << static_cast<double>(expected);
+}
 
 std::string Line(const char* format, ...) {
   char buf[512];
@@ -57,7 +65,6 @@ void DocumentsTest::SetUp() {
   user.number = 4;
   SetCurrentUser(user);
 }
-
 
 void DocumentsTest::AddItem(int32_t item, const ShortText& name, int32_t supplier, Real purchaseGross,
                             const ShortText& group) {
@@ -124,4 +131,26 @@ void DocumentsTest::SaveSmallFirm() {
   const int32_t opening = EncodeDaySerial(2026, 1, 10), sale = EncodeDaySerial(2026, 2, 5);
   SaveDocument(1, {{1, 12, opening, 1, 10, 1.5L, 2, 2.5L, 3}, {1, 12, opening, 2, 4, 3, 4, 4.5L, 5.5L}});
   SaveDocument(2, {{1, 1, sale, 1, 3, 1.5L, 2, 2.5L, 3}, {1, 1, sale, 2, 1.5L, 3, 4, 4.5L, 5.5L}});
+}
+
+void DocumentsTest::SaveQuarter() {
+  const ShortText names[] = {"", "Mleko", "Chleb", "Masło"_mz, "Ser", "Jabłka"_mz};
+  for (int32_t item = 1; item <= 5; ++item) AddItem(item, names[item], item % 2 == 0 ? 100 : 200, kPrices[item], kGroups[item]);
+  int32_t number = 0;
+  for (int16_t kind = 1; kind <= 18; ++kind)
+    for (int32_t w = 1; w <= 2; ++w)
+      for (int month = 1; month <= 3; ++month) {
+        const int32_t date = Day(2026, month, 1 + (kind * 7 + w * 3) % 28);
+        std::vector<SavedLine> lines;
+        for (int32_t item = 1; item <= 6; ++item) {
+          if ((item == 5 && month != 2) || (item + kind + month) % 3 == 0) continue;
+          const Real q = static_cast<Real>((kind * 13 + item * 7 + month * 5 + w) % 17 + 1) / 4;
+          const Real deposit = (kind + month + item) % 4 == 0 ? q / 2 : 0;
+          const Real purchaseGross = item == 3 && month == 3 ? 9.99L : Real(item) * 1.23L;
+          lines.push_back({w, kind, date, item, q, Real(item) + 0.5L, purchaseGross, Real(item) * 2, Real(item) * 2.46L,
+                           deposit});
+        }
+        if (!lines.empty()) SaveDocument(++number, lines);
+      }
+  SaveDocument(++number, {{3, 12, Day(2025, 12, 31), 1, 9, 1, 1, 1, 1}});
 }

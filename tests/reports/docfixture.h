@@ -14,6 +14,16 @@
 std::string Line(const char* format, ...) __attribute__((format(printf, 1, 2)));
 // The bytes of a file; empty when it cannot be read.
 std::string ReadAll(const std::string& path);
+int32_t Day(int y, int m, int d);
+// The two figures differ by less than 1e-4.
+void ExpectNear(Real actual, Real expected, const std::string& what);
+
+// What each kind does to stock, written out here on its own.
+inline const std::set<int16_t> kIssues = {1, 2, 4, 8, 9, 13, 14, 15};
+inline const std::set<int16_t> kReceipts = {3, 5, 6, 7, 10, 11, 12, 18};
+// Catalogue purchase price (gross) and group of item n of the quarter.
+inline const Real kPrices[] = {0, 1.25L, 2.5L, 4, 0.5L, 3};
+inline const char* const kGroups[] = {"", "NABIAL", "PIECZYWO", "NABIAL", "", "OWOCE"};
 
 struct SavedLine {
   int32_t warehouse = 0;
@@ -37,6 +47,12 @@ class DocumentsTest : public CatalogueTest {
   // Two items, two warehouses; in warehouse 1 an opening balance in January
   // (10 of item 1, 4 of item 2) and a retail sale on 5 February (3 and 1.5).
   void SaveSmallFirm();
+  // Items 1-5 (supplier 100 for even numbers, 200 for odd) and, in warehouses
+  // 1 and 2, a document of every kind in each month of the first quarter of
+  // 2026, some lines partly on deposit; item 6 has lines but no catalogue row,
+  // item 5 lines only in February, item 3 another purchase price in March;
+  // warehouse 3 holds one line before all.
+  void SaveQuarter();
 
   std::vector<SavedLine> saved_;
   std::set<int32_t> catalogue_;

@@ -33,14 +33,6 @@ class ItemReportTest : public DialogTest {
     Press(keys::F(10));
     Type("1N");
   }
-  // The destination "file to print" under the name given, Mazovia.
-  static void ToFile(const std::string& name) {
-    Type("3");
-    Press(keys::kBackspace, 12);
-    Type(name);
-    Press(keys::kEnter);
-    Type("1");
-  }
 };
 
 TEST_F(ItemReportTest, TheReportGoesToAFileByteForByte) {

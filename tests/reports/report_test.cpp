@@ -80,11 +80,7 @@ TEST_F(ReportTest, TheReportGoesToAFileByteForByteAndToDbf) {
   EXPECT_EQ(p.kinds, (std::vector<int16_t>{1, 2, 4}));
 
   gScript.clear();
-  Type("3");  // file to print
-  Press(keys::kBackspace, 12);
-  Type("raport.txt");
-  Press(keys::kEnter);
-  Type("1");  // Mazovia
+  ToFile("raport.txt");
   Type("T");  // the DBF copy too
   ASSERT_TRUE(RunTurnoverReport(p));
 

@@ -1,50 +1,22 @@
 // The turnover analysis against figures the test computes from the lines it saved.
 #include <algorithm>
-#include <cmath>
 #include <map>
 
-#include "base/dates.h"
 #include "base/mazovia.h"
 #include "docfixture.h"
 #include "reports/turnover.h"
 
 namespace {
 
-// What each kind does to stock, written out here on its own.
-const std::set<int16_t> kIssues = {1, 2, 4, 8, 9, 13, 14, 15};
-const std::set<int16_t> kReceipts = {3, 5, 6, 7, 10, 11, 12, 18};
-
 struct Expected {
   Real turnover = 0, stock = 0, purchaseGross = 0, saleGross = 0, saleNet = 0;
 };
-
-int32_t Day(int y, int m, int d) { return EncodeDaySerial(y, m, d); }
 
 class TurnoverTest : public DocumentsTest {
  protected:
   void SetUp() override {
     DocumentsTest::SetUp();
-    const ShortText names[] = {"", "Mleko", "Chleb", "Masło"_mz, "Ser", "Jabłka"_mz};
-    for (int32_t item = 1; item <= 5; ++item) AddItem(item, names[item], item % 2 == 0 ? 100 : 200);
-    // Item 6 has lines but no catalogue row. Item 5 has lines only in the period.
-    int32_t number = 0;
-    for (int16_t kind = 1; kind <= 18; ++kind) {
-      for (int32_t w = 1; w <= 2; ++w) {
-        for (int month = 1; month <= 3; ++month) {
-          const int32_t date = Day(2026, month, 1 + (kind * 7 + w * 3) % 28);
-          std::vector<SavedLine> lines;
-          for (int32_t item = 1; item <= 6; ++item) {
-            if (item == 5 && month != 2) continue;
-            if ((item + kind + month) % 3 == 0) continue;
-            const Real q = static_cast<Real>((kind * 13 + item * 7 + month * 5 + w) % 17 + 1) / 4;
-            lines.push_back({w, kind, date, item, q, Real(item) + 0.5L, Real(item) * 1.23L, Real(item) * 2, Real(item) * 2.46L});
-          }
-          if (!lines.empty()) SaveDocument(++number, lines);
-        }
-      }
-    }
-    // Warehouse 3 holds one line before the period only.
-    SaveDocument(++number, {{3, 12, Day(2025, 12, 31), 1, 9, 1, 1, 1, 1}});
+    SaveQuarter();
   }
 
   std::map<int32_t, Expected> Compute(const TurnoverParams& p) const {
@@ -80,11 +52,6 @@ class TurnoverTest : public DocumentsTest {
     return p;
   }
 };
-
-void ExpectNear(Real actual, Real expected, const std::string& what) {
-  EXPECT_LT(std::fabs(static_cast<double>(actual - expected)), 1e-4) << what << ": " << static_cast<double>(actual)
-                                                                     << " != " << static_cast<double>(expected);
-}
 
 TEST_F(TurnoverTest, EveryItemAndTotalMatchesTheSavedLines) {
   struct Case {
@@ -122,6 +89,7 @@ TEST_F(TurnoverTest, EveryItemAndTotalMatchesTheSavedLines) {
       ExpectNear(r.stockBefore, e.stock, what + " stock");
       ExpectNear(r.percent, e.stock == 0 ? 0 : 100 * e.turnover / e.stock, what + " percent");
       ExpectNear(r.purchaseGross, e.purchaseGross, what + " purchase");
+      EXPECT_TRUE(r.item != 5 || r.name == "Jabłka"_mz) << c.name;  // the catalogue's name, Polish letters kept
       ExpectNear(r.saleGross, e.saleGross, what + " sale");
       total.turnover += e.turnover;
       total.saleNet += e.saleNet;
@@ -133,19 +101,6 @@ TEST_F(TurnoverTest, EveryItemAndTotalMatchesTheSavedLines) {
   }
   // No temporary table outlives a run.
   EXPECT_EQ(Scalar("SELECT count(*) FROM pg_class WHERE relname LIKE 'tmp\\_%' AND relpersistence='t'"), "0");
-}
-
-TEST_F(TurnoverTest, AnItemWithoutStockBeforeThePeriodHasPercentZero) {
-  TurnoverParams p = February();
-  std::vector<int32_t> missing;
-  RunTurnoverAnalysis(p, nullptr, missing);
-  const auto rows = ReadTurnoverRows(p);
-  const auto five = std::find_if(rows.begin(), rows.end(), [](const TurnoverRow& r) { return r.item == 5; });
-  ASSERT_NE(five, rows.end());
-  EXPECT_NE(five->turnover, 0);
-  EXPECT_EQ(five->stockBefore, 0);
-  EXPECT_EQ(five->percent, 0);
-  EXPECT_EQ(five->name, "Jabłka"_mz);
 }
 
 TEST_F(TurnoverTest, SortOrdersFollowTheChoice) {

@@ -1,13 +1,12 @@
 // Walks of the real klote in tmux: from Analizy, the turnover analysis and
 // the stock with turnover of the small firm to the screen viewer, moves in
 // it, and back to the menu.
-#include <unistd.h>
+#include <initializer_list>
+#include <optional>
+#include <string>
+#include <utility>
 
-#include <chrono>
-#include <cstdio>
-#include <cstdlib>
-#include <thread>
-
+#include "dbfixture/tmuxwalk.h"
 #include "docfixture.h"
 
 namespace {
@@ -16,65 +15,49 @@ class ViewerWalkTest : public DocumentsTest {
  protected:
   void SetUp() override {
     DocumentsTest::SetUp();
-    if (std::system("command -v tmux >/dev/null 2>&1") != 0) GTEST_SKIP() << "tmux is not installed";
-    socket_ = "kloterep" + std::to_string(::getpid());
+    if (!TmuxWalk::Available()) GTEST_SKIP() << "tmux is not installed";
     SaveSmallFirm();
+    walk_.emplace();
   }
   void TearDown() override {
-    (void)Tmux("kill-server");
+    walk_.reset();  // the program ends before its schema goes
     DocumentsTest::TearDown();
   }
-  int Tmux(const std::string& args) { return std::system(("tmux -L " + socket_ + " " + args + " 2>/dev/null").c_str()); }
-  std::string Pane() {
-    std::string text;
-    if (FILE* p = ::popen(("tmux -L " + socket_ + " capture-pane -p -t k 2>/dev/null").c_str(), "r")) {
-      char buf[4096];
-      for (std::size_t n; (n = std::fread(buf, 1, sizeof buf, p)) > 0;) text.append(buf, n);
-      ::pclose(p);
+  std::string Pane() { return walk_->Pane(); }
+  bool Shows(const std::string& text) { return walk_->Shows(text); }
+  void Keys(const std::string& keys) { walk_->Keys(keys); }
+  // Each step waits for its text, then sends its keys.
+  void Steps(std::initializer_list<std::pair<std::string, std::string>> steps) {
+    for (const auto& [text, keys] : steps) {
+      ASSERT_TRUE(Shows(text)) << Pane();
+      Keys(keys);
     }
-    return text;
   }
-  // Up to ten seconds for the text to show.
-  bool Shows(const std::string& text) {
-    for (int i = 0; i < 1000; ++i, std::this_thread::sleep_for(std::chrono::milliseconds(10)))
-      if (Pane().find(text) != std::string::npos) return true;
-    return false;
+  // The real klote in tmux logged in as the System Manager (an empty password
+  // admits him at once) on any warehouse, for the analyses work over all;
+  // then F5 and the entry's key.
+  void Analysis(const std::string& entry) {
+    ASSERT_TRUE(walk_->StartKlote(Db().home));
+    Steps({{"Wybierz, jako który użytkownik będziesz pracować:", "Enter"},
+           {"Wybierz magazyn, na którego konto wprowadzać będziesz dane:", "Enter"},
+           {"F5 Analizy", "F5 " + entry}});
   }
-  void Keys(const std::string& keys) { (void)Tmux("send-keys -t k " + keys); }
-  // The real klote in tmux, logged in, the menu bar up.
-  void StartAndLogIn() {
-    const char* options = std::getenv("PGOPTIONS");
-    const std::string command = "cd " + Db().home + " && HOME=" + Db().home + " PGOPTIONS='" + (options ? options : "") +
-                                "' TERM=xterm TERM_KLOTE_CP=UTF " KLOTE_BINARY_DIR "/app/main/klote; echo KLOTE-END; sleep 20";
-    ASSERT_EQ(Tmux("-f /dev/null new-session -d -s k -x 80 -y 25 \"" + command + "\" \\; set-option -g status off"), 0);
-    ASSERT_TRUE(Shows("Wybierz, jako który użytkownik będziesz pracować:")) << Pane();
-    Keys("Enter");  // the System Manager, whose empty password admits him at once
-    ASSERT_TRUE(Shows("Wybierz magazyn, na którego konto wprowadzać będziesz dane:")) << Pane();
-    Keys("Enter");  // the analyses work over every warehouse: any will do as the current one
-    ASSERT_TRUE(Shows("F5 Analizy")) << Pane();
-  }
-  // The period of February, typed over today's dates.
-  void February() {
-    Keys("BSpace BSpace BSpace BSpace BSpace BSpace BSpace BSpace BSpace BSpace 01-02-2026 Enter");
-    Keys("BSpace BSpace BSpace BSpace BSpace BSpace BSpace BSpace BSpace BSpace 28-02-2026 Enter");
-  }
-  std::string socket_;
+  std::optional<TmuxWalk> walk_;
 };
 
+// The title, the period of February typed over today's dates, warehouse 1 and the sales.
+std::string TitleFebruarySales(const std::string& title) {
+  const std::string clear = "BSpace BSpace BSpace BSpace BSpace BSpace BSpace BSpace BSpace BSpace ";
+  return title + " Enter " + clear + "01-02-2026 Enter " + clear + "28-02-2026 Enter";
+}
+
 TEST_F(ViewerWalkTest, TurnoverAnalysisOnTheScreen) {
-  ASSERT_NO_FATAL_FAILURE(StartAndLogIn());
-  Keys("F5 1");
-  ASSERT_TRUE(Shows("Podaj tytuł wydruku:")) << Pane();
-  Keys("Test Enter");
-  February();
-  ASSERT_TRUE(Shows("Wybierz magazyny, na których dokonywano operacji:")) << Pane();
-  Keys("Enter F10");
-  ASSERT_TRUE(Shows("Sprzedaż")) << Pane();
-  Keys("F10");
-  ASSERT_TRUE(Shows("Podaj sposób sortowania:")) << Pane();
-  Keys("1 N");
-  ASSERT_TRUE(Shows("Skierować wydruk:")) << Pane();
-  Keys("2");
+  ASSERT_NO_FATAL_FAILURE(Analysis("1"));
+  ASSERT_NO_FATAL_FAILURE(Steps({{"Podaj tytuł wydruku:", TitleFebruarySales("Test")},
+                                 {"Wybierz magazyny, na których dokonywano operacji:", "Enter F10"},
+                                 {"Sprzedaż", "F10"},
+                                 {"Podaj sposób sortowania:", "1 N"},
+                                 {"Skierować wydruk:", "2"}}));
   ASSERT_TRUE(Shows("Dynamika obrotów dla: Test")) << Pane();
   EXPECT_TRUE(Shows("       2 Chleb                                  -1.500         4.000   -37.50")) << Pane();
   EXPECT_TRUE(Shows("-ruch obrazu")) << Pane();
@@ -84,31 +67,21 @@ TEST_F(ViewerWalkTest, TurnoverAnalysisOnTheScreen) {
   EXPECT_EQ(Pane().rfind("brotów dla: Test\n", 0), 0u) << Pane();
   EXPECT_TRUE(Shows("\nhleb      ")) << Pane();
   Keys("Escape");
-  ASSERT_TRUE(Shows("Czy zapisać zestawienie w standardzie DBF-3 ?")) << Pane();
-  Keys("N");
-  ASSERT_TRUE(Shows("Obroty i stany towarów w wybranym okresie, z podsumowaniami.")) << Pane();
-  Keys("Escape");
+  ASSERT_NO_FATAL_FAILURE(Steps({{"Czy zapisać zestawienie w standardzie DBF-3 ?", "N"},
+                                 {"Obroty i stany towarów w wybranym okresie, z podsumowaniami.", "Escape"}}));
   EXPECT_TRUE(Shows("KLOTE-END")) << Pane();
 }
 
 TEST_F(ViewerWalkTest, StockWithTurnoverOnTheScreen) {
-  ASSERT_NO_FATAL_FAILURE(StartAndLogIn());
-  Keys("F5 6");
-  ASSERT_TRUE(Shows("Dane będą blokowane kolejno w każdym analizowanym magazynie.")) << Pane();
-  Keys("Enter");
-  ASSERT_TRUE(Shows("Podaj tytuł wydruku:")) << Pane();
-  Keys("Stany Enter");
-  February();
-  ASSERT_TRUE(Shows("Wybierz magazyny, na których dokonywano operacji:")) << Pane();
-  Keys("Enter F10");
-  ASSERT_TRUE(Shows("Sprzedaż")) << Pane();
-  Keys("F10");
-  ASSERT_TRUE(Shows("Podaj zakres procentu obrotu, który ma być uznany za brak obrotu.")) << Pane();
-  Keys("Enter BSpace 50 Enter");  // up to 50 %: Mleko sold 3 of 7, Chleb 1.5 of 2.5
-  ASSERT_TRUE(Shows("Czy odrzucić z zestawienia stany zerowe ?")) << Pane();
-  Keys("T");
-  ASSERT_TRUE(Shows("Skierować wydruk:")) << Pane();
-  Keys("2");
+  ASSERT_NO_FATAL_FAILURE(Analysis("6"));
+  ASSERT_NO_FATAL_FAILURE(Steps({{"Dane będą blokowane kolejno w każdym analizowanym magazynie.", "Enter"},
+                                 {"Podaj tytuł wydruku:", TitleFebruarySales("Stany")},
+                                 {"Wybierz magazyny, na których dokonywano operacji:", "Enter F10"},
+                                 {"Sprzedaż", "F10"},
+                                 // up to 50 %: Mleko sold 3 of 7, Chleb 1.5 of 2.5
+                                 {"Podaj zakres procentu obrotu, który ma być uznany za brak obrotu.", "Enter BSpace 50 Enter"},
+                                 {"Czy odrzucić z zestawienia stany zerowe ?", "T"},
+                                 {"Skierować wydruk:", "2"}}));
   ASSERT_TRUE(Shows("Analizy stanów towarów z pokazaniem obrotu")) << Pane();
   EXPECT_TRUE(Shows("       1 Mleko                                   7.000         3.000     42.86")) << Pane();
   EXPECT_TRUE(Shows("       2 Chleb                                   2.500         1.500     60.00")) << Pane();
@@ -116,8 +89,7 @@ TEST_F(ViewerWalkTest, StockWithTurnoverOnTheScreen) {
   EXPECT_TRUE(Shows("42.86                0.00 bez obrotu\n")) << Pane();
   EXPECT_TRUE(Shows("60.00                0.00\n")) << Pane();
   Keys("Escape");
-  ASSERT_TRUE(Shows("Zestawienia stanów i towary bez obrotu")) << Pane();
-  Keys("Escape");
+  ASSERT_NO_FATAL_FAILURE(Steps({{"Zestawienia stanów i towary bez obrotu", "Escape"}}));
   EXPECT_TRUE(Shows("KLOTE-END")) << Pane();
 }
 

@@ -11,11 +11,14 @@
 #include <fstream>
 #include <functional>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "base/mazovia.h"
 #include "documents/docsave.h"
 #include "exchange/workfile.h"
+#include "master/items_fixture.h"
+#include "master/keysteps.h"
 #include "master/tables.h"
 #include "sqltable/pglib.h"
 #include "sqltable/pgrecord.h"
@@ -34,17 +37,7 @@ struct Line {
   Real quantity, buyNet, saleGross;
 };
 
-std::vector<std::string> gScreens;
-std::vector<std::function<void()>> gSteps;
-std::size_t gNext = 0;
-
-void NextStep() {
-  std::string screen;
-  for (int row = 1; row <= kScreenRows; ++row) screen += RowText(row).Str() + "\n";
-  gScreens.push_back(screen);
-  if (gNext < gSteps.size()) return gSteps[gNext++]();
-  (void)PushKey(27, 1);
-}
+using namespace keysteps;
 
 class WorkFileTest : public CatalogueTest {
  protected:
@@ -56,10 +49,7 @@ class WorkFileTest : public CatalogueTest {
     me.number = 1;
     me.firstName = "Jan";
     SetCurrentUser(me);
-    gScreens.clear();
-    gSteps.clear();
-    gNext = 0;
-    SetKeyIdleHook(NextStep);
+    Play({});
   }
   void TearDown() override {
     if (child_ > 0) {
@@ -67,24 +57,10 @@ class WorkFileTest : public CatalogueTest {
       ::waitpid(child_, nullptr, 0);
     }
     ClearCurrentUser();
-    SetKeyIdleHook(nullptr);
-    KeyboardReset();
+    Stop();
     CatalogueTest::TearDown();
   }
-  static int32_t AddItem(const ShortText& name, Real saleNet) {
-    ItemData item;
-    item.name = name;
-    item.vat = "23";
-    item.unit = "szt";
-    item.supplier = 7;
-    item.saleNet = saleNet;
-    item.saleGross = GrossFromNet(saleNet, item.vat);
-    StockRow stock;
-    stock.quantity = 5;
-    ShortText refusal;
-    EXPECT_EQ(ItemAdd(item, ItemRules{}, kWarehouse, stock, refusal), 0) << refusal.Str();
-    return item.number;
-  }
+  static int32_t AddItem(const ShortText& name, Real saleNet) { return AddItemRow(Item(name, "23", 0, saleNet), 5); }
   // A saved document's lines, written straight through the table layer.
   static void WriteDocument(int16_t kind, int32_t number, const char* mark, const std::vector<Line>& lines) {
     int16_t tbl = 0, rec = 0;
@@ -107,6 +83,17 @@ class WorkFileTest : public CatalogueTest {
     (void)PGRecBufClose(rec);
     (void)PGTblClose(tbl);
   }
+  // The rows of the saved document FV 1/number, and of the warehouse's catalogue.
+  static std::vector<WorkFileRow> Document(int32_t number) {
+    std::vector<WorkFileRow> rows;
+    EXPECT_EQ(WorkRowsFromDocument(kWarehouse, 1, number, "FV", rows), 0);
+    return rows;
+  }
+  static std::vector<WorkFileRow> Catalogue() {
+    std::vector<WorkFileRow> rows;
+    EXPECT_EQ(WorkRowsFromCatalogue(kWarehouse, rows), 0);
+    return rows;
+  }
   // "name:quantity" of each row of a user's work file.
   static std::string Rows(int32_t user) {
     std::vector<WorkFileRow> rows;
@@ -118,11 +105,6 @@ class WorkFileTest : public CatalogueTest {
       out += r.item.name.Str() + ":" + q + " ";
     }
     return out;
-  }
-  static bool Shown(const ShortText& line) {
-    for (const std::string& s : gScreens)
-      if (s.find(line.Str()) != std::string::npos) return true;
-    return false;
   }
   // Paths relative to the firm's directory (the suite's HOME): a DOS-style
   // path has its directories in lower case.
@@ -161,28 +143,23 @@ class WorkFileTest : public CatalogueTest {
 
 TEST_F(WorkFileTest, RowsOfADocumentCarryItsQuantitiesAndPricesWithTheCatalogueNames) {
   Fill();
-  std::vector<WorkFileRow> rows;
-  ASSERT_EQ(WorkRowsFromDocument(kWarehouse, 1, 7, "FV", rows), 0);
+  std::vector<WorkFileRow> rows = Document(7);
   ASSERT_EQ(rows.size(), 2u);
-  EXPECT_EQ(rows[0].item.name, "Mleko");
-  EXPECT_EQ(rows[0].item.number, items_[0]);
-  EXPECT_EQ(rows[0].quantity, 4);
-  EXPECT_EQ(rows[0].item.buyNet, 2.1L);
-  EXPECT_EQ(rows[1].item.name, "Żółć"_mz);
-  EXPECT_EQ(rows[1].item.saleGross, 12.3L);
-  EXPECT_EQ(rows[1].item.unit, "szt");
+  EXPECT_EQ(std::tuple(rows[0].item.name, rows[0].item.number, rows[0].quantity, rows[0].item.buyNet),
+            std::tuple(ShortText("Mleko"), items_[0], Real(4), 2.1L));
+  EXPECT_EQ(std::tuple(rows[1].item.name, rows[1].item.saleGross, rows[1].item.unit),
+            std::tuple("Żółć"_mz, 12.3L, ShortText("szt")));
   // Another number of the same kind and mark is another document.
-  ASSERT_EQ(WorkRowsFromDocument(kWarehouse, 1, 8, "FV", rows), 0);
+  rows = Document(8);
   ASSERT_EQ(rows.size(), 1u);
   EXPECT_EQ(rows[0].quantity, 9);
-  ASSERT_EQ(WorkRowsFromDocument(kWarehouse, 1, 9, "FV", rows), 0);
+  rows = Document(9);
   EXPECT_TRUE(rows.empty());
 }
 
 TEST_F(WorkFileTest, CatalogueRowsTakeTheWarehouseStock) {
   Fill();
-  std::vector<WorkFileRow> rows;
-  ASSERT_EQ(WorkRowsFromCatalogue(kWarehouse, rows), 0);
+  std::vector<WorkFileRow> rows = Catalogue();
   ASSERT_EQ(rows.size(), 3u);
   for (const WorkFileRow& r : rows) {
     EXPECT_EQ(r.quantity, 5) << r.item.name.Str();
@@ -192,18 +169,15 @@ TEST_F(WorkFileTest, CatalogueRowsTakeTheWarehouseStock) {
 
 TEST_F(WorkFileTest, WritingAsksToAddAndAnEmptySourceWithNoLeavesItEmpty) {
   Fill();
-  std::vector<WorkFileRow> rows;
-  ASSERT_EQ(WorkRowsFromDocument(kWarehouse, 1, 7, "FV", rows), 0);
+  std::vector<WorkFileRow> rows = Document(7);
   ASSERT_TRUE(AddSpecificationToWorkFile(rows));  // nothing there yet: no question
   EXPECT_TRUE(Sent("Zapis poprawny."));
   EXPECT_FALSE(Shown("W pliku roboczym są dane."_mz));
-  gSteps = {[] { (void)PushKey('t', 20); }};
+  Play({[] { (void)PushKey('t', 20); }});
   ASSERT_TRUE(AddSpecificationToWorkFile(rows));
   EXPECT_TRUE(Shown("W pliku roboczym są dane. Czy dodać specyfikację do nich ?"_mz));
   EXPECT_EQ(Rows(1), "Mleko:4.000 " + ("Żółć"_mz).Str() + ":1.500 Mleko:4.000 " + ("Żółć"_mz).Str() + ":1.500 ");
-  gScreens.clear();
-  gNext = 0;
-  gSteps = {[] { (void)PushKey('n', 49); }};
+  Play({[] { (void)PushKey('n', 49); }});
   ASSERT_TRUE(AddSpecificationToWorkFile({}));
   EXPECT_EQ(Rows(1), "");
   EXPECT_TRUE(Sent("Zapis poprawny."));
@@ -213,8 +187,7 @@ TEST_F(WorkFileTest, WritingAsksToAddAndAnEmptySourceWithNoLeavesItEmpty) {
 
 TEST_F(WorkFileTest, DbfRoundTripAndPythonDbfreadReadsTheSameValues) {
   Fill();
-  std::vector<WorkFileRow> rows;
-  ASSERT_EQ(WorkRowsFromDocument(kWarehouse, 1, 7, "FV", rows), 0);
+  std::vector<WorkFileRow> rows = Document(7);
   ASSERT_EQ(WorkFileWrite(WorkFileName(1), rows, false), 0);
   std::filesystem::create_directories("out");
   ASSERT_TRUE(ExportWorkFileTo(ShortText("out/")));
@@ -255,8 +228,7 @@ TEST_F(WorkFileTest, DbfRoundTripAndPythonDbfreadReadsTheSameValues) {
 
 TEST_F(WorkFileTest, BadDbfFilesChangeNothing) {
   Fill();
-  std::vector<WorkFileRow> rows;
-  ASSERT_EQ(WorkRowsFromCatalogue(kWarehouse, rows), 0);
+  std::vector<WorkFileRow> rows = Catalogue();
   ASSERT_EQ(WorkFileWrite(WorkFileName(1), rows, false), 0);
   std::filesystem::create_directories("out");
   ASSERT_EQ(WorkFileToDbf(WorkFileName(1), ShortText(Dbf().c_str())), 0);
@@ -307,8 +279,7 @@ TEST_F(WorkFileTest, BadDbfFilesChangeNothing) {
 
 TEST_F(WorkFileTest, ImportDropsRowsThatTheCatalogueDoesNotKnow) {
   Fill();
-  std::vector<WorkFileRow> rows;
-  ASSERT_EQ(WorkRowsFromCatalogue(kWarehouse, rows), 0);
+  std::vector<WorkFileRow> rows = Catalogue();
   rows[1].item.name = "Obcy towar";
   ASSERT_EQ(WorkFileWrite(WorkFileName(1), rows, false), 0);
   std::vector<ShortText> dropped;
@@ -320,11 +291,8 @@ TEST_F(WorkFileTest, ImportDropsRowsThatTheCatalogueDoesNotKnow) {
 
 TEST_F(WorkFileTest, PassingAppendsOrReplaces) {
   Fill();
-  std::vector<WorkFileRow> one, two;
-  ASSERT_EQ(WorkRowsFromDocument(kWarehouse, 1, 7, "FV", one), 0);
-  ASSERT_EQ(WorkRowsFromDocument(kWarehouse, 1, 8, "FV", two), 0);
-  ASSERT_EQ(WorkFileWrite(WorkFileName(1), one, false), 0);
-  ASSERT_EQ(WorkFileWrite(WorkFileName(2), two, false), 0);
+  ASSERT_EQ(WorkFileWrite(WorkFileName(1), Document(7), false), 0);
+  ASSERT_EQ(WorkFileWrite(WorkFileName(2), Document(8), false), 0);
   const std::string mine = Rows(1), theirs = Rows(2);
   ASSERT_EQ(WorkFileTransfer(1, 2, true), 0);
   EXPECT_EQ(Rows(2), theirs + mine);
@@ -336,8 +304,7 @@ TEST_F(WorkFileTest, PassingAppendsOrReplaces) {
 
 TEST_F(WorkFileTest, AUserWorkingInAnotherProcessKeepsHisWorkFile) {
   Fill();
-  std::vector<WorkFileRow> rows;
-  ASSERT_EQ(WorkRowsFromDocument(kWarehouse, 1, 8, "FV", rows), 0);
+  std::vector<WorkFileRow> rows = Document(8);
   ASSERT_EQ(WorkFileWrite(WorkFileName(2), rows, false), 0);
   ASSERT_EQ(WorkFileToDbf(WorkFileName(2), ShortText("dane/other.dbf")), 0);
   const std::string before = Rows(2);
@@ -391,8 +358,7 @@ TEST(WorkFileMiniTest, LinesAreNumberCommaQuantityAndAnyBadLineRefusesTheFile) {
 
 TEST_F(WorkFileTest, TheMiniFormGoesOutAndComesBackThroughTheCatalogue) {
   Fill();
-  std::vector<WorkFileRow> rows;
-  ASSERT_EQ(WorkRowsFromDocument(kWarehouse, 1, 7, "FV", rows), 0);
+  std::vector<WorkFileRow> rows = Document(7);
   rows[0].quantity = 1.234567L;
   ASSERT_EQ(WorkFileWrite(WorkFileName(1), rows, false), 0);
   std::filesystem::create_directories("mini");
@@ -428,7 +394,7 @@ TEST_F(WorkFileTest, TheMiniFormGoesOutAndComesBackThroughTheCatalogue) {
   EXPECT_EQ(Rows(2), before);
 
   // Through the screen: the form is recognised, asked about, and taken.
-  gSteps = {[] { (void)PushKey('t', 20); }};
+  Play({[] { (void)PushKey('t', 20); }});
   EXPECT_TRUE(ImportWorkFileFrom(ShortText("mini/"), false));
   EXPECT_TRUE(Shown("Wykryto `mini\" (numer,ilość)."_mz));
   EXPECT_TRUE(Shown("nr 99999"));
@@ -438,8 +404,7 @@ TEST_F(WorkFileTest, TheMiniFormGoesOutAndComesBackThroughTheCatalogue) {
 // The menu by keys: its rows under their key-caps, and the entries run by their digits.
 TEST_F(WorkFileTest, TheMenuShowsItsRowsAndRunsThemByTheirKeys) {
   Fill();
-  std::vector<WorkFileRow> rows;
-  ASSERT_EQ(WorkRowsFromCatalogue(kWarehouse, rows), 0);
+  std::vector<WorkFileRow> rows = Catalogue();
   ASSERT_EQ(WorkFileWrite(WorkFileName(1), rows, false), 0);
   auto keys = [](const std::string& text) {
     return [text] {
@@ -447,7 +412,7 @@ TEST_F(WorkFileTest, TheMenuShowsItsRowsAndRunsThemByTheirKeys) {
     };
   };
   // 4: not built; the last row (key-cap A): drive A, which is no diskette; 7: a directory.
-  gSteps = {keys("4"), keys("\r"), keys("A"), keys("\r"), keys("\r"), keys("7"), keys("menu\r"), keys("\r")};
+  Play({keys("4"), keys("\r"), keys("A"), keys("\r"), keys("\r"), keys("7"), keys("menu\r"), keys("\r")});
   std::filesystem::remove_all("menu");
   std::filesystem::create_directories("menu");
   WorkFileMenu(kWarehouse);
@@ -512,8 +477,7 @@ TEST(WorkFileTakeTest, TheSourceDecidesThePricesOfTheRows) {
 
 TEST_F(WorkFileTest, TakenIntoTheSpecificationRowsFindOrAddTheirItems) {
   Fill();
-  std::vector<WorkFileRow> rows;
-  ASSERT_EQ(WorkRowsFromDocument(kWarehouse, 1, 7, "FV", rows), 0);
+  std::vector<WorkFileRow> rows = Document(7);
   WorkFileRow stranger;
   stranger.item.name = "Nowy towar";
   stranger.item.vat = "23";
@@ -570,10 +534,9 @@ TEST_F(WorkFileTest, PassingRefusesOneselfAndAUserWhoIsWorking) {
     user.firstName = name;
     ASSERT_EQ(UserAppend(user), UserAppendOutcome::kDone);
   }
-  std::vector<WorkFileRow> rows;
-  ASSERT_EQ(WorkRowsFromDocument(kWarehouse, 1, 7, "FV", rows), 0);
+  std::vector<WorkFileRow> rows = Document(7);
   ASSERT_EQ(WorkFileWrite(WorkFileName(1), rows, false), 0);
-  ASSERT_EQ(WorkRowsFromDocument(kWarehouse, 1, 8, "FV", rows), 0);
+  rows = Document(8);
   ASSERT_EQ(WorkFileWrite(WorkFileName(2), rows, false), 0);
   const std::string mine = Rows(1), theirs = Rows(2);
   HoldElsewhere(2);
@@ -591,9 +554,7 @@ TEST_F(WorkFileTest, PassingRefusesOneselfAndAUserWhoIsWorking) {
        "Użytkownik nadal pracuje, albo system operacyjny nie zamknął jego zbiorów."_mz},
   };
   for (const Case& c : cases) {
-    gScreens.clear();
-    gSteps = c.steps;
-    gNext = 0;
+    Play(c.steps);
     PassWorkFile();
     EXPECT_TRUE(Shown(c.message)) << c.what;
     EXPECT_EQ(Rows(1), mine) << c.what;
@@ -604,8 +565,7 @@ TEST_F(WorkFileTest, PassingRefusesOneselfAndAUserWhoIsWorking) {
 // Taking the work file by the screen: a missing or empty file says so; the own form takes the rows as they are.
 TEST_F(WorkFileTest, TakingByTheScreenNamesAMissingOrEmptyFileAndTakesOwnRows) {
   Fill();
-  std::vector<WorkFileRow> rows;
-  ASSERT_EQ(WorkRowsFromDocument(kWarehouse, 1, 7, "FV", rows), 0);
+  std::vector<WorkFileRow> rows = Document(7);
   struct Case {
     const char* what;
     std::function<void()> prepare;
@@ -621,9 +581,7 @@ TEST_F(WorkFileTest, TakingByTheScreenNamesAMissingOrEmptyFileAndTakesOwnRows) {
   };
   for (const Case& c : cases) {
     c.prepare();
-    gScreens.clear();
-    gSteps = c.steps;
-    gNext = 0;
+    Play(c.steps);
     EXPECT_EQ(AddWorkFileToSpecification(kWarehouse), c.taken) << c.what;
     EXPECT_TRUE(Shown(c.message) || Sent(c.message.Str().c_str())) << c.what;
   }
