@@ -91,10 +91,8 @@ TEST_F(PickListTest, MovesStopAtTheEnds) {
     int16_t want;
   } cases[] = {
       {{keys::kDown, keys::kDown, keys::kDown, keys::kDown, keys::kEnter}, 3},
-      {{keys::kUp, keys::kUp, keys::kEnter}, 1},
-      {{keys::kEnd, keys::kUp, keys::kEnter}, 2},
-      {{keys::kEnd, keys::kHome, keys::kEnter}, 1},
-      {{keys::kTab, keys::kEnter}, 2},
+      {{keys::kUp, keys::kUp, keys::kEnter}, 1}, {{keys::kEnd, keys::kUp, keys::kEnter}, 2},
+      {{keys::kEnd, keys::kHome, keys::kEnter}, 1}, {{keys::kTab, keys::kEnter}, 2},
   };
   for (const auto& c : cases) {
     Play({c.keys});
