@@ -10,14 +10,8 @@ using TableTest = CatalogueTest;
 
 TEST_F(TableTest, CreateWritesCatalogueRowsAndTheServerTable) {
   ASSERT_EQ(CreateTable("dane\\magazyny", {{"nr", "I"},
-                                           {"nazwa", "A25"},
-                                           {"znak", "A1"},
-                                           {"data", "D"},
-                                           {"ile", "S"},
-                                           {"duzo", "Y"},
-                                           {"cena", "N"},
-                                           {"kwota", "$"},
-                                           {"dokl", "X"},
+                                           {"nazwa", "A25"}, {"znak", "A1"}, {"data", "D"}, {"ile", "S"},
+                                           {"duzo", "Y"}, {"cena", "N"}, {"kwota", "$"}, {"dokl", "X"},
                                            {"notatka", "M200"}}),
             0)
       << PGLastOp.Str();
@@ -52,12 +46,8 @@ TEST_F(TableTest, CreateRefusesBadFieldsAndTooManyOfThem) {
     std::vector<std::pair<const char*, const char*>> fields;
     int16_t code;
   } cases[] = {
-      {{{"a", "A10"}, {"b", ""}}, kPGBadArgument},
-      {{{"a", "Q"}}, kPGBadArgument},
-      {{{"a", "D8"}}, kPGBadArgument},
-      {{{"a", "A"}}, kPGBadArgument},
-      {{{"a", "M"}}, kPGBadArgument},
-      {{{"a", "A300"}}, kPGBadArgument},
+      {{{"a", "A10"}, {"b", ""}}, kPGBadArgument}, {{{"a", "Q"}}, kPGBadArgument}, {{{"a", "D8"}}, kPGBadArgument},
+      {{{"a", "A"}}, kPGBadArgument}, {{{"a", "M"}}, kPGBadArgument}, {{{"a", "A300"}}, kPGBadArgument},
       {{{"a", "A2x"}}, kPGBadArgument},
       {{{"nazwa", "A10"}, {"NAZWA", "I"}}, kPGBadArgument},       // same mapped name
       {{{"a b", "A10"}, {"A20B", "I"}}, kPGBadArgument},          // same after mapping

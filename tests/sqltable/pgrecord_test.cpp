@@ -13,20 +13,16 @@ namespace {
 // Field numbers of the table that most cases use.
 enum : int { kA10 = 1, kDate, kShort, kLong, kY, kN, kMoney, kX, kBlob, kA1 };
 
-class RecordTest : public CatalogueTest {
+class RecordTest : public OneTableTest {
  protected:
   void SetUp() override {
-    CatalogueTest::SetUp();
+    OneTableTest::SetUp();
     ASSERT_EQ(CreateTable("dane\\rec", {{"a", "A10"}, {"d", "D"}, {"s", "S"}, {"l", "I"}, {"y", "Y"}, {"n", "N"},
                                         {"m", "$"}, {"x", "X"}, {"b", "B100"}, {"c", "A1"}}),
               0);
-    ASSERT_EQ(PGTblOpen("dane\\rec", tbl_, 0), 0);
-    ASSERT_EQ(PGRecBufOpen(tbl_, rec_), 0);
+    OpenTable("dane\\rec");
   }
   const std::string& Raw(int fld) { return PGRecordAt(rec_)->fields[fld].value; }
-
-  int16_t tbl_ = 0;
-  int16_t rec_ = 0;
 };
 
 TEST_F(RecordTest, FreshBufferHoldsTheBlankOfEachKind) {
@@ -273,12 +269,9 @@ TEST(RecordLiteral, NoValueChangesTheStatement) {
     const char* value;
     const char* literal;
   } cases[] = {{PGKind::Number, "12", "12"},
-               {PGKind::Number, "-1.5e+20", "-1.5e+20"},
-               {PGKind::Number, "", "NULL"},
-               {PGKind::Number, "1--", "'1--'"},
-               {PGKind::Number, "1;DROP TABLE x", "'1;DROP TABLE x'"},
-               {PGKind::Text, "", "''"},
-               {PGKind::Text, "a'b\\c%_", "'a\\'b\\\\c\\%\\_'"},
+               {PGKind::Number, "-1.5e+20", "-1.5e+20"}, {PGKind::Number, "", "NULL"},
+               {PGKind::Number, "1--", "'1--'"}, {PGKind::Number, "1;DROP TABLE x", "'1;DROP TABLE x'"},
+               {PGKind::Text, "", "''"}, {PGKind::Text, "a'b\\c%_", "'a\\'b\\\\c\\%\\_'"},
                {PGKind::Date, "2024-01-02", "'2024-01-02'"},
                {PGKind::Blob, "41FF", "'41FF'"}};
   for (const Case& c : cases) EXPECT_EQ(PGValueLiteral(c.kind, c.value), c.literal) << c.value;
