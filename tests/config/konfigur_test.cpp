@@ -78,18 +78,12 @@ struct LineCase {
 
 TEST(ConfigParse, EachKindOfLine) {
   const LineCase cases[] = {
-      {"integer", 2, "1 - opis", 1, ""},
-      {"negative with blanks", 24, "  -12 - opis", -12, ""},
-      {"16-bit limit", 23, "-32768 - opis", -32768, ""},
-      {"out of range", 23, "40000 - opis", 0, ""},
-      {"garbage after digits", 2, "12abc - opis", 0, ""},
-      {"letters", 2, "tak - opis", 0, ""},
-      {"empty number line", 2, "", 0, ""},
-      {"fraction in an integer", 2, "1.5 - opis", 0, ""},
-      {"text", 1, "1,2,3# - opis", 0, "1,2,3"},
-      {"text without #", 1, "bez znaku", 0, "bez znaku"},
-      {"cut at the last #", 1, "a#b#c", 0, "a#b"},
-      {"trailing blanks kept", 234, "Mm +  # - opis", 0, "Mm +  "},
+      {"integer", 2, "1 - opis", 1, ""}, {"negative with blanks", 24, "  -12 - opis", -12, ""},
+      {"16-bit limit", 23, "-32768 - opis", -32768, ""}, {"out of range", 23, "40000 - opis", 0, ""},
+      {"garbage after digits", 2, "12abc - opis", 0, ""}, {"letters", 2, "tak - opis", 0, ""},
+      {"empty number line", 2, "", 0, ""}, {"fraction in an integer", 2, "1.5 - opis", 0, ""},
+      {"text", 1, "1,2,3# - opis", 0, "1,2,3"}, {"text without #", 1, "bez znaku", 0, "bez znaku"},
+      {"cut at the last #", 1, "a#b#c", 0, "a#b"}, {"trailing blanks kept", 234, "Mm +  # - opis", 0, "Mm +  "},
       {"document name cut at 30", 217, std::string(40, 'x') + "# - opis", 0, "xxxxxxxxxxxxxxxxxxxxxxxxxxxxxx"},
   };
   for (const LineCase& c : cases) {
@@ -136,10 +130,8 @@ TEST(ConfigParse, EmptyImageAndLineEnds) {
 
 TEST(ConfigNormalize, PaymentListGetsOnlyTheMissingFields) {
   const std::pair<const char*, const char*> cases[] = {
-      {"\" gotówką\"", "\" gotówką\",\" przelewem\",\"przel.dla odb.\""},
-      {"a,b", "a,b,\"przel.dla odb.\""},
-      {"a,b,c", "a,b,c"},
-      {"a,b,c,d", "a,b,c,d"},
+      {"\" gotówką\"", "\" gotówką\",\" przelewem\",\"przel.dla odb.\""}, {"a,b", "a,b,\"przel.dla odb.\""},
+      {"a,b,c", "a,b,c"}, {"a,b,c,d", "a,b,c,d"},
       {"znakiem \"", "znakiem \""},  // an open quote would take the tail in
   };
   for (const auto& [before, after] : cases) {
