@@ -7,9 +7,12 @@
 
 #include "base/codepage.h"
 #include "base/mazovia.h"
+#include "base/expect_rows.h"
 #include "tui_fixture.h"
 
 namespace {
+
+using test_rows::ExpectRows;
 
 using tui_test::AttrAt;
 using tui_test::CharAt;
@@ -202,12 +205,8 @@ TEST_F(KeyboardTest, CtrlLTogglesTheCapsIndicatorInTheTopRow) {
   TextAttr(0x1F);
   EXPECT_EQ(Translate({{12, 38}}), (KeyPair{12, 38}));
   EXPECT_TRUE(CapsIndicator());
-  EXPECT_EQ(CharAt(2, 1), 237);
-  EXPECT_EQ(AttrAt(2, 1), 0x47);
-  EXPECT_EQ(WhereX(), 3);
-  EXPECT_EQ(WhereY(), 4);
-  EXPECT_EQ(CurrentAttr(), 0x1F);
-  EXPECT_EQ(CurrentWindow().left, 10);
+  ExpectRows<int>({{CharAt(2, 1), 237}, {AttrAt(2, 1), 0x47}, {WhereX(), 3}, {WhereY(), 4}, {CurrentAttr(), 0x1F},
+                   {CurrentWindow().left, 10}});
   Translate({{12, 38}});
   EXPECT_FALSE(CapsIndicator());
   EXPECT_EQ(CharAt(2, 1), ' ');

@@ -6,9 +6,12 @@
 #include <vector>
 
 #include "base/mazovia.h"
+#include "base/expect_rows.h"
 #include "form_fixture.h"
 
 namespace {
+
+using test_rows::ExpectRows;
 
 using tui_test::CharAt;
 using tui_test::Cells;
@@ -36,21 +39,16 @@ TEST_F(MessageBoxTest, EmptyTextWithCodeZeroIsFourteenWideWithOneEmptyLine) {
   Answer({keys::kEnter});
   EXPECT_FALSE(MessageBox(ShortText(), 0));
   // Left (78 - 14) / 2 + 1 = 33, top 12, bottom 15, 16 columns wide.
-  EXPECT_EQ(First().window.left, 33);
-  EXPECT_EQ(First().window.right, 48);
-  EXPECT_EQ(First().window.top, 12);
-  EXPECT_EQ(First().window.bottom, 15);
-  EXPECT_EQ(First().Cells(12, 33, 16), "\xDA" + std::string(14, '\xC4') + "\xB7");
-  EXPECT_EQ(First().Cells(13, 33, 16), "\xB3" + std::string(14, ' ') + "\xBA");
-  EXPECT_EQ(First().Cells(14, 33, 16), std::string("\xB3 ") + " Wciśnij ╒¿."_mz.Str() + " \xBA");
-  EXPECT_EQ(First().Cells(15, 33, 16), "\xD4" + std::string(14, '\xCD') + "\xBC");
-  EXPECT_EQ(First().Attr(33, 12), 0x4E);
-  EXPECT_EQ(First().Attr(34, 13), 0x4E);  // an empty line writes nothing in the body colour
-  EXPECT_EQ(First().Attr(35, 14), 0x47);
-  EXPECT_EQ(First().Attr(34, 14), 0x4E);  // the bottom line's row outside its text keeps the frame colour
-  // The cursor waits in the lower right corner.
-  EXPECT_EQ(First().x, 16);
-  EXPECT_EQ(First().y, 4);
+  const Snapshot& s = First();
+  // An empty line writes nothing in the body colour; the bottom line's row outside its text keeps the frame
+  // colour; the cursor waits in the lower right corner.
+  ExpectRows<int>({{s.window.left, 33}, {s.window.right, 48}, {s.window.top, 12}, {s.window.bottom, 15},
+                   {s.Attr(33, 12), 0x4E}, {s.Attr(34, 13), 0x4E}, {s.Attr(35, 14), 0x47}, {s.Attr(34, 14), 0x4E},
+                   {s.x, 16}, {s.y, 4}});
+  ExpectRows<std::string>({{s.Cells(12, 33, 16), "\xDA" + std::string(14, '\xC4') + "\xB7"},
+                           {s.Cells(13, 33, 16), "\xB3" + std::string(14, ' ') + "\xBA"},
+                           {s.Cells(14, 33, 16), std::string("\xB3 ") + " Wciśnij ╒¿."_mz.Str() + " \xBA"},
+                           {s.Cells(15, 33, 16), "\xD4" + std::string(14, '\xCD') + "\xBC"}});
 }
 
 TEST_F(MessageBoxTest, EveryCodeHasItsBottomLineAndWidth) {

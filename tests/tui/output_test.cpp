@@ -7,9 +7,12 @@
 #include <fstream>
 
 #include "base/mazovia.h"
+#include "base/expect_rows.h"
 #include "tui_fixture.h"
 
 namespace {
+
+using test_rows::ExpectRows;
 
 class OutputTest : public tui_test::TuiTest {
  protected:
@@ -220,13 +223,8 @@ TEST_F(OutputTest, TitleTextAndDigitCaps) {
   WriteAt(1, 1, TitleText(ShortText("Ab z")));
   EXPECT_EQ(StripSequences(Sent()), "AB Z");
   // Digits, then the letters: 9 is the last digit cell, A the first letter, P the last.
-  EXPECT_EQ(DigitCap(0), 0x94);
-  EXPECT_EQ(DigitCap(9), 0x93);
-  EXPECT_EQ(DigitCap(10), 0xF4);
-  EXPECT_EQ(DigitCap(13), 0x05);
-  EXPECT_EQ(DigitCap(25), 0x15);
-  EXPECT_EQ(DigitCap(-1), 7);
-  EXPECT_EQ(DigitCap(26), 7);
+  ExpectRows<int>({{DigitCap(0), 0x94}, {DigitCap(9), 0x93}, {DigitCap(10), 0xF4}, {DigitCap(13), 0x05},
+                   {DigitCap(25), 0x15}, {DigitCap(-1), 7}, {DigitCap(26), 7}});
 }
 
 TEST_F(OutputTest, CodePageFileNamesTheConversionForOtherPrograms) {

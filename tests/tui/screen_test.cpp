@@ -2,9 +2,12 @@
 #include <gtest/gtest.h>
 
 #include "base/mazovia.h"
+#include "base/expect_rows.h"
 #include "tui_fixture.h"
 
 namespace {
+
+using test_rows::ExpectRows;
 
 using tui_test::AttrAt;
 using tui_test::CharAt;
@@ -96,11 +99,7 @@ TEST_F(ScreenTest, ClearWindowAndWriteCentred) {
   TextAttr(0x1F);
   ClearWindow();
   EXPECT_EQ(Cells(5, 19, 24), "##" + std::string(20, ' ') + "##");
-  EXPECT_EQ(AttrAt(21, 4), 0x1F);
-  EXPECT_EQ(AttrAt(40, 6), 0x1F);
-  EXPECT_EQ(AttrAt(20, 5), 0x70);
-  EXPECT_EQ(WhereX(), 1);
-  EXPECT_EQ(WhereY(), 1);
+  ExpectRows<int>({{AttrAt(21, 4), 0x1F}, {AttrAt(40, 6), 0x1F}, {AttrAt(20, 5), 0x70}, {WhereX(), 1}, {WhereY(), 1}});
   GotoXY(1, 2);
   WriteCentred(ShortText("abcd"));  // (20 - 4) / 2 + 1 = 9
   EXPECT_EQ(Cells(5, 29, 4), "abcd");
@@ -131,12 +130,8 @@ TEST_F(ScreenTest, SaveAndRestoreBringBackBothShadowsAndKeepCursorWindowAttribut
   ScreenRestore(copy);
   EXPECT_FALSE(copy);
   EXPECT_EQ(Cells(3, 1, 11), "  saved    ");
-  EXPECT_EQ(AttrAt(3, 3), 0x1E);
-  EXPECT_EQ(AttrAt(1, 3), 0x07);
-  EXPECT_EQ(CurrentWindow().left, 5);
-  EXPECT_EQ(WhereX(), 4);
-  EXPECT_EQ(WhereY(), 2);
-  EXPECT_EQ(CurrentAttr(), 0x4F);
+  ExpectRows<int>({{AttrAt(3, 3), 0x1E}, {AttrAt(1, 3), 0x07}, {CurrentWindow().left, 5}, {WhereX(), 4},
+                   {WhereY(), 2}, {CurrentAttr(), 0x4F}});
   Sent();
   ScreenRestore(copy);  // empty: nothing at all
   EXPECT_EQ(Sent(), "");
