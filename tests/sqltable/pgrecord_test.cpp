@@ -5,10 +5,13 @@
 
 #include "base/dates.h"
 #include "base/mazovia.h"
+#include "base/expect_rows.h"
 #include "sqltable/pgrecord.h"
 #include "sqltest.h"
 
 namespace {
+
+using test_rows::ExpectRows;
 
 // Field numbers of the table that most cases use.
 enum : int { kA10 = 1, kDate, kShort, kLong, kY, kN, kMoney, kX, kBlob, kA1 };
@@ -105,11 +108,9 @@ TEST_F(RecordTest, AlphaIsCutTrimmedAndConverted) {
 
 TEST_F(RecordTest, NumbersAreWrittenByTypeAndReadLeniently) {
   ASSERT_EQ(PGPutShort(rec_, kShort, -32768), 0);
-  EXPECT_EQ(Raw(kShort), "-32768");
   ASSERT_EQ(PGPutLong(rec_, kLong, 2147483647), 0);
-  EXPECT_EQ(Raw(kLong), "2147483647");
   ASSERT_EQ(PGPutDoub(rec_, kY, 9007199254740992.0), 0);
-  EXPECT_EQ(Raw(kY), "9007199254740992");
+  ExpectRows<std::string>({{Raw(kShort), "-32768"}, {Raw(kLong), "2147483647"}, {Raw(kY), "9007199254740992"}});
   ASSERT_EQ(PGPutDoub(rec_, kN, 12.345), 0);
   EXPECT_NE(Raw(kN).find('E'), std::string::npos) << Raw(kN);
   double d = 0;
