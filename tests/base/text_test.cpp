@@ -12,7 +12,7 @@ using test_rows::ExpectRows;
 
 ShortText Repeat(char c, int n) { return ShortText(std::string(static_cast<std::size_t>(n), c)); }
 
-TEST(TextPad, RightWithOneAndManyCharacterFills) {
+TEST(TextPad, RightWithOneAndManyCharacterFillsAndLeft) {
   // A long fill is appended whole; a longer text is cut to the width; widths above 255 count as 255.
   ExpectRows<ShortText>({{PadRight("ab", " ", 5), "ab   "}, {PadRight("ab", ".", 5), "ab..."},
                          {PadRight("ab", "xyz", 6), "abxyzxyz"}, {PadRight("ab", "xy", 6), "abxyxy"},
