@@ -1,17 +1,18 @@
 #include <gtest/gtest.h>
 
+#include "base/expect_rows.h"
 #include "base/barcode.h"
 
 namespace {
 
+using test_rows::ExpectRows;
+
 TEST(Barcode, Ean13CheckDigit) {
-  EXPECT_EQ(Ean13CheckDigit("590123412345"), "7");
-  EXPECT_EQ(Ean13CheckDigit("5901234123457"), "7") << "a 13th character is ignored";
-  EXPECT_EQ(Ean13CheckDigit("978030640615"), "7");
-  EXPECT_EQ(Ean13CheckDigit("000000000000"), "0") << "a rest of 0 stays 0";
-  EXPECT_EQ(Ean13CheckDigit("59012341234"), "") << "fewer than 12 characters";
-  EXPECT_EQ(Ean13CheckDigit(""), "");
-  EXPECT_EQ(Ean13CheckDigit("59012341234x"), "");
+  // A 13th character is ignored, a rest of 0 stays 0, fewer than 12 digits give nothing.
+  ExpectRows<ShortText>({{Ean13CheckDigit("590123412345"), "7"}, {Ean13CheckDigit("5901234123457"), "7"},
+                         {Ean13CheckDigit("978030640615"), "7"}, {Ean13CheckDigit("000000000000"), "0"},
+                         {Ean13CheckDigit("59012341234"), ""}, {Ean13CheckDigit(""), ""},
+                         {Ean13CheckDigit("59012341234x"), ""}});
 }
 
 TEST(Barcode, Ean13AndIsbnValidity) {
@@ -31,12 +32,10 @@ TEST(Barcode, Ean13AndIsbnValidity) {
 }
 
 TEST(Barcode, EanToIsbn) {
-  EXPECT_EQ(EanToIsbn("9780306406157"), "03-06406-15-2");
-  EXPECT_EQ(EanToIsbn("978080442957"), "08-04429-57-X") << "12 characters are enough";
-  EXPECT_EQ(EanToIsbn("9990306406157"), "03-06406-15-2");
-  EXPECT_EQ(EanToIsbn("9680306406157"), "") << "not a book code";
-  EXPECT_EQ(EanToIsbn("97803064061"), "");
-  EXPECT_EQ(EanToIsbn("978030640a157"), "");
+  // 12 characters are enough; 968 is not a book code.
+  ExpectRows<ShortText>({{EanToIsbn("9780306406157"), "03-06406-15-2"}, {EanToIsbn("978080442957"), "08-04429-57-X"},
+                         {EanToIsbn("9990306406157"), "03-06406-15-2"}, {EanToIsbn("9680306406157"), ""},
+                         {EanToIsbn("97803064061"), ""}, {EanToIsbn("978030640a157"), ""}});
 }
 
 }  // namespace

@@ -1,19 +1,18 @@
 #include <gtest/gtest.h>
 
 #include "base/dates.h"
+#include "base/expect_rows.h"
 #include "base/mazovia.h"
 
 namespace {
 
+using test_rows::ExpectRows;
+
 TEST(DateLayout, ExpandAtTheYearWindowAndShorten) {
-  EXPECT_EQ(DateExpand("01-01-96"), "01-01-1996");
-  EXPECT_EQ(DateExpand("01-01-95"), "01-01-2095");
-  EXPECT_EQ(DateExpand("01-01-00"), "01-01-2000");
-  EXPECT_EQ(DateExpand("01-01-99"), "01-01-1999");
-  EXPECT_EQ(DateExpand("01-01-2024"), "01-01-2024");
-  EXPECT_EQ(DateExpand(""), "");
-  EXPECT_EQ(DateShorten("31-12-2024"), "31-12-24");
-  EXPECT_EQ(DateShorten("31-12-24"), "31-12-24");
+  ExpectRows<ShortText>({{DateExpand("01-01-96"), "01-01-1996"}, {DateExpand("01-01-95"), "01-01-2095"},
+                         {DateExpand("01-01-00"), "01-01-2000"}, {DateExpand("01-01-99"), "01-01-1999"},
+                         {DateExpand("01-01-2024"), "01-01-2024"}, {DateExpand(""), ""},
+                         {DateShorten("31-12-2024"), "31-12-24"}, {DateShorten("31-12-24"), "31-12-24"}});
 }
 
 TEST(DateValidity, LengthYearTextMonthAndDay) {
@@ -32,21 +31,14 @@ TEST(DateValidity, LengthYearTextMonthAndDay) {
 }
 
 TEST(DateLayout, PartsSortSwap) {
-  EXPECT_EQ(DateFromParts(1, 2, 1999), "01-02-1999");
-  EXPECT_EQ(DateFromParts(4, 3, 0), "04-03-2000");
-  EXPECT_EQ(DateFromParts(4, 3, 95), "04-03-2095");
-  EXPECT_EQ(DateFromParts(4, 3, 96), "04-03-1996");
-  EXPECT_EQ(DateToSort("04-03-2000"), "20000304");
-  EXPECT_EQ(DateToSort("04-03-96"), "19960304");
-  EXPECT_EQ(DateToSort("31-02-2000"), "01000101");
-  EXPECT_EQ(DateToSort(""), "01000101");
-  EXPECT_EQ(DateFromSort("20000304"), "04-03-2000");
-  EXPECT_EQ(DateFromSort("2000"), "");
-  EXPECT_EQ(DateSwap(1, "2000-03-04"), "04-03-2000");
-  EXPECT_EQ(DateSwap(0, "04-03-2000"), "2000-03-04");
-  EXPECT_EQ(DateSwap(0, "04-03-99"), "99-03-04");
-  EXPECT_EQ(DateSwap(1, "99-03-04"), "04-03-99");
-  EXPECT_EQ(DateSwap(1, "abc"), "abc");
+  ExpectRows<ShortText>({
+      {DateFromParts(1, 2, 1999), "01-02-1999"}, {DateFromParts(4, 3, 0), "04-03-2000"},
+      {DateFromParts(4, 3, 95), "04-03-2095"}, {DateFromParts(4, 3, 96), "04-03-1996"},
+      {DateToSort("04-03-2000"), "20000304"}, {DateToSort("04-03-96"), "19960304"},
+      {DateToSort("31-02-2000"), "01000101"}, {DateToSort(""), "01000101"}, {DateFromSort("20000304"), "04-03-2000"},
+      {DateFromSort("2000"), ""}, {DateSwap(1, "2000-03-04"), "04-03-2000"}, {DateSwap(0, "04-03-2000"), "2000-03-04"},
+      {DateSwap(0, "04-03-99"), "99-03-04"}, {DateSwap(1, "99-03-04"), "04-03-99"}, {DateSwap(1, "abc"), "abc"},
+  });
 }
 
 TEST(DateLayout, NumbersYearAndMonth) {
@@ -60,14 +52,10 @@ TEST(DateLayout, NumbersYearAndMonth) {
   p = DateParts("");
   EXPECT_EQ(p.day + p.month + p.year, 3);
   EXPECT_EQ(DateNumber("04-03-2000"), 20000304);
-  EXPECT_EQ(DateYear("04-03-2000"), "2000");
-  EXPECT_EQ(DateYear("04-03-95"), "2095");
-  EXPECT_EQ(DateYear("31-02-2000"), "0000");
-  EXPECT_EQ(MonthName("01-01-2000"), "styczeń"_mz);
-  EXPECT_EQ(MonthName("01-10-2000"), "październik"_mz);
-  EXPECT_EQ(MonthName("01-12-99"), "grudzień"_mz);
-  EXPECT_EQ(MonthName("01-13-2000"), "?");
-  EXPECT_EQ(MonthName("01-1"), "?");
+  ExpectRows<ShortText>({{DateYear("04-03-2000"), "2000"}, {DateYear("04-03-95"), "2095"},
+                         {DateYear("31-02-2000"), "0000"}, {MonthName("01-01-2000"), "styczeń"_mz},
+                         {MonthName("01-10-2000"), "październik"_mz}, {MonthName("01-12-99"), "grudzień"_mz},
+                         {MonthName("01-13-2000"), "?"}, {MonthName("01-1"), "?"}});
 }
 
 TEST(DateToday, MatchesTheClockInBothLayouts) {
@@ -88,16 +76,10 @@ TEST(TimeText, ValidityAtMidnight) {
 }
 
 TEST(TimeText, MinutesBothWays) {
-  EXPECT_EQ(TimeToMinutes("06.08"), 368);
-  EXPECT_EQ(TimeToMinutes("24.00"), 1440);
-  EXPECT_EQ(TimeToMinutes("24.01"), 0);
-  EXPECT_EQ(TimeToMinutes("xx.30"), 30);
-  EXPECT_EQ(TimeToMinutes(""), 0);
-  EXPECT_EQ(MinutesToTime(368), "06.08");
-  EXPECT_EQ(MinutesToTime(1440), "24.00");
-  EXPECT_EQ(MinutesToTime(0), "00.00");
-  EXPECT_EQ(MinutesToTime(1441), "00.00");
-  EXPECT_EQ(MinutesToTime(-1), "00.00");
+  ExpectRows<int>({{TimeToMinutes("06.08"), 368}, {TimeToMinutes("24.00"), 1440}, {TimeToMinutes("24.01"), 0},
+                   {TimeToMinutes("xx.30"), 30}, {TimeToMinutes(""), 0}});
+  ExpectRows<ShortText>({{MinutesToTime(368), "06.08"}, {MinutesToTime(1440), "24.00"}, {MinutesToTime(0), "00.00"},
+                         {MinutesToTime(1441), "00.00"}, {MinutesToTime(-1), "00.00"}});
   for (int m = 0; m <= 1440; ++m) ASSERT_EQ(TimeToMinutes(MinutesToTime(m)), m);
   int now = NowMinutes();
   EXPECT_GE(now, 0);
@@ -105,21 +87,18 @@ TEST(TimeText, MinutesBothWays) {
 }
 
 TEST(DaySerial, KnownDaysAndBlankDate) {
-  EXPECT_EQ(EncodeDaySerial(1899, 12, 30), 0);
-  EXPECT_EQ(EncodeDaySerial(1900, 1, 1), 2);
-  EXPECT_EQ(EncodeDaySerial(2000, 1, 1), 36526);
-  EXPECT_EQ(EncodeDaySerial(1, 1, 1), kBlankDateSerial);
-  EXPECT_EQ(EncodeDaySerial(2000, 2, 29) + 1, EncodeDaySerial(2000, 3, 1));
-  EXPECT_EQ(EncodeDaySerial(1900, 2, 28) + 1, EncodeDaySerial(1900, 3, 1));
-  EXPECT_EQ(EncodeDaySerial(1900, 2, 29), 0) << "no such day";
+  // 29-02-1900 is no day and gives 0.
+  ExpectRows<int32_t>({{EncodeDaySerial(1899, 12, 30), 0}, {EncodeDaySerial(1900, 1, 1), 2},
+                       {EncodeDaySerial(2000, 1, 1), 36526}, {EncodeDaySerial(1, 1, 1), kBlankDateSerial},
+                       {EncodeDaySerial(2000, 2, 29) + 1, EncodeDaySerial(2000, 3, 1)},
+                       {EncodeDaySerial(1900, 2, 28) + 1, EncodeDaySerial(1900, 3, 1)}, {EncodeDaySerial(1900, 2, 29), 0}});
   int32_t serial = 5;
   EXPECT_FALSE(TryEncodeDaySerial(2024, 13, 1, serial));
   EXPECT_EQ(serial, 0);
   EXPECT_FALSE(TryEncodeDaySerial(0, 1, 1, serial));
-  EXPECT_EQ(DaySerialToIsoText(kBlankDateSerial), "0001-01-01");
-  EXPECT_EQ(DaySerialToIsoText(36526), "2000-01-01");
-  EXPECT_EQ(DaySerialToIsoText(0), "1899-12-30");
-  EXPECT_EQ(DaySerialToIsoText(kBlankDateSerial - 1), "0001-01-01") << "outside gives the blank date";
+  // Outside the range gives the blank date.
+  ExpectRows<ShortText>({{DaySerialToIsoText(kBlankDateSerial), "0001-01-01"}, {DaySerialToIsoText(36526), "2000-01-01"},
+                         {DaySerialToIsoText(0), "1899-12-30"}, {DaySerialToIsoText(kBlankDateSerial - 1), "0001-01-01"}});
 }
 
 TEST(DaySerial, RoundTripOverEveryDayOfTheRange) {

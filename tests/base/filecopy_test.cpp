@@ -68,8 +68,7 @@ TEST_F(CopyFileTest, PartsAreAppendedToTheTarget) {
       {kBlock - 1, kBlock + 2, source.substr(kBlock - 1, kBlock + 2)},
       {2 * kBlock, 5000, source.substr(2 * kBlock)},  // more asked than there is
       {static_cast<int64_t>(source.size()), -1, ""},  // at the end: nothing
-      {static_cast<int64_t>(source.size()) + 50, 10, ""},
-      {7, 0, ""},
+      {static_cast<int64_t>(source.size()) + 50, 10, ""}, {7, 0, ""},
   };
   std::string expected;
   for (const Step& s : steps) {

@@ -160,8 +160,7 @@ TEST_F(FileNamesTest, FindOnPathWalksTheDirectoriesInOrder) {
       {":bin1", "tutaj", cwd + "/tutaj"},  // an empty entry is the current directory
       {"bin1", "tutaj", ""},
       {"bin1", "sub/../sub/bin2/drugie", cwd + "/sub/bin2/drugie"},  // with a '/': as it stands
-      {"", "narzedzie", ""},
-      {"bin1", "", ""},
+      {"", "narzedzie", ""}, {"bin1", "", ""},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(std::string(c.path) + " " + c.name);
@@ -203,10 +202,7 @@ TEST(SafeKeyTest, TenToTwentyLettersDigitsAndUnderscores) {
     ShortText text;
     const char* key;
   } cases[] = {
-      {"", "__________"},
-      {"abc", "abc_______"},
-      {"Magazyn 1-2", "Magazyn_1_2"},
-      {"łódź"_mz, "__d_______"},
+      {"", "__________"}, {"abc", "abc_______"}, {"Magazyn 1-2", "Magazyn_1_2"}, {"łódź"_mz, "__d_______"},
       {"abcdefghijklmnopqrst", "abcdefghijklmnopqrst"},
       {ShortText(std::string(21, 'a')), "aaaaaaaaaaaaaaaaaa97"},  // odd count: XOR 'a' = 97
       {ShortText(std::string(22, 'b')), "bbbbbbbbbbbbbbbbbbb0"},

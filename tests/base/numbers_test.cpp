@@ -3,39 +3,34 @@
 #include <cmath>
 #include <limits>
 
+#include "base/expect_rows.h"
 #include "base/numbers.h"
 #include "base/platform.h"
 
 namespace {
 
+using test_rows::ExpectRows;
+
 constexpr Real kNaN = std::numeric_limits<Real>::quiet_NaN();
 constexpr Real kInf = std::numeric_limits<Real>::infinity();
 
 TEST(NumberParse, LooseReadsDigitsAndFirstPoint) {
-  EXPECT_EQ(TextToRealLoose("12.5 zł"), 12.5L);
-  EXPECT_EQ(TextToRealLoose("1 234.5.6"), 1234.56L) << "only the first point counts";
-  EXPECT_EQ(TextToRealLoose("12-"), -12.0L) << "a minus anywhere";
-  EXPECT_EQ(TextToRealLoose("a,b"), 0.0L);
-  EXPECT_EQ(TextToRealLoose(""), 0.0L);
-  EXPECT_EQ(TextToRealLoose("-"), 0.0L);
+  // Only the first point counts; a minus anywhere makes the number negative.
+  ExpectRows<Real>({{TextToRealLoose("12.5 zł"), 12.5L}, {TextToRealLoose("1 234.5.6"), 1234.56L},
+                    {TextToRealLoose("12-"), -12.0L}, {TextToRealLoose("a,b"), 0}, {TextToRealLoose(""), 0},
+                    {TextToRealLoose("-"), 0}});
   EXPECT_FALSE(std::signbit(TextToRealLoose("-0")));
 }
 
 TEST(NumberParse, SumExpression) {
-  EXPECT_EQ(SumExpression("12.5+3-1"), "14.5");
-  EXPECT_EQ(SumExpression("-5+2"), "-3");
-  EXPECT_EQ(SumExpression("0.1+0.2", 10), "0.3") << "written by the shortest form";
-  EXPECT_EQ(SumExpression("7"), "7");
-  EXPECT_EQ(SumExpression("1-1"), "") << "a pure zero is an empty text";
+  // Written by the shortest form; a pure zero is an empty text.
+  ExpectRows<ShortText>({{SumExpression("12.5+3-1"), "14.5"}, {SumExpression("-5+2"), "-3"},
+                         {SumExpression("0.1+0.2", 10), "0.3"}, {SumExpression("7"), "7"}, {SumExpression("1-1"), ""}});
 }
 
 TEST(NumberParse, Base36) {
-  EXPECT_EQ(ParseBase36("Z"), 35);
-  EXPECT_EQ(ParseBase36("10"), 36);
-  EXPECT_EQ(ParseBase36("-1A"), -46);
-  EXPECT_EQ(ParseBase36("1a"), 0);
-  EXPECT_EQ(ParseBase36(""), 0);
-  EXPECT_EQ(ParseBase36("-"), 0);
+  ExpectRows<int64_t>({{ParseBase36("Z"), 35}, {ParseBase36("10"), 36}, {ParseBase36("-1A"), -46},
+                       {ParseBase36("1a"), 0}, {ParseBase36(""), 0}, {ParseBase36("-"), 0}});
   for (int64_t v : {int64_t{0}, int64_t{1}, int64_t{35}, int64_t{36}, int64_t{-99}, int64_t{123456789012}, std::numeric_limits<int64_t>::max()})
     EXPECT_EQ(ParseBase36(ToBase36(v)), v) << v;
 }
@@ -72,8 +67,7 @@ TEST(NumberRound, GroszOfLineValueNeedsTheLongMantissa) {
       {3, 0.335L, 1.01L},   // 100.5 grosz
       {1, 1.005L, 1.01L},   // 1.005 is below the half in double
       {7, 0.145L, 1.02L},   // 101.5 grosz
-      {1000, 12.34567L, 12345.67L},
-      {-3, 0.335L, -1.01L},
+      {1000, 12.34567L, 12345.67L}, {-3, 0.335L, -1.01L},
   };
   for (const auto& r : rows) {
     Real value = RoundHalfAway(100 * r.quantity * r.price) / 100;
@@ -82,9 +76,8 @@ TEST(NumberRound, GroszOfLineValueNeedsTheLongMantissa) {
 }
 
 TEST(NumberRound, ToIntAndHalfEven) {
-  EXPECT_EQ(RoundToInt(2.5L), 3);
-  EXPECT_EQ(RoundToInt(-2147483647.4L), -2147483647);
-  EXPECT_EQ(RoundToInt(2147483647.4L), 2147483647);
+  ExpectRows<int32_t>({{RoundToInt(2.5L), 3}, {RoundToInt(-2147483647.4L), -2147483647},
+                       {RoundToInt(2147483647.4L), 2147483647}});
 }
 
 // Outside the 32-bit range the conversion is a run-time error that ends the process.
@@ -92,47 +85,34 @@ TEST(RoundToIntDeathTest, OutsideRangeEndsTheProcess) {
   EXPECT_EXIT(RoundToInt(2147483647.5L), testing::ExitedWithCode(kRangeCheckError), "Runtime error 201");
   EXPECT_EXIT(RoundToInt(kNaN), testing::ExitedWithCode(kRangeCheckError), "Runtime error 201");
   EXPECT_EXIT(RoundToInt(-kInf), testing::ExitedWithCode(kRangeCheckError), "Runtime error 201");
-  EXPECT_EQ(RoundHalfEven(2.5L), 2);
-  EXPECT_EQ(RoundHalfEven(3.5L), 4);
-  EXPECT_EQ(RoundHalfEven(-2.5L), -2);
-  EXPECT_EQ(RoundHalfEven(2.6L), 3);
-  EXPECT_EQ(RoundHalfEven(-0.5L), 0);
+  ExpectRows<Real>({{RoundHalfEven(2.5L), 2}, {RoundHalfEven(3.5L), 4}, {RoundHalfEven(-2.5L), -2},
+                    {RoundHalfEven(2.6L), 3}, {RoundHalfEven(-0.5L), 0}});
   EXPECT_FALSE(std::signbit(RoundHalfEven(-0.5L)));
 }
 
 TEST(NumberRound, PowersAndDecimalCount) {
-  EXPECT_EQ(PowerReal(10, 3), 1000);
-  EXPECT_EQ(PowerReal(10, -2), 0.01L);
-  EXPECT_EQ(PowerReal(-2, 3), -8);
-  EXPECT_EQ(PowerReal(5, 0), 1);
-  EXPECT_EQ(PowerReal(1.0000001L, 2000000000) > 1, true) << "a huge exponent ends";
-  EXPECT_EQ(PowerReal(10, 27), 1e27L) << "exact through the long mantissa";
-  EXPECT_EQ(PowerInt(2, 10), 1024);
-  EXPECT_EQ(PowerInt(-3, 3), -27);
-  EXPECT_EQ(PowerInt(7, 0), 1);
-  EXPECT_EQ(PowerInt(2, -1), 0);
-  EXPECT_EQ(PowerInt(-1, -3), -1);
-  EXPECT_EQ(PowerInt(10, 40), 0) << "overflow gives the neutral 0";
-  EXPECT_EQ(DecimalCount(12.5L), 1);
-  EXPECT_EQ(DecimalCount(12.05L), 2);
-  EXPECT_EQ(DecimalCount(12), 0);
-  EXPECT_EQ(DecimalCount(0.999L), 0) << "written with 2 decimals it is 1.00";
-  EXPECT_EQ(DecimalCount(kNaN), 0);
-  EXPECT_EQ(DecimalCount(1e40L), 0) << "the exponent form has no decimals to count";
-  EXPECT_EQ(DecimalCount(-0.001L), 0);
+  // 10^27 is exact through the long mantissa.
+  ExpectRows<Real>({{PowerReal(10, 3), 1000}, {PowerReal(10, -2), 0.01L}, {PowerReal(-2, 3), -8},
+                    {PowerReal(5, 0), 1}, {PowerReal(10, 27), 1e27L}});
+  EXPECT_GT(PowerReal(1.0000001L, 2000000000), 1) << "a huge exponent ends";
+  // An overflow gives the neutral 0.
+  ExpectRows<int64_t>({{PowerInt(2, 10), 1024}, {PowerInt(-3, 3), -27}, {PowerInt(7, 0), 1}, {PowerInt(2, -1), 0},
+                       {PowerInt(-1, -3), -1}, {PowerInt(10, 40), 0}});
+  // 0.999 written with 2 decimals is 1.00; the exponent form of 1e40 has no decimals to count.
+  ExpectRows<int>({{DecimalCount(12.5L), 1}, {DecimalCount(12.05L), 2}, {DecimalCount(12), 0},
+                   {DecimalCount(0.999L), 0}, {DecimalCount(kNaN), 0}, {DecimalCount(1e40L), 0},
+                   {DecimalCount(-0.001L), 0}});
 }
 
 TEST(NumberBases, DigitTables) {
-  struct Row { ShortText got, want; };
-  const Row rows[] = {
+  ExpectRows<ShortText>({
       {ToHex(255), "FF"},        {ToHex(0), "0"},          {ToHex(-26), "-1A"},
       {ToOctal(8), "10"},        {ToBase36(35), "Z"},      {ToBase26(0), "A"},
       {ToBase26(26), "BA"},      {ToBase63(62), "_"},      {ToBase63(63), "10"},
       {ToBase220(0), "!"},       {ToBase220(93), "~"},     {ToBase220(94), "\x80"},
       {ToBase220(219), "\xFD"},  {ToBase220(220), "\"!"},
       {ToHex(std::numeric_limits<int64_t>::min()), "-8000000000000000"},
-  };
-  for (const auto& r : rows) EXPECT_EQ(r.got, r.want);
+  });
   for (int d = 0; d < 220; ++d) EXPECT_NE(ToBase220(d).At(1), 0x7F) << "0x7F is skipped";
 }
 

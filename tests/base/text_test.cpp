@@ -4,95 +4,74 @@
 
 #include "base/mazovia.h"
 #include "base/text.h"
+#include "base/expect_rows.h"
 
 namespace {
 
+using test_rows::ExpectRows;
+
 ShortText Repeat(char c, int n) { return ShortText(std::string(static_cast<std::size_t>(n), c)); }
 
-TEST(TextPad, RightWithOneAndManyCharacterFills) {
-  EXPECT_EQ(PadRight("ab", " ", 5), "ab   ");
-  EXPECT_EQ(PadRight("ab", ".", 5), "ab...");
-  EXPECT_EQ(PadRight("ab", "xyz", 6), "abxyzxyz") << "a long fill is appended whole";
-  EXPECT_EQ(PadRight("ab", "xy", 6), "abxyxy");
-  EXPECT_EQ(PadRight("abcdef", " ", 3), "abc") << "cut to width";
-  EXPECT_EQ(PadRight("abc", " ", 0), "abc");
-  EXPECT_EQ(PadRight("abc", " ", -4), "abc");
-  EXPECT_EQ(PadRight("abc", "", 9), "abc");
-  EXPECT_EQ(PadRight("", " ", 1000), Repeat(' ', 255)) << "width above 255 counts as 255";
+TEST(TextPad, RightWithOneAndManyCharacterFillsAndLeft) {
+  // A long fill is appended whole; a longer text is cut to the width; widths above 255 count as 255.
+  ExpectRows<ShortText>({{PadRight("ab", " ", 5), "ab   "}, {PadRight("ab", ".", 5), "ab..."},
+                         {PadRight("ab", "xyz", 6), "abxyzxyz"}, {PadRight("ab", "xy", 6), "abxyxy"},
+                         {PadRight("abcdef", " ", 3), "abc"}, {PadRight("abc", " ", 0), "abc"},
+                         {PadRight("abc", " ", -4), "abc"}, {PadRight("abc", "", 9), "abc"},
+                         {PadRight("", " ", 1000), Repeat(' ', 255)}, {PadLeft("12", '0', 5), "00012"},
+                         {PadLeft("123456", ' ', 4), "1234"}, {PadLeft("ab", ' ', 0), "ab"}});
   EXPECT_EQ(PadRight("a", "xy", 255).Length(), 255) << "overshoot cut at 255";
-}
-
-TEST(TextPad, Left) {
-  EXPECT_EQ(PadLeft("12", '0', 5), "00012");
-  EXPECT_EQ(PadLeft("123456", ' ', 4), "1234");
   EXPECT_EQ(PadLeft("", '*', 300).Length(), 255);
-  EXPECT_EQ(PadLeft("ab", ' ', 0), "ab");
 }
 
 TEST(TextTrim, DeliberateExceptionForTextOfOnlyThatCharacter) {
-  EXPECT_EQ(TrimRight("   ", ' '), "   ");
-  EXPECT_EQ(TrimLeft("   ", ' '), "   ");
-  EXPECT_EQ(TrimBoth("   ", ' '), "   ");
-  EXPECT_EQ(TrimRightAll("   ", ' '), "");
-  EXPECT_EQ(TrimLeftAll("   ", ' '), "");
-  EXPECT_EQ(TrimRight("", ' '), "");
-  EXPECT_EQ(TrimRight(" a  ", ' '), " a");
-  EXPECT_EQ(TrimLeft(" a  ", ' '), "a  ");
-  EXPECT_EQ(TrimBoth("00100", '0'), "1");
-  EXPECT_EQ(TrimRightAll("x--", '-'), "x");
+  ExpectRows<ShortText>({{TrimRight("   ", ' '), "   "}, {TrimLeft("   ", ' '), "   "}, {TrimBoth("   ", ' '), "   "},
+                         {TrimRightAll("   ", ' '), ""}, {TrimLeftAll("   ", ' '), ""}, {TrimRight("", ' '), ""},
+                         {TrimRight(" a  ", ' '), " a"}, {TrimLeft(" a  ", ' '), "a  "}, {TrimBoth("00100", '0'), "1"},
+                         {TrimRightAll("x--", '-'), "x"}});
 }
 
 TEST(TextTrim, ControlAndNul) {
-  EXPECT_EQ(TrimControl(ShortText("a\tb\x01\xFF  ")), "a b");
-  EXPECT_EQ(TrimControl(ShortText("\x01\x02 ")), "");
-  EXPECT_EQ(DropLeadingNul(ShortText(std::string_view("\0\0ab\0", 5))), ShortText(std::string_view("ab\0", 3)));
-  EXPECT_EQ(DropLeadingNul(ShortText(std::string_view("\0\0", 2))), "");
-  EXPECT_EQ(DropLeadingNul(ShortText(std::string_view(" \0", 2))), ShortText(std::string_view(" \0", 2)));
+  const auto bytes = [](std::string_view v) { return ShortText(v); };
+  ExpectRows<ShortText>({{TrimControl(bytes("a\tb\x01\xFF  ")), "a b"}, {TrimControl(bytes("\x01\x02 ")), ""},
+                         {DropLeadingNul(bytes({"\0\0ab\0", 5})), bytes({"ab\0", 3})},
+                         {DropLeadingNul(bytes({"\0\0", 2})), ""},
+                         {DropLeadingNul(bytes({" \0", 2})), bytes({" \0", 2})}});
 }
 
 TEST(TextReplace, CharactersAndRanges) {
-  EXPECT_EQ(ReplaceChar("a.b.c", '.', ','), "a,b,c");
-  EXPECT_EQ(ReplaceCharRange("aaaaa", 'a', 'b', 2, 3), "abbaa");
-  EXPECT_EQ(ReplaceCharRange("aaaaa", 'a', 'b', 0, 2), "bbbbb") << "first 0 is the whole text";
-  EXPECT_EQ(ReplaceCharRange("aaa", 'a', 'b', 2, 99), "abb");
-  EXPECT_EQ(ReplaceTrailing("a  b  ", ' ', '.'), "a  b..");
-  EXPECT_EQ(ReplaceTrailing("", ' ', '.'), "");
+  // A first place of 0 is the whole text.
+  ExpectRows<ShortText>({{ReplaceChar("a.b.c", '.', ','), "a,b,c"}, {ReplaceCharRange("aaaaa", 'a', 'b', 2, 3), "abbaa"},
+                         {ReplaceCharRange("aaaaa", 'a', 'b', 0, 2), "bbbbb"},
+                         {ReplaceCharRange("aaa", 'a', 'b', 2, 99), "abb"},
+                         {ReplaceTrailing("a  b  ", ' ', '.'), "a  b.."}, {ReplaceTrailing("", ' ', '.'), ""}});
 }
 
 TEST(TextCut, BeforeAndAfter) {
-  struct Row { ShortText got, want; };
-  const Row rows[] = {
+  ExpectRows<ShortText>({
       {BeforeFirst("a@b@c", '@'), "a"}, {AfterFirst("a@b@c", '@'), "b@c"},
       {BeforeLast("a@b@c", '@'), "a@b"}, {AfterLast("a@b@c", '@'), "c"},
       {BeforeFirst("abc", '@'), "abc"}, {AfterFirst("abc", '@'), "abc"},
       {BeforeLast("abc", '@'), "abc"}, {AfterLast("abc", '@'), "abc"},
       {AfterLast("abc@", '@'), ""}, {BeforeFirst("@abc", '@'), ""},
-      {RightPart("abcdef", 2), "ef"}, {RightPart("ab", 5), "ab"}, {RightPart("ab", 0), ""},
-      {RightPart("ab", -1), ""},
-  };
-  for (const auto& r : rows) EXPECT_EQ(r.got, r.want);
+      {RightPart("abcdef", 2), "ef"}, {RightPart("ab", 5), "ab"}, {RightPart("ab", 0), ""}, {RightPart("ab", -1), ""},
+  });
 }
 
 TEST(TextFilter, DigitsLettersAndRanges) {
   ShortText mixed = "Zażółć 12-ab!"_mz;
-  EXPECT_EQ(KeepDigits(mixed), "12");
-  EXPECT_EQ(DropDigits("a1b2"), "ab");
-  EXPECT_EQ(ReplaceNonDigits("1a2-", '0'), "1020");
-  EXPECT_EQ(KeepAlnum(mixed), "Zażółć12ab"_mz);
-  EXPECT_EQ(ReplaceNonAlnum(mixed, '_'), "Zażółć_12_ab_"_mz);
-  EXPECT_EQ(KeepRange("aZ9\x86", 'A', 'Z'), "Z");
-  EXPECT_EQ(KeepAlnum(ShortText("\xAD\x9B")), "") << "the system's own letters are not among the 18";
+  // The system's own letters (0xAD, 0x9B) are not among the 18 Polish ones.
+  ExpectRows<ShortText>({{KeepDigits(mixed), "12"}, {DropDigits("a1b2"), "ab"}, {ReplaceNonDigits("1a2-", '0'), "1020"},
+                         {KeepAlnum(mixed), "Zażółć12ab"_mz}, {ReplaceNonAlnum(mixed, '_'), "Zażółć_12_ab_"_mz},
+                         {KeepRange("aZ9\x86", 'A', 'Z'), "Z"}, {KeepAlnum(ShortText("\xAD\x9B")), ""}});
 }
 
 TEST(TextSearch, ContainsAndDeleteAll) {
-  EXPECT_TRUE(ContainsText("bc", "abcd"));
-  EXPECT_FALSE(ContainsText("", "abcd"));
-  EXPECT_FALSE(ContainsText("x", ""));
-  EXPECT_TRUE(ContainsChar('d', "abcd"));
-  EXPECT_FALSE(ContainsChar('e', "abcd"));
-  EXPECT_EQ(DeleteAllText("ab", "xabyab"), "xy");
-  EXPECT_EQ(DeleteAllText("ab", "aabb"), "") << "a deletion that forms a new occurrence";
-  EXPECT_EQ(DeleteAllText("", "abc"), "abc");
+  ExpectRows<bool>({{ContainsText("bc", "abcd"), true}, {ContainsText("", "abcd"), false},
+                    {ContainsText("x", ""), false}, {ContainsChar('d', "abcd"), true}, {ContainsChar('e', "abcd"), false}});
+  // "aabb": the deletion forms a new occurrence, which goes too.
+  ExpectRows<ShortText>({{DeleteAllText("ab", "xabyab"), "xy"}, {DeleteAllText("ab", "aabb"), ""},
+                         {DeleteAllText("", "abc"), "abc"}});
 }
 
 TEST(TextWrap, NextLineBreaksAfterLastBreakCharacter) {
@@ -123,15 +102,10 @@ TEST(TextSuccessor, NextFreeCode) {
 }
 
 TEST(TextSplit, On255OrAtFixedLengths) {
-  TextPair p = SplitOn255(ShortText("ab\xFF" "cde"), 1, 1);
-  EXPECT_EQ(p.first, "ab");
-  EXPECT_EQ(p.second, "cde");
-  p = SplitOn255("abcdef", 2, 3);
-  EXPECT_EQ(p.first, "ab");
-  EXPECT_EQ(p.second, "cde");
-  p = SplitOn255("", 2, 3);
-  EXPECT_EQ(p.first, "");
-  EXPECT_EQ(p.second, "");
+  const TextPair marked = SplitOn255(ShortText("ab\xFF" "cde"), 1, 1), fixed = SplitOn255("abcdef", 2, 3),
+                 empty = SplitOn255("", 2, 3);
+  ExpectRows<ShortText>({{marked.first, "ab"}, {marked.second, "cde"}, {fixed.first, "ab"}, {fixed.second, "cde"},
+                         {empty.first, ""}, {empty.second, ""}});
 }
 
 TEST(TextSplit, WrapAt76) {
@@ -146,10 +120,8 @@ TEST(TextSplit, WrapAt76) {
 
 TEST(TextMisc, XorAndBool) {
   const unsigned char bytes[] = {0x0F, 0xF0, 0x01};
-  EXPECT_EQ(XorBytes(bytes, 3), 0xFE);
-  EXPECT_EQ(XorBytes(bytes, 0), 0);
-  EXPECT_EQ(BoolText(true), "TRUE");
-  EXPECT_EQ(BoolText(false), "FALSE");
+  ExpectRows<int>({{XorBytes(bytes, 3), 0xFE}, {XorBytes(bytes, 0), 0}});
+  ExpectRows<ShortText>({{BoolText(true), "TRUE"}, {BoolText(false), "FALSE"}});
 }
 
 TEST(TextXml, ValueBetweenTags) {

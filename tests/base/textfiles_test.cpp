@@ -132,13 +132,8 @@ TEST_F(FileListTest, MasksNamePlainFilesInByteOrder) {
     const char* mask;
     std::vector<std::string> paths;
   } cases[] = {
-      {"*.csv", {"a.csv", "b.csv"}},
-      {"*.CSV", {"C.CSV"}},
-      {".*.csv", {".ukryty.csv"}},
-      {"DANE\\*.csv", {"DANE\\y.csv", "DANE\\z.csv"}},
-      {"?.txt", {"x.txt"}},
-      {"*.dbf", {}},
-      {"brak/*", {}},
+      {"*.csv", {"a.csv", "b.csv"}}, {"*.CSV", {"C.CSV"}}, {".*.csv", {".ukryty.csv"}},
+      {"DANE\\*.csv", {"DANE\\y.csv", "DANE\\z.csv"}}, {"?.txt", {"x.txt"}}, {"*.dbf", {}}, {"brak/*", {}},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.mask);

@@ -20,12 +20,9 @@ TEST(CaptionList, ParsesOrRefusesALine) {
     std::array<const char*, 4> captions;
   };
   const Case cases[] = {
-      {"a,b,c,d", true, {"a", "b", "c", "d"}},
-      {"a,,c", true, {"a", "??", "c", "??"}},
-      {"\"x,y\",b", true, {"x,y", "b", "??", "??"}},
-      {"", true, {"??", "??", "??", "??"}},
-      {"a,b,c,d,e", false, {"p", "p", "p", "p"}},
-      {"\"a,b", false, {"p", "p", "p", "p"}},
+      {"a,b,c,d", true, {"a", "b", "c", "d"}}, {"a,,c", true, {"a", "??", "c", "??"}},
+      {"\"x,y\",b", true, {"x,y", "b", "??", "??"}}, {"", true, {"??", "??", "??", "??"}},
+      {"a,b,c,d,e", false, {"p", "p", "p", "p"}}, {"\"a,b", false, {"p", "p", "p", "p"}},
   };
   for (const Case& c : cases) {
     std::array<ShortText, 4> captions;

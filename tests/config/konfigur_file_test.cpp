@@ -17,10 +17,8 @@ using file_test::WriteBytes;
 
 TEST(ConfigFilePath, DirectoryFromTheFirstArgument) {
   const std::pair<std::vector<const char*>, const char*> cases[] = {
-      {{"klote"}, "dane\\konfigur.txt"},
-      {{"klote", "/srv/dane"}, "\\srv\\dane\\konfigur.txt"},
-      {{"klote", "firma\\"}, "firma\\konfigur.txt"},
-      {{"klote", "a/b/", "x"}, "a\\b\\konfigur.txt"},
+      {{"klote"}, "dane\\konfigur.txt"}, {{"klote", "/srv/dane"}, "\\srv\\dane\\konfigur.txt"},
+      {{"klote", "firma\\"}, "firma\\konfigur.txt"}, {{"klote", "a/b/", "x"}, "a\\b\\konfigur.txt"},
   };
   for (const auto& [args, expected] : cases)
     EXPECT_EQ(ConfigFilePath(static_cast<int>(args.size()), args.data()), expected) << expected;

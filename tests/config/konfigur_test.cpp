@@ -7,9 +7,12 @@
 #include <string>
 #include <vector>
 
+#include "base/expect_rows.h"
 #include "config/konfigur.h"
 
 namespace {
+
+using test_rows::ExpectRows;
 
 // Lines of an image, split at LF (a CR before it kept).
 std::vector<std::string> Lines(const std::string& image) {
@@ -78,18 +81,12 @@ struct LineCase {
 
 TEST(ConfigParse, EachKindOfLine) {
   const LineCase cases[] = {
-      {"integer", 2, "1 - opis", 1, ""},
-      {"negative with blanks", 24, "  -12 - opis", -12, ""},
-      {"16-bit limit", 23, "-32768 - opis", -32768, ""},
-      {"out of range", 23, "40000 - opis", 0, ""},
-      {"garbage after digits", 2, "12abc - opis", 0, ""},
-      {"letters", 2, "tak - opis", 0, ""},
-      {"empty number line", 2, "", 0, ""},
-      {"fraction in an integer", 2, "1.5 - opis", 0, ""},
-      {"text", 1, "1,2,3# - opis", 0, "1,2,3"},
-      {"text without #", 1, "bez znaku", 0, "bez znaku"},
-      {"cut at the last #", 1, "a#b#c", 0, "a#b"},
-      {"trailing blanks kept", 234, "Mm +  # - opis", 0, "Mm +  "},
+      {"integer", 2, "1 - opis", 1, ""}, {"negative with blanks", 24, "  -12 - opis", -12, ""},
+      {"16-bit limit", 23, "-32768 - opis", -32768, ""}, {"out of range", 23, "40000 - opis", 0, ""},
+      {"garbage after digits", 2, "12abc - opis", 0, ""}, {"letters", 2, "tak - opis", 0, ""},
+      {"empty number line", 2, "", 0, ""}, {"fraction in an integer", 2, "1.5 - opis", 0, ""},
+      {"text", 1, "1,2,3# - opis", 0, "1,2,3"}, {"text without #", 1, "bez znaku", 0, "bez znaku"},
+      {"cut at the last #", 1, "a#b#c", 0, "a#b"}, {"trailing blanks kept", 234, "Mm +  # - opis", 0, "Mm +  "},
       {"document name cut at 30", 217, std::string(40, 'x') + "# - opis", 0, "xxxxxxxxxxxxxxxxxxxxxxxxxxxxxx"},
   };
   for (const LineCase& c : cases) {
@@ -136,10 +133,8 @@ TEST(ConfigParse, EmptyImageAndLineEnds) {
 
 TEST(ConfigNormalize, PaymentListGetsOnlyTheMissingFields) {
   const std::pair<const char*, const char*> cases[] = {
-      {"\" gotówką\"", "\" gotówką\",\" przelewem\",\"przel.dla odb.\""},
-      {"a,b", "a,b,\"przel.dla odb.\""},
-      {"a,b,c", "a,b,c"},
-      {"a,b,c,d", "a,b,c,d"},
+      {"\" gotówką\"", "\" gotówką\",\" przelewem\",\"przel.dla odb.\""}, {"a,b", "a,b,\"przel.dla odb.\""},
+      {"a,b,c", "a,b,c"}, {"a,b,c,d", "a,b,c,d"},
       {"znakiem \"", "znakiem \""},  // an open quote would take the tail in
   };
   for (const auto& [before, after] : cases) {
@@ -157,15 +152,12 @@ TEST(ConfigFormat, LayoutOfTheWholeFile) {
   values.SetReal(7, 0.5L);
   const std::vector<std::string> lines = Lines(FormatKonfigur(values, false));
   ASSERT_EQ(lines.size(), 235u + 2u + 6u);
-  EXPECT_EQ(lines[0], "2,3# - " + std::string(ConfigLineInfo(1)->description));
-  EXPECT_EQ(lines[23], "-1 - " + std::string(ConfigLineInfo(24)->description));
-  EXPECT_EQ(lines[6], "0.50 - " + std::string(ConfigLineInfo(7)->description));
-  EXPECT_EQ(lines[189], "13 - " + std::string(ConfigLineInfo(190)->description));
-  EXPECT_EQ(lines[192].substr(0, 8), "# - list");
-  EXPECT_EQ(lines[235], "");
-  EXPECT_EQ(lines[236], "");
-  EXPECT_EQ(lines[237], "UWAGA - wszelkie wykonywane bez pelnego zrozumienia i wiedzy zmiany");
-  EXPECT_EQ(lines[242], "wystepuje juz raz w linii.");
+  const auto described = [](const char* value, int line) { return value + std::string(ConfigLineInfo(line)->description); };
+  ExpectRows<std::string>({{lines[0], described("2,3# - ", 1)}, {lines[23], described("-1 - ", 24)},
+                           {lines[6], described("0.50 - ", 7)}, {lines[189], described("13 - ", 190)},
+                           {lines[192].substr(0, 8), "# - list"}, {lines[235], ""}, {lines[236], ""},
+                           {lines[237], "UWAGA - wszelkie wykonywane bez pelnego zrozumienia i wiedzy zmiany"},
+                           {lines[242], "wystepuje juz raz w linii."}});
 }
 
 TEST(ConfigFormat, RoundTripIsByteIdentical) {

@@ -158,15 +158,11 @@ TEST(DbfErrorTextTest, EveryCodeHasItsText) {
     int code;
     const char* text;
   } cases[] = {
-      {kDbfNotFound, "Nie znaleziono pliku"},
-      {kDbfNotOpenForInput, "Nie otwarto pliku do wprowadzania"},
-      {kDbfNotOpenForOutput, "Nie otwarto pliku do wyprowadzania"},
-      {kDbfNotOpen, "Nie otwarto pliku"},
+      {kDbfNotFound, "Nie znaleziono pliku"}, {kDbfNotOpenForInput, "Nie otwarto pliku do wprowadzania"},
+      {kDbfNotOpenForOutput, "Nie otwarto pliku do wyprowadzania"}, {kDbfNotOpen, "Nie otwarto pliku"},
       {kDbfSeekPastEnd, "Pr\xA2" "ba szukania rekordu poza znakiem ko\xA4" "ca pliku"},
-      {kDbfWriteError, "B\x92\x86" "d zapisu na dysk"},
-      {kDbfDiskFull, "Brak miejsca na dysku"},
-      {kDbfTooManyFiles, "Zbyt wiele plik\xA2w"},
-      {kDbfAccessLost, "Utracony dost\x91p do pliku"},
+      {kDbfWriteError, "B\x92\x86" "d zapisu na dysk"}, {kDbfDiskFull, "Brak miejsca na dysku"},
+      {kDbfTooManyFiles, "Zbyt wiele plik\xA2w"}, {kDbfAccessLost, "Utracony dost\x91p do pliku"},
       {kDbfNotDbase, "Plik nie jest w formacie dBASE 2, ani 3, ani 3+"},
       {kDbfBadFieldType, "Niew\x92" "asciwy typ pola"},
       {kDbfBufferError, "B\x92\x86" "d odczytu/zapisu z/do bufora danych rekordu"},

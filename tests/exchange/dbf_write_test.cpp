@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "base/dates.h"
+#include "base/expect_rows.h"
 #include "base/mazovia.h"
 #include "dbf_fixture.h"
 
@@ -55,17 +56,13 @@ TEST_F(DbfWriteTest, WrittenBytesAreADbase3FileWithItsMarks) {
   const std::string b = ReadBytes("nowy.dbf");
   const int header = 32 + 4 * 32 + 1, record = 1 + 12 + 8 + 8 + 1;
   ASSERT_EQ(b.size(), size_t(header + 4 * record + 1));
-  EXPECT_EQ(b[0], 3);
-  EXPECT_EQ(b[4], 4);
-  EXPECT_EQ(static_cast<unsigned char>(b[8]) + 256 * b[9], header);
-  EXPECT_EQ(b[10], record);
+  // Version, record count, header and record sizes, the second field's type and decimals, the header's end mark,
+  // the third record's delete mark and the end-of-file mark.
+  test_rows::ExpectRows<int>({{b[0], 3}, {b[4], 4}, {static_cast<unsigned char>(b[8]) + 256 * b[9], header},
+                              {b[10], record}, {b[32 + 32 + 11], 'N'}, {b[32 + 32 + 17], 2}, {b[header - 1], 0x0D},
+                              {b[header + 2 * record], '*'}, {b.back(), 0x1A}});
   EXPECT_EQ(b.substr(32, 6), std::string("NAZWA\0", 6));
-  EXPECT_EQ(b[32 + 32 + 11], 'N');
-  EXPECT_EQ(b[32 + 32 + 17], 2);
-  EXPECT_EQ(b[header - 1], 0x0D);
   EXPECT_EQ(b.substr(header, record), " R1" + std::string(14, ' ') + "1.5020200201T");
-  EXPECT_EQ(b[header + 2 * record], '*');
-  EXPECT_EQ(b.back(), 0x1A);
 }
 
 TEST_F(DbfWriteTest, CreatedFileAppearsOnlyWhenClosedWhole) {
@@ -88,12 +85,10 @@ TEST_F(DbfWriteTest, RecordsAreRewrittenInPlaceAndFound) {
   ASSERT_EQ(DbfWriteRecord(table_, 5), 0);
   EXPECT_EQ(DbfWriteRecord(table_, 8), kDbfRecordRange);
   EXPECT_EQ(DbfErrorText(kDbfRecordRange), "Błąd pliku DBASE.@Rekord przekroczył zakres wielkosci"_mz);
-  EXPECT_EQ(DbfFindField(table_, "cena"), 2);
-  EXPECT_EQ(DbfFindField(table_, "BRAK"), 0);
-  EXPECT_EQ(DbfFindValue(table_, 1, "piąty"_mz), 5);
-  EXPECT_EQ(DbfFindValue(table_, 1, "R6"), 0);  // deleted
-  EXPECT_EQ(DbfFindValue(table_, 1, "R7"), 7);
-  EXPECT_EQ(DbfFindValue(table_, 1, "R"), 0);
+  // R6 is deleted, so not found.
+  test_rows::ExpectRows<int64_t>({{DbfFindField(table_, "cena"), 2}, {DbfFindField(table_, "BRAK"), 0},
+                                  {DbfFindValue(table_, 1, "piąty"_mz), 5}, {DbfFindValue(table_, 1, "R6"), 0},
+                                  {DbfFindValue(table_, 1, "R7"), 7}, {DbfFindValue(table_, 1, "R"), 0}});
   ASSERT_EQ(DbfClose(table_), 0);
   auto expected = Expected(7, false);
   expected[4] = "piąty"_mz.Str();

@@ -11,9 +11,7 @@ TEST(PrintText, PagesSplitAtFormFeeds) {
     std::string_view file;
     std::vector<std::string_view> pages;
   } cases[] = {
-      {"", {}},
-      {"a\r\nb\r\n", {"a\r\nb\r\n"}},
-      {"a\fb", {"a", "b"}},
+      {"", {}}, {"a\r\nb\r\n", {"a\r\nb\r\n"}}, {"a\fb", {"a", "b"}},
       {"a\f", {"a"}},  // a final form feed opens no page
       {"\f\fc", {"", "", "c"}},
   };
@@ -26,9 +24,7 @@ TEST(PrintText, StripKeepsTextAndLineBreaksOnly) {
   } cases[] = {
       {"ab\r\ncd\r\n", "ab\ncd\n"},
       {"\x1b" "E\x0f" "Tytu\x92\r\n", "ETytu\x92\n"},  // ESC and SI go, the Mazovia letter stays
-      {"strona1\fstrona2", "strona1\nstrona2"},
-      {"x\r\n\fy", "x\ny"},
-      {"\x01\x02\x1f", ""},
+      {"strona1\fstrona2", "strona1\nstrona2"}, {"x\r\n\fy", "x\ny"}, {"\x01\x02\x1f", ""},
   };
   for (const auto& c : cases) EXPECT_EQ(StripControlCodes(c.in), c.out) << c.in;
 }

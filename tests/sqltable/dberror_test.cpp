@@ -24,23 +24,17 @@ TEST(TableDescription, ChosenFromTheNameAndItsDirectoryNumber) {
       {"DANE\\12345678.9\\SPECYFIK", "specyfikacje dokumentów towarowych - magazyn nr 123456789"_mz},
       {"DANE\\7\\STANY_MG", "stany magazynowe - magazyn nr 7"_mz},
       {"DANE\\3\\KASA____", "dokumenty płatności (kasowe) - magazyn nr 3"_mz},
-      {"DANE\\DOSTAWCY", "katalog dostawców"_mz},
-      {"DANE\\ODBIORCY", "katalog odbiorców"_mz},
+      {"DANE\\DOSTAWCY", "katalog dostawców"_mz}, {"DANE\\ODBIORCY", "katalog odbiorców"_mz},
       {"DANE\\MAGAZYNY", "katalog magazynów"_mz},
       {"DANE\\UZYTKOWN\\5\\PRACA___", "aktualnie wypisywana specyfikacja użytkownika nr 5"_mz},
       {"DANE\\UZYTKOWN\\12\\PLIKROB_", "plik roboczy użytkownika nr 12"_mz},
-      {"DANE\\DOK_PLAT", "katalog - lista dokumentów księgowanych"_mz},
-      {"DANE\\VAT_STAW", "katalog stawek VAT"_mz},
-      {"DANE\\RABATY", "katalog rabatów"_mz},
-      {"DANE\\FKKONF01", "konfiguracja eksportu do FK"_mz},
+      {"DANE\\DOK_PLAT", "katalog - lista dokumentów księgowanych"_mz}, {"DANE\\VAT_STAW", "katalog stawek VAT"_mz},
+      {"DANE\\RABATY", "katalog rabatów"_mz}, {"DANE\\FKKONF01", "konfiguracja eksportu do FK"_mz},
       {"DANE\\PRZYKLADY", "katalog przykładowych nazw towarów"_mz},
       {"DANE\\NAZWA_DOK", "katalog typów dokumentów dodatkowych"_mz},
-      {"DANE\\FORMA_PL", "katalog form płatności"_mz},
-      {"KAT_TOW_", "katalog główny towarów"_mz},
+      {"DANE\\FORMA_PL", "katalog form płatności"_mz}, {"KAT_TOW_", "katalog główny towarów"_mz},
       {"DANE\\X\\NAGLOWKI", "ogólna lista nagłówków dokumentów towarowych"_mz},  // not a number
-      {"DANE\\KAT_TOW_X", ""},
-      {"DANE\\UZYTKOWN\\UZYTKOWN", ""},
-      {"", ""},
+      {"DANE\\KAT_TOW_X", ""}, {"DANE\\UZYTKOWN\\UZYTKOWN", ""}, {"", ""},
   };
   for (const auto& c : cases) EXPECT_EQ(DBTableDescription(c.path), c.text) << c.path;
 }

@@ -2,22 +2,19 @@
 #include <string>
 
 #include "base/codepage.h"
+#include "base/expect_rows.h"
 #include "sqltest.h"
 
 namespace {
+
+using test_rows::ExpectRows;
 
 using TableTest = CatalogueTest;
 
 TEST_F(TableTest, CreateWritesCatalogueRowsAndTheServerTable) {
   ASSERT_EQ(CreateTable("dane\\magazyny", {{"nr", "I"},
-                                           {"nazwa", "A25"},
-                                           {"znak", "A1"},
-                                           {"data", "D"},
-                                           {"ile", "S"},
-                                           {"duzo", "Y"},
-                                           {"cena", "N"},
-                                           {"kwota", "$"},
-                                           {"dokl", "X"},
+                                           {"nazwa", "A25"}, {"znak", "A1"}, {"data", "D"}, {"ile", "S"},
+                                           {"duzo", "Y"}, {"cena", "N"}, {"kwota", "$"}, {"dokl", "X"},
                                            {"notatka", "M200"}}),
             0)
       << PGLastOp.Str();
@@ -52,12 +49,8 @@ TEST_F(TableTest, CreateRefusesBadFieldsAndTooManyOfThem) {
     std::vector<std::pair<const char*, const char*>> fields;
     int16_t code;
   } cases[] = {
-      {{{"a", "A10"}, {"b", ""}}, kPGBadArgument},
-      {{{"a", "Q"}}, kPGBadArgument},
-      {{{"a", "D8"}}, kPGBadArgument},
-      {{{"a", "A"}}, kPGBadArgument},
-      {{{"a", "M"}}, kPGBadArgument},
-      {{{"a", "A300"}}, kPGBadArgument},
+      {{{"a", "A10"}, {"b", ""}}, kPGBadArgument}, {{{"a", "Q"}}, kPGBadArgument}, {{{"a", "D8"}}, kPGBadArgument},
+      {{{"a", "A"}}, kPGBadArgument}, {{{"a", "M"}}, kPGBadArgument}, {{{"a", "A300"}}, kPGBadArgument},
       {{{"a", "A2x"}}, kPGBadArgument},
       {{{"nazwa", "A10"}, {"NAZWA", "I"}}, kPGBadArgument},       // same mapped name
       {{{"a b", "A10"}, {"A20B", "I"}}, kPGBadArgument},          // same after mapping
@@ -119,46 +112,29 @@ TEST_F(TableTest, OpenReadsTheCatalogueIntoTheHandle) {
   int16_t h = 0;
   ASSERT_EQ(PGTblOpen("dane\\t", h, 2), 0) << PGLastOp.Str();
   ASSERT_EQ(h, 1);
+  // The handle's own state; its field count, key count and name are read below through the layer's calls.
   const PGTable& t = *PGTableAt(h);
-  EXPECT_EQ(t.name, "dane\\t");
-  EXPECT_EQ(t.sqlName, "DANE_T");
-  EXPECT_EQ(t.baseName, "DANE_T");
-  EXPECT_EQ(t.cursorName, "c1");
-  EXPECT_EQ(t.nFields, 4);
-  EXPECT_EQ(t.nKeyFields, 2);
-  EXPECT_EQ(t.indexHandle, 2);
-  EXPECT_EQ(t.ilZm, 41);
+  ExpectRows<ShortText>({{t.sqlName, "DANE_T"}, {t.baseName, "DANE_T"}, {t.cursorName, "c1"}});
+  ExpectRows<int>({{t.indexHandle, 2}, {t.ilZm, 41}, {t.fields[2].bufSize, 31}, {t.fields[2].textLen, 30},
+                   {t.fields[4].bufSize, 16385}});
   EXPECT_FALSE(t.isTemp);
   ASSERT_EQ(t.fields.size(), 5u);
-  EXPECT_EQ(t.fields[2].name, "NAZWA");
-  EXPECT_EQ(t.fields[2].type, "A30");
-  EXPECT_EQ(t.fields[2].bufSize, 31);
-  EXPECT_EQ(t.fields[2].textLen, 30);
-  EXPECT_EQ(t.fields[2].kind, PGKind::Text);
-  EXPECT_EQ(t.fields[3].kind, PGKind::Date);
-  EXPECT_EQ(t.fields[4].kind, PGKind::Blob);
-  EXPECT_EQ(t.fields[4].bufSize, 16385);
+  ExpectRows<PGKind>({{t.fields[2].kind, PGKind::Text}, {t.fields[3].kind, PGKind::Date}, {t.fields[4].kind, PGKind::Blob}});
   ASSERT_EQ(t.curValues.size(), 5u);
   EXPECT_GE(t.curValues[4].capacity(), 16385u);
   EXPECT_FALSE(t.cursorOpen || t.positioned);
 
+  // Each call gives its code and its answer.
+  int16_t nFields = 0, nKeys = 0, nazwa = 0, unknown = -1;
+  ShortText name, type, fieldName, untouched = "x";
+  ExpectRows<int16_t>({{PGRecNFlds(h, nFields), 0}, {nFields, 4}, {PGKeyNFlds(h, nKeys), 0}, {nKeys, 2},
+                       {PGFldHandle(h, "Nazwa", nazwa), 0}, {nazwa, 2}, {PGFldHandle(h, "nazw", unknown), kPGBadFieldName},
+                       {PGTblName(h, name), 0}, {PGFldType(h, 3, type), 0}, {PGFldName(h, 4, fieldName), 0},
+                       {PGFldType(h, 0, untouched), kPGBadFieldHandle}, {PGFldName(h, 5, untouched), kPGBadFieldHandle}});
+  ExpectRows<ShortText>({{name, "dane\\t"}, {type, "D"}, {fieldName, "OPIS"}, {t.fields[2].name, "NAZWA"},
+                         {t.fields[2].type, "A30"}});
   int16_t n = 0;
-  EXPECT_EQ(PGRecNFlds(h, n), 0);
-  EXPECT_EQ(n, 4);
-  EXPECT_EQ(PGKeyNFlds(h, n), 0);
-  EXPECT_EQ(n, 2);
   ShortText text;
-  EXPECT_EQ(PGTblName(h, text), 0);
-  EXPECT_EQ(text, "dane\\t");
-  EXPECT_EQ(PGFldHandle(h, "Nazwa", n), 0);
-  EXPECT_EQ(n, 2);
-  EXPECT_EQ(PGFldHandle(h, "nazw", n), kPGBadFieldName);
-  EXPECT_EQ(PGFldType(h, 3, text), 0);
-  EXPECT_EQ(text, "D");
-  EXPECT_EQ(PGFldName(h, 4, text), 0);
-  EXPECT_EQ(text, "OPIS");
-  EXPECT_EQ(PGFldType(h, 0, text), kPGBadFieldHandle);
-  EXPECT_EQ(PGFldName(h, 5, text), kPGBadFieldHandle);
   for (int bad : {0, 2, 101, -1}) {
     EXPECT_EQ(PGRecNFlds(static_cast<int16_t>(bad), n), kPGBadTableHandle);
     EXPECT_EQ(PGFldType(static_cast<int16_t>(bad), 1, text), kPGBadTableHandle);
@@ -271,31 +247,27 @@ TEST_F(TableTest, CloseDropsViewAndReportsAFailedStatement) {
   EXPECT_EQ(PGTableAt(h), nullptr);
 }
 
+// A yes/no call's answer: "yes" or "no", or its code when it fails.
+std::string Answer(int16_t code, const bool& flag) { return code != 0 ? std::to_string(code) : flag ? "yes" : "no"; }
+
 TEST_F(TableTest, ExistEmptyAndDelete) {
+  const std::string failed = std::to_string(kPGSqlFailed);
   bool flag = true;
-  EXPECT_EQ(PGTblExist("dane\\t", flag), 0);
-  EXPECT_FALSE(flag);
+  EXPECT_EQ(Answer(PGTblExist("dane\\t", flag), flag), "no");
   ASSERT_EQ(CreateTable("dane\\t", {{"a", "I"}}), 0);
-  EXPECT_EQ(PGTblExist("dane\\t", flag), 0);
-  EXPECT_TRUE(flag);
-  EXPECT_EQ(PGTblExist_pg("DANE_T", flag), 0);
-  EXPECT_TRUE(flag);
-  EXPECT_EQ(PGTblExist_pg("dane\\t", flag), 0);  // a raw name is not mapped
-  EXPECT_FALSE(flag);
-  EXPECT_EQ(PGTblIsEmpty("dane\\t", flag), 0);
-  EXPECT_TRUE(flag);
+  EXPECT_EQ(Answer(PGTblExist("dane\\t", flag), flag), "yes");
+  EXPECT_EQ(Answer(PGTblExist_pg("DANE_T", flag), flag), "yes");
+  EXPECT_EQ(Answer(PGTblExist_pg("dane\\t", flag), flag), "no");  // a raw name is not mapped
+  EXPECT_EQ(Answer(PGTblIsEmpty("dane\\t", flag), flag), "yes");
   ASSERT_TRUE(Psql("INSERT INTO dane_t (a) VALUES (1)"));
-  EXPECT_EQ(PGTblIsEmpty("dane\\t", flag), 0);
-  EXPECT_FALSE(flag);
+  EXPECT_EQ(Answer(PGTblIsEmpty("dane\\t", flag), flag), "no");
   EXPECT_EQ(PGTblEmpty("dane\\t"), 0);
-  EXPECT_EQ(PGTblIsEmpty("dane\\t", flag), 0);
-  EXPECT_TRUE(flag);
-  EXPECT_EQ(PGTblIsEmpty("dane\\none", flag), kPGSqlFailed);
+  EXPECT_EQ(Answer(PGTblIsEmpty("dane\\t", flag), flag), "yes");
+  EXPECT_EQ(Answer(PGTblIsEmpty("dane\\none", flag), flag), failed);
   EXPECT_EQ(PGTblEmpty("dane\\none"), kPGSqlFailed);
 
   EXPECT_EQ(PGTblDelete("dane\\t"), 0);
-  EXPECT_EQ(PGTblExist("dane\\t", flag), 0);
-  EXPECT_FALSE(flag);
+  EXPECT_EQ(Answer(PGTblExist("dane\\t", flag), flag), "no");
   EXPECT_EQ(Scalar("SELECT count(*) FROM tables_list"), "0");
   EXPECT_EQ(PGTblDelete("dane\\t"), kPGSqlFailed);
   // A temporary table that went with its session is no failure; its rows go.
@@ -309,10 +281,8 @@ TEST_F(TableTest, ExistInsideATransactionLeavesItUsable) {
   ASSERT_EQ(PGTransBegin(), 0);
   ASSERT_EQ(PGRunQueryNoTup("INSERT INTO dane_t (a) VALUES (1)"), 0);
   bool exists = true;
-  EXPECT_EQ(PGTblExist("dane\\missing", exists), 0);
-  EXPECT_FALSE(exists);
-  EXPECT_EQ(PGTblExist("dane\\t", exists), 0);
-  EXPECT_TRUE(exists);
+  EXPECT_EQ(Answer(PGTblExist("dane\\missing", exists), exists), "no");
+  EXPECT_EQ(Answer(PGTblExist("dane\\t", exists), exists), "yes");
   EXPECT_EQ(PGRunQueryNoTup("INSERT INTO dane_t (a) VALUES (2)"), 0);
   EXPECT_EQ(PGTransCommit(), 0);
   EXPECT_EQ(Scalar("SELECT count(*) FROM dane_t"), "2");

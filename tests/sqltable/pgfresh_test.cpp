@@ -17,10 +17,10 @@
 namespace {
 
 // dane\fr: k I (key), v A20, n I, d D; rows k = 10, 20, ... 10*rows.
-class FreshTest : public CatalogueTest {
+class FreshTest : public OneTableTest {
  protected:
   void SetUp() override {
-    CatalogueTest::SetUp();
+    OneTableTest::SetUp();
     ASSERT_EQ(CreateTable("dane\\fr", {{"k", "I"}, {"v", "A20"}, {"n", "I"}, {"d", "D"}}), 0);
     const int16_t key[1] = {1};
     ASSERT_EQ(PGKeyAdd("dane\\fr", 1, key, 0), 0) << PGLastOp.Str();
@@ -29,22 +29,9 @@ class FreshTest : public CatalogueTest {
     ASSERT_TRUE(Psql("INSERT INTO dane_fr (k,v,n,d) SELECT 10*i,'r'||i,i,'2024-01-01' FROM generate_series(1," +
                      std::to_string(rows) + ") i"));
   }
-  void Open(int index = 0) {
-    ASSERT_EQ(PGTblOpen("dane\\fr", tbl_, index), 0);
-    ASSERT_EQ(PGRecBufOpen(tbl_, rec_), 0);
-  }
-  int32_t Long(int fld) {
-    int32_t v = -1;
-    EXPECT_EQ(PGRecGet(tbl_, rec_), 0);
-    EXPECT_EQ(PGGetLong(rec_, fld, v), 0);
-    return v;
-  }
-  std::string V() {
-    ShortText v;
-    EXPECT_EQ(PGRecGet(tbl_, rec_), 0);
-    EXPECT_EQ(PGGetAlpha(rec_, 2, v), 0);
-    return v.Str();
-  }
+  void Open(int index = 0) { OpenTable("dane\\fr", index); }
+  int32_t Long(int fld) { return LongOf(fld); }
+  std::string V() { return AlphaOf(2); }
   // Writes v (and n when given) into the current row through the buffer.
   int16_t Update(const char* v, int32_t n = -1) {
     EXPECT_EQ(PGRecGet(tbl_, rec_), 0);
@@ -54,11 +41,6 @@ class FreshTest : public CatalogueTest {
     }
     return PGRecUpdate(tbl_, rec_);
   }
-  int32_t Num() {
-    int32_t n = -1;
-    EXPECT_EQ(PGRecNum(tbl_, n), 0);
-    return n;
-  }
   int16_t Search(int32_t k) {
     EXPECT_EQ(PGPutLong(rec_, 1, k), 0);
     return PGSrchKey(tbl_, rec_, 1, 0);
@@ -66,8 +48,6 @@ class FreshTest : public CatalogueTest {
   static std::string Row(int k) {
     return Scalar("SELECT v||'|'||n FROM dane_fr WHERE k=" + std::to_string(k));
   }
-
-  int16_t tbl_ = 0, rec_ = 0;
 };
 
 TEST_F(FreshTest, OwnUpdateSurvivesEveryRoadBackToTheRow) {

@@ -12,7 +12,7 @@
 
 namespace {
 
-class NavTest : public CatalogueTest {
+class NavTest : public OneTableTest {
  protected:
   // dane\nav: k1 I, k2 I, v A20; primary key (k1, k2).
   void MakeTable(const char* secondKeyType = "I") {
@@ -20,41 +20,20 @@ class NavTest : public CatalogueTest {
     const int16_t key[2] = {1, 2};
     ASSERT_EQ(PGKeyAdd("dane\\nav", 2, key, 0), 0) << PGLastOp.Str();
   }
-  void Open(int index = 0) {
-    ASSERT_EQ(PGTblOpen("dane\\nav", tbl_, index), 0);
-    ASSERT_EQ(PGRecBufOpen(tbl_, rec_), 0);
-  }
+  void Open(int index = 0) { OpenTable("dane\\nav", index); }
   // Rows (i, 1, 'r<i>') for i in 1..n, inserted by the other user.
   static void Fill(int n) {
     ASSERT_TRUE(Psql("INSERT INTO dane_nav (k1,k2,v) SELECT i,1,'r'||i FROM generate_series(1," + std::to_string(n) +
                      ") i"));
   }
   static void Bump() { ASSERT_TRUE(Psql("UPDATE tables_list SET il_zm=il_zm+1 WHERE nazt='DANE_NAV' AND lp=1")); }
-  int32_t K1() {
-    int32_t v = -1;
-    EXPECT_EQ(PGRecGet(tbl_, rec_), 0);
-    EXPECT_EQ(PGGetLong(rec_, 1, v), 0);
-    return v;
-  }
-  std::string V() {
-    ShortText v;
-    EXPECT_EQ(PGRecGet(tbl_, rec_), 0);
-    EXPECT_EQ(PGGetAlpha(rec_, 3, v), 0);
-    return v.Str();
-  }
-  int32_t Num() {
-    int32_t n = -1;
-    EXPECT_EQ(PGRecNum(tbl_, n), 0);
-    return n;
-  }
+  int32_t K1() { return LongOf(1); }
+  std::string V() { return AlphaOf(3); }
   int16_t SearchK1(int32_t k1, int mode, int nFields = 1, int32_t k2 = 1) {
     EXPECT_EQ(PGPutLong(rec_, 1, k1), 0);
     EXPECT_EQ(PGPutLong(rec_, 2, k2), 0);
     return PGSrchKey(tbl_, rec_, nFields, mode);
   }
-
-  int16_t tbl_ = 0;
-  int16_t rec_ = 0;
 };
 
 TEST_F(NavTest, EndsOfTheTable) {
@@ -371,22 +350,6 @@ TEST_F(NavTest, RowCacheRoadsAndPrefetch) {
   EXPECT_EQ(PGRecGoto_c(tbl_, 131), kPGArgRange);
 }
 
-TEST_F(NavTest, IndexSwitchWithACacheInUseOpensTheTableAgain) {
-  MakeTable();
-  const int16_t v[1] = {3};
-  ASSERT_EQ(PGKeyAdd("dane\\nav", 1, v, 1), 0);
-  ASSERT_TRUE(Psql("INSERT INTO dane_nav (k1,k2,v) VALUES (1,1,'c'),(2,1,'a'),(3,1,'b')"));
-  Open();
-  ASSERT_EQ(PGRecFirst(tbl_), 0);
-  ASSERT_EQ(PGRecNext(tbl_), 0);  // the cache is on
-  PGTableAt(tbl_)->changedByUs = true;
-  ASSERT_EQ(PGIndexSwitch(tbl_, rec_, 3), 0);
-  EXPECT_EQ(PGTableAt(tbl_)->indexHandle, 3);
-  EXPECT_EQ(Scalar("SELECT il_zm FROM tables_list WHERE nazt='DANE_NAV' AND lp=1"), "-2147483646");
-  ASSERT_EQ(PGRecFirst(tbl_), 0);
-  EXPECT_EQ(K1(), 2);  // rec_ is the re-opened buffer
-}
-
 TEST_F(NavTest, IndexSwitchReordersAndPublishes) {
   MakeTable();
   const int16_t v[1] = {3};
@@ -395,11 +358,13 @@ TEST_F(NavTest, IndexSwitchReordersAndPublishes) {
   Open();
   ASSERT_EQ(PGRecFirst(tbl_), 0);
   EXPECT_EQ(K1(), 1);
+  ASSERT_EQ(PGRecNext(tbl_), 0);  // the row cache is in use: the switch opens the table again
   PGTableAt(tbl_)->changedByUs = true;
   ASSERT_EQ(PGIndexSwitch(tbl_, rec_, 3), 0);
+  EXPECT_EQ(PGTableAt(tbl_)->indexHandle, 3);
   EXPECT_EQ(Scalar("SELECT il_zm FROM tables_list WHERE nazt='DANE_NAV' AND lp=1"), "-2147483646");
   ASSERT_EQ(PGRecFirst(tbl_), 0);
-  EXPECT_EQ(K1(), 2);
+  EXPECT_EQ(K1(), 2);  // rec_ is the re-opened buffer
   ASSERT_EQ(PGRecNext(tbl_), 0);
   EXPECT_EQ(K1(), 3);
 }
@@ -408,13 +373,12 @@ TEST_F(NavTest, IndexSwitchReordersAndPublishes) {
 
 namespace {
 
-class AlphaTripTest : public CatalogueTest {
+class AlphaTripTest : public OneTableTest {
  protected:
   void SetUp() override {
-    CatalogueTest::SetUp();
+    OneTableTest::SetUp();
     ASSERT_EQ(CreateTable("dane\\txt", {{"a", "A255"}}), 0);
-    ASSERT_EQ(PGTblOpen("dane\\txt", tbl_, 0), 0);
-    ASSERT_EQ(PGRecBufOpen(tbl_, rec_), 0);
+    OpenTable("dane\\txt");
   }
   // Writes the text through a buffer, reads it back from the table.
   ShortText Trip(const ShortText& text) {
@@ -429,8 +393,6 @@ class AlphaTripTest : public CatalogueTest {
     EXPECT_EQ(PGGetAlpha(rec_, 1, back), 0);
     return back;
   }
-  int16_t tbl_ = 0;
-  int16_t rec_ = 0;
 };
 
 TEST_F(AlphaTripTest, BytesThatBothConversionsMapOneToOneSurvive) {

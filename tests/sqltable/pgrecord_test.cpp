@@ -5,28 +5,27 @@
 
 #include "base/dates.h"
 #include "base/mazovia.h"
+#include "base/expect_rows.h"
 #include "sqltable/pgrecord.h"
 #include "sqltest.h"
 
 namespace {
 
+using test_rows::ExpectRows;
+
 // Field numbers of the table that most cases use.
 enum : int { kA10 = 1, kDate, kShort, kLong, kY, kN, kMoney, kX, kBlob, kA1 };
 
-class RecordTest : public CatalogueTest {
+class RecordTest : public OneTableTest {
  protected:
   void SetUp() override {
-    CatalogueTest::SetUp();
+    OneTableTest::SetUp();
     ASSERT_EQ(CreateTable("dane\\rec", {{"a", "A10"}, {"d", "D"}, {"s", "S"}, {"l", "I"}, {"y", "Y"}, {"n", "N"},
                                         {"m", "$"}, {"x", "X"}, {"b", "B100"}, {"c", "A1"}}),
               0);
-    ASSERT_EQ(PGTblOpen("dane\\rec", tbl_, 0), 0);
-    ASSERT_EQ(PGRecBufOpen(tbl_, rec_), 0);
+    OpenTable("dane\\rec");
   }
   const std::string& Raw(int fld) { return PGRecordAt(rec_)->fields[fld].value; }
-
-  int16_t tbl_ = 0;
-  int16_t rec_ = 0;
 };
 
 TEST_F(RecordTest, FreshBufferHoldsTheBlankOfEachKind) {
@@ -109,11 +108,9 @@ TEST_F(RecordTest, AlphaIsCutTrimmedAndConverted) {
 
 TEST_F(RecordTest, NumbersAreWrittenByTypeAndReadLeniently) {
   ASSERT_EQ(PGPutShort(rec_, kShort, -32768), 0);
-  EXPECT_EQ(Raw(kShort), "-32768");
   ASSERT_EQ(PGPutLong(rec_, kLong, 2147483647), 0);
-  EXPECT_EQ(Raw(kLong), "2147483647");
   ASSERT_EQ(PGPutDoub(rec_, kY, 9007199254740992.0), 0);
-  EXPECT_EQ(Raw(kY), "9007199254740992");
+  ExpectRows<std::string>({{Raw(kShort), "-32768"}, {Raw(kLong), "2147483647"}, {Raw(kY), "9007199254740992"}});
   ASSERT_EQ(PGPutDoub(rec_, kN, 12.345), 0);
   EXPECT_NE(Raw(kN).find('E'), std::string::npos) << Raw(kN);
   double d = 0;
@@ -273,12 +270,9 @@ TEST(RecordLiteral, NoValueChangesTheStatement) {
     const char* value;
     const char* literal;
   } cases[] = {{PGKind::Number, "12", "12"},
-               {PGKind::Number, "-1.5e+20", "-1.5e+20"},
-               {PGKind::Number, "", "NULL"},
-               {PGKind::Number, "1--", "'1--'"},
-               {PGKind::Number, "1;DROP TABLE x", "'1;DROP TABLE x'"},
-               {PGKind::Text, "", "''"},
-               {PGKind::Text, "a'b\\c%_", "'a\\'b\\\\c\\%\\_'"},
+               {PGKind::Number, "-1.5e+20", "-1.5e+20"}, {PGKind::Number, "", "NULL"},
+               {PGKind::Number, "1--", "'1--'"}, {PGKind::Number, "1;DROP TABLE x", "'1;DROP TABLE x'"},
+               {PGKind::Text, "", "''"}, {PGKind::Text, "a'b\\c%_", "'a\\'b\\\\c\\%\\_'"},
                {PGKind::Date, "2024-01-02", "'2024-01-02'"},
                {PGKind::Blob, "41FF", "'41FF'"}};
   for (const Case& c : cases) EXPECT_EQ(PGValueLiteral(c.kind, c.value), c.literal) << c.value;

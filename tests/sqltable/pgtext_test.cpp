@@ -13,16 +13,9 @@ TEST(PGSqlNameTest, MapsEveryByteByTheRule) {
     const char* path;
     const char* sql;
   } cases[] = {
-      {"dane\\magazyny", "DANE_MAGAZYNY"},
-      {"dane\\uzytkown\\0\\konffisk", "DANE_UZYTKOWN_0_KONFFISK"},
-      {"dane\\12345678.9\\naglowki", "DANE_123456782E9_NAGLOWKI"},
-      {"12abc", "N12ABC"},
-      {"_x", "N_X"},
-      {"dane/x", "DANE2FX"},
-      {"a b'c", "A20B27C"},
-      {"", "N"},
-      {"Zz09_", "ZZ09_"},
-      {"\\x", "N_X"},
+      {"dane\\magazyny", "DANE_MAGAZYNY"}, {"dane\\uzytkown\\0\\konffisk", "DANE_UZYTKOWN_0_KONFFISK"},
+      {"dane\\12345678.9\\naglowki", "DANE_123456782E9_NAGLOWKI"}, {"12abc", "N12ABC"}, {"_x", "N_X"},
+      {"dane/x", "DANE2FX"}, {"a b'c", "A20B27C"}, {"", "N"}, {"Zz09_", "ZZ09_"}, {"\\x", "N_X"},
   };
   for (const Case& c : cases) EXPECT_EQ(PGSqlName(c.path), c.sql) << c.path;
   EXPECT_EQ(PGSqlName("ą"_mz), "N86");         // a Mazovia letter is not a letter here
@@ -50,35 +43,20 @@ TEST(PGParseTypeTest, StrictRuleOfTableCreation) {
     int buf;
     PGKind kind;
   } cases[] = {
-      {"A25", true, "VARCHAR(25)", 26, PGKind::Text},
-      {"A1", true, "CHAR", 2, PGKind::Text},
-      {"A0", true, "CHAR", 1, PGKind::Text},
-      {"A255", true, "VARCHAR(255)", 256, PGKind::Text},
-      {"D", true, "DATE", 11, PGKind::Date},
-      {"S", true, "SMALLINT", 7, PGKind::Number},
-      {"I", true, "INT", 12, PGKind::Number},
-      {"Y", true, "INT8", 23, PGKind::Number},
+      {"A25", true, "VARCHAR(25)", 26, PGKind::Text}, {"A1", true, "CHAR", 2, PGKind::Text},
+      {"A0", true, "CHAR", 1, PGKind::Text}, {"A255", true, "VARCHAR(255)", 256, PGKind::Text},
+      {"D", true, "DATE", 11, PGKind::Date}, {"S", true, "SMALLINT", 7, PGKind::Number},
+      {"I", true, "INT", 12, PGKind::Number}, {"Y", true, "INT8", 23, PGKind::Number},
       {"Y8", true, "INT8", 23, PGKind::Number},  // Y is not among the letters that refuse a size
-      {"N", true, "DOUBLE PRECISION", 30, PGKind::Number},
-      {"$", true, "DOUBLE PRECISION", 30, PGKind::Number},
-      {"X", true, "NUMERIC(28,7)", 30, PGKind::Number},
-      {"M100", true, "TEXT", 16385, PGKind::Blob},
-      {"B1", true, "TEXT", 16385, PGKind::Blob},
-      {"F2", true, "TEXT", 16385, PGKind::Blob},
-      {"G3", true, "TEXT", 16385, PGKind::Blob},
-      {"O4", true, "TEXT", 16385, PGKind::Blob},
-      {"", false, "", 0, PGKind::Number},
-      {"Q", false, "", 0, PGKind::Number},
-      {"a25", false, "", 0, PGKind::Number},
-      {"A", false, "", 0, PGKind::Number},
-      {"M", false, "", 0, PGKind::Number},
-      {"D8", false, "", 0, PGKind::Number},
-      {"I4", false, "", 0, PGKind::Number},
-      {"$2", false, "", 0, PGKind::Number},
-      {"X1", false, "", 0, PGKind::Number},
-      {"A256", false, "", 0, PGKind::Number},
-      {"A1x", false, "", 0, PGKind::Number},
-      {"A-1", false, "", 0, PGKind::Number},
+      {"N", true, "DOUBLE PRECISION", 30, PGKind::Number}, {"$", true, "DOUBLE PRECISION", 30, PGKind::Number},
+      {"X", true, "NUMERIC(28,7)", 30, PGKind::Number}, {"M100", true, "TEXT", 16385, PGKind::Blob},
+      {"B1", true, "TEXT", 16385, PGKind::Blob}, {"F2", true, "TEXT", 16385, PGKind::Blob},
+      {"G3", true, "TEXT", 16385, PGKind::Blob}, {"O4", true, "TEXT", 16385, PGKind::Blob},
+      {"", false, "", 0, PGKind::Number}, {"Q", false, "", 0, PGKind::Number}, {"a25", false, "", 0, PGKind::Number},
+      {"A", false, "", 0, PGKind::Number}, {"M", false, "", 0, PGKind::Number}, {"D8", false, "", 0, PGKind::Number},
+      {"I4", false, "", 0, PGKind::Number}, {"$2", false, "", 0, PGKind::Number},
+      {"X1", false, "", 0, PGKind::Number}, {"A256", false, "", 0, PGKind::Number},
+      {"A1x", false, "", 0, PGKind::Number}, {"A-1", false, "", 0, PGKind::Number},
       {"A2'", false, "", 0, PGKind::Number},
   };
   for (const Case& c : cases) {
@@ -129,16 +107,13 @@ TEST(PGErrTextTest, TextsAreTheSystemsOwn) {
     int16_t code;
     ShortText text;
   } cases[] = {
-      {0, "Operacja poprawna."_mz},
-      {7, "Uszkodzony indeks podstawowy (`primary index\")."_mz},
+      {0, "Operacja poprawna."_mz}, {7, "Uszkodzony indeks podstawowy (`primary index\")."_mz},
       {10, "Brak możliwości dostępu dzielonego (być może do katalogu)."_mz},
       {11, "Brak możliwości dostępu dzielonego (być może do katalogu)."_mz},
-      {9, "Rekord jest zablokowany przez innego uzytkownika."_mz},
-      {54, "Nieprawidłowy rozmiar `BLOB`u\"."_mz},
+      {9, "Rekord jest zablokowany przez innego uzytkownika."_mz}, {54, "Nieprawidłowy rozmiar `BLOB`u\"."_mz},
       {72, "Nie jest dostępna większa ilość `uchwytów\" tablic."_mz},
       {79, "Operacji nie można zakończyć - błąd krytyczny (`fatal error\")."_mz},
-      {114, "Nieprawidłówa nazwa katalogu."_mz},
-      {118, "Błąd zapytania SQL."_mz},
+      {114, "Nieprawidłówa nazwa katalogu."_mz}, {118, "Błąd zapytania SQL."_mz},
       {120, "Nie znaleziono tablicy."_mz},
       {1000, "Nie znaleziono pliku parametrów połączenia z serwerem bazy."_mz},
       {1004, "Nie utworzono indeksu kolejności pól tablicy informacyjnej `tables_list\"."_mz},

@@ -12,19 +12,16 @@
 namespace {
 
 // dane\w: key field kod (A40), nazwa (A60), ilosc (I).
-class WriteTest : public CatalogueTest {
+class WriteTest : public OneTableTest {
  protected:
   void SetUp() override {
-    CatalogueTest::SetUp();
+    OneTableTest::SetUp();
     ASSERT_EQ(CreateTable("dane\\w", {{"kod", "A40"}, {"nazwa", "A60"}, {"ilosc", "I"}}), 0) << PGLastOp.Str();
     const int16_t key[] = {1};
     ASSERT_EQ(PGKeyAdd("dane\\w", 1, key, 0), 0) << PGLastOp.Str();
     Open();
   }
-  void Open() {
-    ASSERT_EQ(PGTblOpen("dane\\w", tbl_, 0), 0) << PGLastOp.Str();
-    ASSERT_EQ(PGRecBufOpen(tbl_, rec_), 0);
-  }
+  void Open() { OpenTable("dane\\w"); }
   // A second table without key fields, one field a (A5), open with a buffer.
   static void OpenOneFieldTable(const char* path, int16_t& tbl, int16_t& rec) {
     ASSERT_EQ(CreateTable(path, {{"a", "A5"}}), 0);
@@ -42,8 +39,6 @@ class WriteTest : public CatalogueTest {
   // Rows as "kod|nazwa|ilosc" in key order, read past the layer.
   static std::string Rows() { return Scalar("SELECT string_agg(kod||'|'||nazwa||'|'||ilosc, ';' ORDER BY kod) FROM dane_w"); }
   static std::string Counter() { return Scalar("SELECT il_zm FROM tables_list WHERE nazt='DANE_W' AND lp=1"); }
-
-  int16_t tbl_ = 0, rec_ = 0;
 };
 
 TEST_F(WriteTest, AppendTakesTheRowIdBackAndBecomesTheCurrentRecord) {

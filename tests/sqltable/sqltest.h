@@ -14,6 +14,8 @@
 
 #include "dbfixture.h"
 #include "sqltable/pglib.h"
+#include "sqltable/pgnav.h"
+#include "sqltable/pgrecord.h"
 #include "sqltable/pgtable.h"
 #include "tui/tui_fixture.h"
 
@@ -83,6 +85,36 @@ class CatalogueTest : public ConnectedTest {
     ConnectedTest::SetUp();
     ASSERT_EQ(PGinitializett(), 0) << PGLastOp.Str();
   }
+};
+
+// A catalogue suite that works on one open table through one record buffer.
+class OneTableTest : public CatalogueTest {
+ protected:
+  void OpenTable(const ShortText& path, int index = 0) {
+    ASSERT_EQ(PGTblOpen(path, tbl_, index), 0) << PGLastOp.Str();
+    ASSERT_EQ(PGRecBufOpen(tbl_, rec_), 0);
+  }
+  // A field of the current row, read through the buffer.
+  int32_t LongOf(int fld) {
+    int32_t v = -1;
+    EXPECT_EQ(PGRecGet(tbl_, rec_), 0);
+    EXPECT_EQ(PGGetLong(rec_, fld, v), 0);
+    return v;
+  }
+  std::string AlphaOf(int fld) {
+    ShortText v;
+    EXPECT_EQ(PGRecGet(tbl_, rec_), 0);
+    EXPECT_EQ(PGGetAlpha(rec_, fld, v), 0);
+    return v.Str();
+  }
+  // The number of the current row as the layer counts it.
+  int32_t Num() {
+    int32_t n = -1;
+    EXPECT_EQ(PGRecNum(tbl_, n), 0);
+    return n;
+  }
+
+  int16_t tbl_ = 0, rec_ = 0;
 };
 
 // Creates a table from (name, type) pairs.

@@ -7,10 +7,13 @@
 #include <fstream>
 #include <sstream>
 
+#include "base/expect_rows.h"
 #include "form_fixture.h"
 #include "tui/askvalue.h"
 
 namespace {
+
+using test_rows::ExpectRows;
 
 using namespace form_test;
 
@@ -48,12 +51,9 @@ TEST_F(EditMemoTest, EditsLinesAndConfirmsWithF10) {
   EXPECT_TRUE(EditMemo(block, kWindow, false));
   EXPECT_EQ(block, "jedenX\ntrzycztery\n") << "Tab on the last line stays there";
   const Snapshot& s = Seen().at(0);
-  EXPECT_EQ(s.Cells(5, 10, 6), "jeden ");
-  EXPECT_EQ(s.Cells(6, 10, 4), "dwa ");
-  EXPECT_EQ(s.Cells(8, 10, 31), "╪╓ü - przemieszczanie kursora ╫"_mz.Str());
-  EXPECT_EQ(s.Attr(10, 5), 0x1F);
-  EXPECT_EQ(s.Attr(10, 8), 0x47);
-  EXPECT_EQ(s.x, 6);  // the cursor after "jeden", in the window
+  ExpectRows<std::string>({{s.Cells(5, 10, 6), "jeden "}, {s.Cells(6, 10, 4), "dwa "},
+                           {s.Cells(8, 10, 31), "╪╓ü - przemieszczanie kursora ╫"_mz.Str()}});
+  ExpectRows<int>({{s.Attr(10, 5), 0x1F}, {s.Attr(10, 8), 0x47}, {s.x, 6}});  // the cursor after "jeden"
 }
 
 TEST_F(EditMemoTest, EscLeavesTheTextAsItWas) {
@@ -70,9 +70,8 @@ TEST_F(EditMemoTest, EnterOnTheLastLineAddsOneAndTheWindowScrolls) {
   Play({Keys("a", {keys::kEnter}), Keys("b", {keys::kEnter}), Keys("c", {keys::kEnter}), Keys("d", {keys::F(10)})});
   EXPECT_TRUE(EditMemo(block, kWindow, false));
   EXPECT_EQ(block, "a\nb\nc\nd\n");
-  EXPECT_EQ(Seen().back().Cells(5, 10, 1), "b");
-  EXPECT_EQ(Seen().back().Cells(6, 10, 1), "c");
-  EXPECT_EQ(Seen().back().Cells(7, 10, 1), " ");
+  ExpectRows<std::string>({{Seen().back().Cells(5, 10, 1), "b"}, {Seen().back().Cells(6, 10, 1), "c"},
+                           {Seen().back().Cells(7, 10, 1), " "}});
 }
 
 TEST_F(EditMemoTest, ReadOnlyShowsAndScrollsUntilEsc) {
@@ -80,11 +79,9 @@ TEST_F(EditMemoTest, ReadOnlyShowsAndScrollsUntilEsc) {
   Play({{keys::kDown, keys::kDown}, {keys::kEnd}, {keys::kHome}, Keys("x", {keys::F(10), keys::kEsc})});
   EXPECT_FALSE(EditMemo(block, kWindow, true));
   EXPECT_EQ(block, "1\n2\n3\n4\n5\n6\n");
-  EXPECT_EQ(Seen().at(0).Cells(8, 10, 13), "╤╥û - koniec "_mz.Str());
-  EXPECT_EQ(Seen().at(0).Cells(5, 10, 1), "1");
-  EXPECT_EQ(Seen().at(1).Cells(5, 10, 1), "3");
-  EXPECT_EQ(Seen().at(2).Cells(7, 10, 1), "6");
-  EXPECT_EQ(Seen().at(3).Cells(5, 10, 1), "1");
+  ExpectRows<std::string>({{Seen().at(0).Cells(8, 10, 13), "╤╥û - koniec "_mz.Str()}, {Seen().at(0).Cells(5, 10, 1), "1"},
+                           {Seen().at(1).Cells(5, 10, 1), "3"}, {Seen().at(2).Cells(7, 10, 1), "6"},
+                           {Seen().at(3).Cells(5, 10, 1), "1"}});
 }
 
 TEST_F(EditMemoTest, FileIsWrittenBackOnlyOnF10AndLongLinesKeepTheirTail) {

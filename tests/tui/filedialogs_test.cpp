@@ -113,8 +113,7 @@ TEST_F(FileDialogsTest, CopyFileBarShowsTheFailureOverItsBox) {
     const char* target;
     uint8_t code;
   } cases[] = {
-      {"zrodlo.dat", "/dev/full", kCopyTargetWrite},
-      {"brak.dat", "cel.dat", kCopySourceOpen},
+      {"zrodlo.dat", "/dev/full", kCopyTargetWrite}, {"brak.dat", "cel.dat", kCopySourceOpen},
       {"zrodlo.dat", "/dev/zero", kCopyCompare},
   };
   for (const Case& c : cases) {

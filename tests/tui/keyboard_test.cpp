@@ -7,9 +7,12 @@
 
 #include "base/codepage.h"
 #include "base/mazovia.h"
+#include "base/expect_rows.h"
 #include "tui_fixture.h"
 
 namespace {
+
+using test_rows::ExpectRows;
 
 using tui_test::AttrAt;
 using tui_test::CharAt;
@@ -79,37 +82,16 @@ TEST_F(KeyboardTest, GravePrefixGivesKeysATerminalCannotSend) {
     std::vector<KeyPair> in;
     KeyPair out;
   } cases[] = {
-      {{g, keys::kUp}, {224, 141}},
-      {{g, keys::kDown}, {224, 145}},
-      {{g, keys::kIns}, {224, 146}},
-      {{g, keys::kDel}, {224, 147}},
-      {{g, keys::kBackspace}, {127, 14}},
-      {{g, keys::F(1)}, keys::F(11)},
-      {{g, keys::F(2)}, keys::F(12)},
-      {{g, keys::kPgUp}, {0, 153}},
-      {{g, keys::kPgDn}, {0, 161}},
-      {{g, keys::kTab}, {0, 15}},
-      {{g, g}, g},
-      {{g, KeyPair{'x', 45}}, {'x', 45}},
-      {{g, a, keys::F(1)}, {0, 104}},
-      {{g, a, keys::F(10)}, {0, 113}},
-      {{g, a, keys::F(12)}, {0, 140}},
-      {{g, s, keys::F(3)}, {0, 86}},
-      {{g, s, keys::F(11)}, {0, 135}},
-      {{g, s, keys::kTab}, {0, 15}},
-      {{g, c, keys::F(3)}, {0, 96}},
-      {{g, c, keys::F(12)}, {0, 138}},
-      {{g, c, keys::kHome}, {224, 119}},
-      {{g, c, keys::kEnd}, {224, 117}},
-      {{g, c, keys::kUp}, {224, 141}},
-      {{g, c, keys::kDown}, {224, 145}},
-      {{g, c, keys::kPgUp}, {224, 132}},
-      {{g, c, keys::kPgDn}, {224, 118}},
-      {{g, c, keys::kDel}, {224, 147}},
-      {{g, c, keys::kBackspace}, {127, 14}},
-      {{g, c, keys::kTab}, {0, 148}},
-      {{g, c, keys::kEnter}, {10, 28}},
-      {{g, c, KeyPair{'q', 16}}, {'q', 16}},
+      {{g, keys::kUp}, {224, 141}}, {{g, keys::kDown}, {224, 145}}, {{g, keys::kIns}, {224, 146}},
+      {{g, keys::kDel}, {224, 147}}, {{g, keys::kBackspace}, {127, 14}}, {{g, keys::F(1)}, keys::F(11)},
+      {{g, keys::F(2)}, keys::F(12)}, {{g, keys::kPgUp}, {0, 153}}, {{g, keys::kPgDn}, {0, 161}},
+      {{g, keys::kTab}, {0, 15}}, {{g, g}, g}, {{g, KeyPair{'x', 45}}, {'x', 45}}, {{g, a, keys::F(1)}, {0, 104}},
+      {{g, a, keys::F(10)}, {0, 113}}, {{g, a, keys::F(12)}, {0, 140}}, {{g, s, keys::F(3)}, {0, 86}},
+      {{g, s, keys::F(11)}, {0, 135}}, {{g, s, keys::kTab}, {0, 15}}, {{g, c, keys::F(3)}, {0, 96}},
+      {{g, c, keys::F(12)}, {0, 138}}, {{g, c, keys::kHome}, {224, 119}}, {{g, c, keys::kEnd}, {224, 117}},
+      {{g, c, keys::kUp}, {224, 141}}, {{g, c, keys::kDown}, {224, 145}}, {{g, c, keys::kPgUp}, {224, 132}},
+      {{g, c, keys::kPgDn}, {224, 118}}, {{g, c, keys::kDel}, {224, 147}}, {{g, c, keys::kBackspace}, {127, 14}},
+      {{g, c, keys::kTab}, {0, 148}}, {{g, c, keys::kEnter}, {10, 28}}, {{g, c, KeyPair{'q', 16}}, {'q', 16}},
   };
   for (const auto& k : cases) {
     SCOPED_TRACE(::testing::Message() << int(k.out.ch) << "," << int(k.out.scan));
@@ -169,8 +151,7 @@ TEST_F(KeyboardTest, EscapeSequencesAndTheGravePrefixFromTheTerminal) {
       {"xterm", "`c\x1bOR", {{0, 96}}},                // ` C F3: Ctrl+F3
       {"xterm", "`a\x1b[24~", {{0, 140}}},             // ` A F12
       {"xterm", "`s\x1bOP", {{0, 84}}},                // ` S F1
-      {"xterm", "`\x1bOP`\x1b[A", {{0, 133}, {224, 141}}},
-      {"xterm", "`c\x1b[H`c\r", {{224, 119}, {10, 28}}},
+      {"xterm", "`\x1bOP`\x1b[A", {{0, 133}, {224, 141}}}, {"xterm", "`c\x1b[H`c\r", {{224, 119}, {10, 28}}},
       {"rxvt", "\x1b[11~\x1b[3~\x1b[5^", {{0, 59}, {224, 83}, {224, 132}}},
       {"linux", "\x1b[[A\x1b[4~\x1b[25~", {{0, 59}, {224, 79}, {0, 84}}},
       {"xterm", "\x1b[21~\r\x7f\t\x1b[Z", {{0, 68}, {13, 28}, {8, 14}, {9, 15}, {0, 15}}},
@@ -224,12 +205,8 @@ TEST_F(KeyboardTest, CtrlLTogglesTheCapsIndicatorInTheTopRow) {
   TextAttr(0x1F);
   EXPECT_EQ(Translate({{12, 38}}), (KeyPair{12, 38}));
   EXPECT_TRUE(CapsIndicator());
-  EXPECT_EQ(CharAt(2, 1), 237);
-  EXPECT_EQ(AttrAt(2, 1), 0x47);
-  EXPECT_EQ(WhereX(), 3);
-  EXPECT_EQ(WhereY(), 4);
-  EXPECT_EQ(CurrentAttr(), 0x1F);
-  EXPECT_EQ(CurrentWindow().left, 10);
+  ExpectRows<int>({{CharAt(2, 1), 237}, {AttrAt(2, 1), 0x47}, {WhereX(), 3}, {WhereY(), 4}, {CurrentAttr(), 0x1F},
+                   {CurrentWindow().left, 10}});
   Translate({{12, 38}});
   EXPECT_FALSE(CapsIndicator());
   EXPECT_EQ(CharAt(2, 1), ' ');

@@ -7,9 +7,12 @@
 #include <fstream>
 
 #include "base/mazovia.h"
+#include "base/expect_rows.h"
 #include "tui_fixture.h"
 
 namespace {
+
+using test_rows::ExpectRows;
 
 class OutputTest : public tui_test::TuiTest {
  protected:
@@ -42,16 +45,11 @@ TEST_F(OutputTest, KindAndConversionsFollowTheEnvironment) {
     int kind, outCodePage, outputMode, inCodePage;
     bool special, few;
   } cases[] = {
-      {"xterm", "", "", "", 2, 4, 4, 0, false, false},
-      {"XTerm", "", "utf", "", 2, 4, 4, 1, false, false},
-      {"rxvt", "", "win", "1", 1, 0, 4, 2, true, true},
-      {"linux", "", "", "0", 3, 0, 4, 0, true, false},
-      {"cp852", "", "", "", 4, 2, 2, 0, false, false},
-      {"orbel", "", "", "", 5, 0, 2, 0, true, false},
-      {"vt100", "", "", "", 0, 4, 4, 0, false, false},
-      {"xterm-256color", "", "", "", 0, 4, 4, 0, false, false},
-      {"rxvt", "poor", "", "", 2, 4, 4, 0, false, false},
-      {"linux", "POOR", "UTF", "", 2, 4, 4, 1, false, false},
+      {"xterm", "", "", "", 2, 4, 4, 0, false, false}, {"XTerm", "", "utf", "", 2, 4, 4, 1, false, false},
+      {"rxvt", "", "win", "1", 1, 0, 4, 2, true, true}, {"linux", "", "", "0", 3, 0, 4, 0, true, false},
+      {"cp852", "", "", "", 4, 2, 2, 0, false, false}, {"orbel", "", "", "", 5, 0, 2, 0, true, false},
+      {"vt100", "", "", "", 0, 4, 4, 0, false, false}, {"xterm-256color", "", "", "", 0, 4, 4, 0, false, false},
+      {"rxvt", "poor", "", "", 2, 4, 4, 0, false, false}, {"linux", "POOR", "UTF", "", 2, 4, 4, 1, false, false},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(std::string(c.term) + "/" + c.klote + "/" + c.cp);
@@ -96,16 +94,9 @@ TEST_F(OutputTest, KeyCapsArePlainOnXtermWithPoor) {
     ShortText text;
     std::string shown;
   } cases[] = {
-      {"ƒEnter⌐"_mz, "[Enter]"},
-      {"╤╥û"_mz, "Esc"},
-      {"û"_mz, "C"},
-      {"╫à - pomoc"_mz, "F1 - pomoc"},
-      {"╫ô"_mz, "F9"},
-      {"╫╨ö"_mz, "F10"},
-      {"╧à╧ç╧ô"_mz, " 1 2 9"},
-      {"╧Ö lub ╧Ü"_mz, " N lub  T"},
-      {"╪╓ü"_mz, "<+>"},
-      {"╒¿"_mz, "<-"},
+      {"ƒEnter⌐"_mz, "[Enter]"}, {"╤╥û"_mz, "Esc"}, {"û"_mz, "C"}, {"╫à - pomoc"_mz, "F1 - pomoc"},
+      {"╫ô"_mz, "F9"}, {"╫╨ö"_mz, "F10"}, {"╧à╧ç╧ô"_mz, " 1 2 9"},
+      {"╧Ö lub ╧Ü"_mz, " N lub  T"}, {"╪╓ü"_mz, "<+>"}, {"╒¿"_mz, "<-"},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.shown);
@@ -155,8 +146,7 @@ TEST_F(OutputTest, ColourChangesSayOnlyWhatChanged) {
     const char* sgr;
   } steps[] = {
       {0x07, "\x1b[0;37;40m"}, {0x17, "\x1b[44m"},         {0x1F, "\x1b[1m"},  {0x1E, "\x1b[33m"},
-      {0x4E, "\x1b[41m"},      {0x47, "\x1b[0;37;41m"},    {0xC7, "\x1b[5m"},  {0x07, "\x1b[0;37;40m"},
-      {0x07, ""},
+      {0x4E, "\x1b[41m"},      {0x47, "\x1b[0;37;41m"},    {0xC7, "\x1b[5m"},  {0x07, "\x1b[0;37;40m"}, {0x07, ""},
   };
   tui_test::InitTerminal("linux");
   Sent();
@@ -233,13 +223,8 @@ TEST_F(OutputTest, TitleTextAndDigitCaps) {
   WriteAt(1, 1, TitleText(ShortText("Ab z")));
   EXPECT_EQ(StripSequences(Sent()), "AB Z");
   // Digits, then the letters: 9 is the last digit cell, A the first letter, P the last.
-  EXPECT_EQ(DigitCap(0), 0x94);
-  EXPECT_EQ(DigitCap(9), 0x93);
-  EXPECT_EQ(DigitCap(10), 0xF4);
-  EXPECT_EQ(DigitCap(13), 0x05);
-  EXPECT_EQ(DigitCap(25), 0x15);
-  EXPECT_EQ(DigitCap(-1), 7);
-  EXPECT_EQ(DigitCap(26), 7);
+  ExpectRows<int>({{DigitCap(0), 0x94}, {DigitCap(9), 0x93}, {DigitCap(10), 0xF4}, {DigitCap(13), 0x05},
+                   {DigitCap(25), 0x15}, {DigitCap(-1), 7}, {DigitCap(26), 7}});
 }
 
 TEST_F(OutputTest, CodePageFileNamesTheConversionForOtherPrograms) {

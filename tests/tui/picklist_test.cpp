@@ -6,9 +6,12 @@
 #include <cstdio>
 #include <fstream>
 
+#include "base/expect_rows.h"
 #include "form_fixture.h"
 
 namespace {
+
+using test_rows::ExpectRows;
 
 using namespace form_test;
 
@@ -38,18 +41,11 @@ TEST_F(PickListTest, CentredBoxShowsKeyCapsBarAndEscLine) {
   EXPECT_EQ(Pick(kThree), 1);
   const Snapshot& s = Seen().at(0);
   // 5 lines of 29 (the Esc line is the widest): columns 25..55, rows 10..16.
-  EXPECT_EQ(s.Cells(10, 25, 1), "\xDA");
-  EXPECT_EQ(s.Cells(10, 55, 1), "\xB7");
-  EXPECT_EQ(s.Cells(11, 26, 8), "Wybierz:");
-  EXPECT_EQ(s.Cells(12, 26, 29), "\xCF\x85 Alfa " + std::string(21, ' '));
-  EXPECT_EQ(s.Cells(13, 26, 8), "\xCF\x87 Beta ");
-  EXPECT_EQ(s.Cells(14, 26, 8), "\xCF\x88 Gamma");
-  EXPECT_EQ(s.Cells(15, 26, 29), "╤╥û - rezygnacja z wybierania"_mz.Str());
-  EXPECT_EQ(s.Cells(16, 25, 1), "\xD4");
-  EXPECT_EQ(s.Attr(26, 12), 0x30);
-  EXPECT_EQ(s.Attr(54, 12), 0x30);
-  EXPECT_EQ(s.Attr(26, 13), 0x1F);
-  EXPECT_EQ(s.Attr(25, 10), 0x1F);
+  ExpectRows<std::string>({{s.Cells(10, 25, 1), "\xDA"}, {s.Cells(10, 55, 1), "\xB7"}, {s.Cells(11, 26, 8), "Wybierz:"},
+                           {s.Cells(12, 26, 29), "\xCF\x85 Alfa " + std::string(21, ' ')},
+                           {s.Cells(13, 26, 8), "\xCF\x87 Beta "}, {s.Cells(14, 26, 8), "\xCF\x88 Gamma"},
+                           {s.Cells(15, 26, 29), "╤╥û - rezygnacja z wybierania"_mz.Str()}, {s.Cells(16, 25, 1), "\xD4"}});
+  ExpectRows<int>({{s.Attr(26, 12), 0x30}, {s.Attr(54, 12), 0x30}, {s.Attr(26, 13), 0x1F}, {s.Attr(25, 10), 0x1F}});
   EXPECT_EQ(ch_, 13);
 }
 
@@ -91,10 +87,8 @@ TEST_F(PickListTest, MovesStopAtTheEnds) {
     int16_t want;
   } cases[] = {
       {{keys::kDown, keys::kDown, keys::kDown, keys::kDown, keys::kEnter}, 3},
-      {{keys::kUp, keys::kUp, keys::kEnter}, 1},
-      {{keys::kEnd, keys::kUp, keys::kEnter}, 2},
-      {{keys::kEnd, keys::kHome, keys::kEnter}, 1},
-      {{keys::kTab, keys::kEnter}, 2},
+      {{keys::kUp, keys::kUp, keys::kEnter}, 1}, {{keys::kEnd, keys::kUp, keys::kEnter}, 2},
+      {{keys::kEnd, keys::kHome, keys::kEnter}, 1}, {{keys::kTab, keys::kEnter}, 2},
   };
   for (const auto& c : cases) {
     Play({c.keys});

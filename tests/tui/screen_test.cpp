@@ -2,9 +2,12 @@
 #include <gtest/gtest.h>
 
 #include "base/mazovia.h"
+#include "base/expect_rows.h"
 #include "tui_fixture.h"
 
 namespace {
+
+using test_rows::ExpectRows;
 
 using tui_test::AttrAt;
 using tui_test::CharAt;
@@ -16,14 +19,9 @@ TEST_F(ScreenTest, WriteAtStoresBytesAndAttributeInTheShadows) {
   TextAttr(0x1E);
   WriteAt(5, 3, ShortText("abc"));
   EXPECT_EQ(Cells(3, 5, 3), "abc");
-  EXPECT_EQ(AttrAt(5, 3), 0x1E);
-  EXPECT_EQ(AttrAt(8, 3), 0x07);
-  EXPECT_EQ(WhereX(), 8);
-  EXPECT_EQ(WhereY(), 3);
-  EXPECT_EQ(CharAtCursor(), ' ');
+  ExpectRows<int>({{AttrAt(5, 3), 0x1E}, {AttrAt(8, 3), 0x07}, {WhereX(), 8}, {WhereY(), 3}, {CharAtCursor(), ' '}});
   GotoXY(6, 3);
-  EXPECT_EQ(CharAtCursor(), 'b');
-  EXPECT_EQ(AttrAtCursor(), 0x1E);
+  ExpectRows<int>({{CharAtCursor(), 'b'}, {AttrAtCursor(), 0x1E}});
 }
 
 TEST_F(ScreenTest, WindowValuesOutOfRangeFallBack) {
@@ -36,11 +34,8 @@ TEST_F(ScreenTest, WindowValuesOutOfRangeFallBack) {
   };
   for (const auto& c : cases) {
     Window(c.l, c.t, c.r, c.b);
-    WindowRect w = CurrentWindow();
-    EXPECT_EQ(w.left, c.want.left);
-    EXPECT_EQ(w.top, c.want.top);
-    EXPECT_EQ(w.right, c.want.right);
-    EXPECT_EQ(w.bottom, c.want.bottom);
+    const WindowRect w = CurrentWindow();
+    ExpectRows<int>({{w.left, c.want.left}, {w.top, c.want.top}, {w.right, c.want.right}, {w.bottom, c.want.bottom}});
   }
   Window(5, 6, 70, 20);
   uint16_t lo = WindowMinPacked(), hi = WindowMaxPacked();
@@ -53,15 +48,14 @@ TEST_F(ScreenTest, WindowValuesOutOfRangeFallBack) {
 
 TEST_F(ScreenTest, GotoOutsideTheWindowBecomesOne) {
   Window(11, 6, 20, 10);
-  GotoXY(10, 5);
-  EXPECT_EQ(WhereX(), 10);
-  EXPECT_EQ(WhereY(), 5);
-  GotoXY(11, 3);
-  EXPECT_EQ(WhereX(), 1);
-  EXPECT_EQ(WhereY(), 3);
-  GotoXY(0, 6);
-  EXPECT_EQ(WhereX(), 1);
-  EXPECT_EQ(WhereY(), 1);
+  // Each place asked and where the cursor is after it: a coordinate outside the window becomes 1.
+  const struct {
+    int x, y, whereX, whereY;
+  } moves[] = {{10, 5, 10, 5}, {11, 3, 1, 3}, {0, 6, 1, 1}};
+  for (const auto& m : moves) {
+    GotoXY(m.x, m.y);
+    ExpectRows<int>({{WhereX(), m.whereX}, {WhereY(), m.whereY}});
+  }
 }
 
 TEST_F(ScreenTest, WritesAreCutAtTheWindowAndNothingOutsideIsTouched) {
@@ -96,11 +90,7 @@ TEST_F(ScreenTest, ClearWindowAndWriteCentred) {
   TextAttr(0x1F);
   ClearWindow();
   EXPECT_EQ(Cells(5, 19, 24), "##" + std::string(20, ' ') + "##");
-  EXPECT_EQ(AttrAt(21, 4), 0x1F);
-  EXPECT_EQ(AttrAt(40, 6), 0x1F);
-  EXPECT_EQ(AttrAt(20, 5), 0x70);
-  EXPECT_EQ(WhereX(), 1);
-  EXPECT_EQ(WhereY(), 1);
+  ExpectRows<int>({{AttrAt(21, 4), 0x1F}, {AttrAt(40, 6), 0x1F}, {AttrAt(20, 5), 0x70}, {WhereX(), 1}, {WhereY(), 1}});
   GotoXY(1, 2);
   WriteCentred(ShortText("abcd"));  // (20 - 4) / 2 + 1 = 9
   EXPECT_EQ(Cells(5, 29, 4), "abcd");
@@ -131,12 +121,8 @@ TEST_F(ScreenTest, SaveAndRestoreBringBackBothShadowsAndKeepCursorWindowAttribut
   ScreenRestore(copy);
   EXPECT_FALSE(copy);
   EXPECT_EQ(Cells(3, 1, 11), "  saved    ");
-  EXPECT_EQ(AttrAt(3, 3), 0x1E);
-  EXPECT_EQ(AttrAt(1, 3), 0x07);
-  EXPECT_EQ(CurrentWindow().left, 5);
-  EXPECT_EQ(WhereX(), 4);
-  EXPECT_EQ(WhereY(), 2);
-  EXPECT_EQ(CurrentAttr(), 0x4F);
+  ExpectRows<int>({{AttrAt(3, 3), 0x1E}, {AttrAt(1, 3), 0x07}, {CurrentWindow().left, 5}, {WhereX(), 4},
+                   {WhereY(), 2}, {CurrentAttr(), 0x4F}});
   Sent();
   ScreenRestore(copy);  // empty: nothing at all
   EXPECT_EQ(Sent(), "");

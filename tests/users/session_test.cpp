@@ -111,16 +111,11 @@ TEST_F(SessionTest, StaleMarkPassesOnlyByTheOverrideRule) {
     bool enters;
   };
   const Case cases[] = {
-      {kOverrideAnybody, 1, "alfa", kAskSame, "T", true},
-      {kOverrideAnybody, 1, "alfa", kAskSame, "N", false},
-      {kOverrideAnybody, 1, "beta", kAskOther, "T", true},
-      {kOverrideMaxRights, 1, "alfa", kRefuseSame, "", false},
-      {kOverrideMaxRights, 1, "beta", kRefuseOther, "", false},
-      {kOverrideMaxRights, 2, "beta", kAskOther, "T", true},
-      {kOverrideManager, 2, "alfa", kRefuseSame, "", false},
-      {kOverrideManager, 1, "beta", kRefuseOther, "", false},
-      {kOverrideManager, 0, "beta", kAskOther, "T", true},
-      {7, 2, "beta", kRefuseOther, "", false},
+      {kOverrideAnybody, 1, "alfa", kAskSame, "T", true}, {kOverrideAnybody, 1, "alfa", kAskSame, "N", false},
+      {kOverrideAnybody, 1, "beta", kAskOther, "T", true}, {kOverrideMaxRights, 1, "alfa", kRefuseSame, "", false},
+      {kOverrideMaxRights, 1, "beta", kRefuseOther, "", false}, {kOverrideMaxRights, 2, "beta", kAskOther, "T", true},
+      {kOverrideManager, 2, "alfa", kRefuseSame, "", false}, {kOverrideManager, 1, "beta", kRefuseOther, "", false},
+      {kOverrideManager, 0, "beta", kAskOther, "T", true}, {7, 2, "beta", kRefuseOther, "", false},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(testing::Message() << "rule " << c.rule << " user " << c.number << " from " << c.deadHost

@@ -23,12 +23,9 @@ TEST_F(UsersTest, PasswordPromptAdmitsByTheStoredText) {
     bool admitted, prompted;
   };
   const Case cases[] = {
-      {ShortText(), {}, true, false},
-      {LockedPassword(), {}, false, false},
-      {"tajne", {{Type("tajne", {kEnter})}}, true, true},
-      {"tajne", {{Type("tajnE", {kEnter})}}, false, true},
-      {"tajne", {{Type("tajne", {kEsc})}}, false, true},
-      {"ab", {{Type("abx", {kBack, kEnter})}}, true, true},
+      {ShortText(), {}, true, false}, {LockedPassword(), {}, false, false},
+      {"tajne", {{Type("tajne", {kEnter})}}, true, true}, {"tajne", {{Type("tajnE", {kEnter})}}, false, true},
+      {"tajne", {{Type("tajne", {kEsc})}}, false, true}, {"ab", {{Type("abx", {kBack, kEnter})}}, true, true},
       {"abc", {{Type("abcdefghijkl", {kEnter})}}, false, true},  // 10 characters at most
   };
   for (const Case& c : cases) {
