@@ -9,6 +9,7 @@
 #include "base/codepage.h"
 #include "base/numbers.h"
 #include "base/numbers_format.h"
+#include "base/text.h"
 #include "documents/docnumber.h"
 #include "master/tables.h"
 #include "reports/reportlines.h"
@@ -45,6 +46,7 @@ std::string CashDaysSql(int32_t warehouse, int32_t from, int32_t to) {
 }
 
 std::string Money(Real v) { return Str(FormatMoneyRounded(15, 2, v)); }
+std::string Right(const ShortText& head) { return Str(PadLeft(head, ' ', 15)); }
 std::string Rule() { return std::string(kWidth, '-'); }
 
 std::vector<std::string> CashHead(const CashParams& p) {
@@ -52,7 +54,7 @@ std::vector<std::string> CashHead(const CashParams& p) {
   if (!p.symbol.Empty()) head.push_back(Str("Raport kasowy nr: "_mz + p.symbol));
   head.push_back("Okres: od " + DisplayDate(p.from) + " do " + DisplayDate(p.to));
   head.push_back(Rule());
-  head.push_back(Str("Data                  Przychód         Rozchód      Saldo dnia"_mz));
+  head.push_back(Cell("Data", 14) + Right("Przychód"_mz) + " " + Right("Rozchód"_mz) + " " + Right("Saldo dnia"));
   head.push_back(Rule());
   return head;
 }
