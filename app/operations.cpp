@@ -13,6 +13,7 @@
 #include "master/dictionary_screens.h"
 #include "master/items.h"
 #include "reports/analyses.h"
+#include "reports/cashanalysis.h"
 #include "reports/itemanalyses.h"
 #include "tui/msgbox.h"
 #include "users/users.h"
@@ -30,6 +31,7 @@ void GoodsAnalyses(AppState&) { TurnoverAnalysisEntry(); }
 void ExtendedGoodsAnalyses(AppState&) { ItemTurnoverEntry(); }
 void StockLists(AppState&) { StockTurnoverEntry(); }
 void SpecialLists(AppState&) { SpecialListsEntry(); }
+void CashAnalyses(AppState&) { CashAnalysesEntry(); }
 
 void DepositSettlement(AppState& state) {
   if (WarehouseReady(state)) AutoSettleDeposits(state.warehouse);
@@ -83,7 +85,7 @@ constexpr Operation kOperations[] = {
     {MenuOp::kCashDocuments, CashDocuments},
     {MenuOp::kGoodsAnalyses, GoodsAnalyses},
     {MenuOp::kDocumentAnalyses, NotYetAvailable},
-    {MenuOp::kCashAnalyses, NotYetAvailable},
+    {MenuOp::kCashAnalyses, CashAnalyses},
     {MenuOp::kAccountingAnalyses, NotYetAvailable},
     {MenuOp::kExtendedGoodsAnalyses, ExtendedGoodsAnalyses},
     {MenuOp::kStockLists, StockLists},

@@ -93,4 +93,21 @@ TEST_F(ViewerWalkTest, StockWithTurnoverOnTheScreen) {
   EXPECT_TRUE(Shows("KLOTE-END")) << Pane();
 }
 
+// The cash summary as a cash report: a symbol and an opening balance, no cash
+// in February, so the closing balance is the opening one.
+TEST_F(ViewerWalkTest, CashReportOnTheScreen) {
+  const std::string clear = "BSpace BSpace BSpace BSpace BSpace BSpace BSpace BSpace BSpace BSpace ";
+  ASSERT_NO_FATAL_FAILURE(Analysis("3"));
+  ASSERT_NO_FATAL_FAILURE(Steps({{"Podsumowanie kasy za wybrany dzień", "1"},
+                                 {"Podaj zakres dat", clear + "01-02-2026 Enter " + clear + "28-02-2026 Enter"},
+                                 {"Wybierz magazyny, na których dokonywano operacji:", "Enter F10"},
+                                 {"Jeżeli nie podasz nic", "RK1 Enter"},
+                                 {"Podaj stan początkowy kasy", "BSpace 100.5 Enter"},
+                                 {"Skierować wydruk:", "2"}}));
+  ASSERT_TRUE(Shows("Raport kasowy nr: RK1")) << Pane();
+  EXPECT_TRUE(Shows("Stan końcowy kasy:" + std::string(37, ' ') + "100,50\n")) << Pane();
+  Keys("Escape");
+  ASSERT_NO_FATAL_FAILURE(Steps({{"Analizy dokumentów kasowych", "Escape"}}));
+}
+
 }  // namespace
