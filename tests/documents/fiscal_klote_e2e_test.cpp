@@ -14,6 +14,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <thread>
@@ -142,11 +143,7 @@ class KloteSaleE2eTest : public CatalogueTest {
   void EndCase() {
     if (home_.empty()) return;
     tmux_.reset();
-    if (server_ > 0) {
-      ::kill(server_, SIGTERM);
-      ::waitpid(server_, nullptr, 0);
-      server_ = -1;
-    }
+    server_.reset();
     PosnetCloseAtExit();
     SetElzabPortIo(nullptr);
     ElzabLine().ready = false;
@@ -155,37 +152,8 @@ class KloteSaleE2eTest : public CatalogueTest {
     (void)std::system(("cd " + home_ + " && rm -f tty0 fisksrv").c_str());
   }
   void StartPollingServer() {
-    WriteText("fisk.cfg", family_ == Family::kPosnet ? "2,1,\"srvfisk\\2\",,0\n" : "1,1,\"srvfisk\\1\",,0\n");
-    std::remove("fisk.log");
-    server_ = ::fork();
-    if (server_ == 0) {
-      (void)std::freopen("/dev/null", "w", stdout);
-      ::execl(KLOTE_BINARY_DIR "/server/fisksrv", "fisksrv", "fisk.cfg", "50", "fisk.log", "x", nullptr);
-      ::_exit(127);
-    }
-    ASSERT_TRUE(WaitUntil([] { return ReadText("fisk.log").find("SKONFIGUROWANO") != std::string::npos; }, 10000));
-  }
-  static void WriteText(const std::string& path, const std::string& text) {
-    std::FILE* f = std::fopen(path.c_str(), "w");
-    std::fputs(text.c_str(), f);
-    std::fclose(f);
-  }
-  static std::string ReadText(const std::string& path) {
-    std::string text;
-    if (std::FILE* f = std::fopen(path.c_str(), "r")) {
-      char buf[4096];
-      for (std::size_t n; (n = std::fread(buf, 1, sizeof buf, f)) > 0;) text.append(buf, n);
-      std::fclose(f);
-    }
-    return text;
-  }
-  template <typename Check>
-  static bool WaitUntil(Check check, int ms) {
-    for (int waited = 0; waited < ms; waited += 20) {
-      if (check()) return true;
-      std::this_thread::sleep_for(std::chrono::milliseconds(20));
-    }
-    return check();
+    server_.emplace(family_ == Family::kPosnet ? "2,1,\"srvfisk\\2\",,0" : "1,1,\"srvfisk\\1\",,0");
+    ASSERT_TRUE(PollingFisksrv::Configured());
   }
 
   // --- klote in tmux, with the printers' lines of the case, logged in at the menu bar ---
@@ -261,7 +229,7 @@ class KloteSaleE2eTest : public CatalogueTest {
   FiscalConfig config_;
   std::unique_ptr<SimProcess> posnet_;
   std::unique_ptr<ElzabSimProcess> elzab_;
-  pid_t server_ = -1;
+  std::optional<PollingFisksrv> server_;
 };
 
 TEST_F(KloteSaleE2eTest, ASaleReachesTheJournalByEveryRoadOfBothFamilies) {

@@ -15,6 +15,7 @@
 #include <fstream>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -76,10 +77,7 @@ class FiscalSaleTest : public CatalogueTest {
     config_ = Config(kFiscalPosnet);
   }
   void TearDown() override {
-    if (server_ > 0) {
-      ::kill(server_, SIGTERM);
-      ::waitpid(server_, nullptr, 0);
-    }
+    server_.reset();
     ClearCurrentUser();
     SetKeyIdleHook(nullptr);
     DiscardPendingKeys();
@@ -167,33 +165,6 @@ class FiscalSaleTest : public CatalogueTest {
     SetElzabPortIo(nullptr);  // the next use connects to this simulator
     ElzabLine().ready = false;
   }
-  // The real fisksrv in polling mode serving the row, output into a file.
-  void StartPollingServer(const std::string& row) {
-    std::FILE* f = std::fopen("fisk.cfg", "w");
-    std::fprintf(f, "%s\n", row.c_str());
-    std::fclose(f);
-    server_ = ::fork();
-    if (server_ == 0) {
-      std::freopen("fisk.out", "w", stdout);
-      ::execl(KLOTE_BINARY_DIR "/server/fisksrv", "fisksrv", "fisk.cfg", "50", "fisk.log", "x", nullptr);
-      ::_exit(127);
-    }
-    for (int i = 0; i < 500 && ReadFile("fisk.log").find("SKONFIGUROWANO") == std::string::npos; ++i) ::usleep(10000);
-  }
-  static std::string ReadFile(const std::string& path) {
-    std::ifstream in(path);
-    return std::string(std::istreambuf_iterator<char>(in), {});
-  }
-  // Waits until the journal holds a line starting with the text (the server prints by itself).
-  static bool WaitForLine(const std::function<Lines()>& journal, const std::string& start) {
-    for (int i = 0; i < 3000; ++i) {
-      for (const std::string& l : journal())
-        if (l.rfind(start, 0) == 0) return true;
-      ::usleep(10000);
-    }
-    return false;
-  }
-
   // The whole POSNET receipt of the document at the width.
   // nameWidth is the job file's 24 on the server's road.
   static Lines PosnetReceipt(std::size_t width, std::size_t nameWidth = 0) {
@@ -210,7 +181,7 @@ class FiscalSaleTest : public CatalogueTest {
   FiscalConfig config_;
   std::unique_ptr<SimProcess> posnet_;
   std::unique_ptr<ElzabSimProcess> elzab_;
-  pid_t server_ = -1;
+  std::optional<PollingFisksrv> server_;
 };
 
 // Keys the operator gives, in order, to the boxes that wait.
@@ -257,13 +228,13 @@ TEST_F(FiscalSaleTest, ElzabDirectPlaysTheStream) {
 TEST_F(FiscalSaleTest, ServerPollingAndOneShotPrintTheJob) {
   StartPosnet();
   config_ = Config(kFiscalServer);
-  StartPollingServer("2,1,\"srvfisk\\1\",,0");
+  server_.emplace("2,1,\"srvfisk\\1\",,0");
+  ASSERT_TRUE(PollingFisksrv::Configured());
   EXPECT_TRUE(FiscaliseDocument(config_, kKey));
-  ASSERT_TRUE(WaitForLine([&] { return posnet_->Journal(); }, "TOTAL")) << ReadFile("fisk.log");
-  EXPECT_EQ(WithoutHeads(posnet_->Journal()), WithoutHeads(PosnetReceipt(40, 24))) << ReadFile("fisk.log");
-  ::kill(server_, SIGTERM);
-  ::waitpid(server_, nullptr, 0);
-  server_ = -1;
+  ASSERT_TRUE(WaitUntil([&] { return !posnet_->Journal().empty() && posnet_->Journal().back().rfind("TOTAL", 0) == 0; },
+                        30000)) << ReadText("fisk.log");
+  EXPECT_EQ(WithoutHeads(posnet_->Journal()), WithoutHeads(PosnetReceipt(40, 24))) << ReadText("fisk.log");
+  server_.reset();
   Scalar("UPDATE DANE_1_NAGLOWKI SET czy_gotowkowy = 'T'");  // the print marked it; unmarked for the next road
 
   // One-shot: the application starts ./fisksrv with the row and waits for its end.
