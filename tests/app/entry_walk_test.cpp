@@ -52,8 +52,10 @@ TEST_F(EntryWalkTest, ASaleInvoiceAndAPurchaseOfTheDemoFirmChangeTheStock) {
   ASSERT_GE(before, 3);
   ASSERT_TRUE(walk_.StartKlote(Db().home));
   ASSERT_NO_FATAL_FAILURE(walk_.LogIn(true));
-  ASSERT_NO_FATAL_FAILURE(EnterDocument(walk_, "2", "3", "3", Value("SELECT rtrim(nazwa) FROM dane_odbiorcy WHERE numer=3")));
-  ASSERT_NO_FATAL_FAILURE(EnterDocument(walk_, "3", "10", "5", Value("SELECT rtrim(nazwa) FROM dane_dostawcy WHERE numer=5")));
+  const std::string customer = Value("SELECT rtrim(nazwa) FROM dane_odbiorcy WHERE numer=3");
+  const std::string supplier = Value("SELECT rtrim(nazwa) FROM dane_dostawcy WHERE numer=5");
+  ASSERT_NO_FATAL_FAILURE(EnterDocument(walk_, "2", "3", "3", customer));
+  ASSERT_NO_FATAL_FAILURE(EnterDocument(walk_, "3", "10", "5", supplier));
 
   // The goods catalogue shows the item with its new stock.
   const double after = before - 3 + 10;

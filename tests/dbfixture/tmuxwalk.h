@@ -88,8 +88,11 @@ class TmuxWalk {
   void LogIn(bool chooseWarehouse) {
     ASSERT_TRUE(Shows("Wybierz, jako który użytkownik będziesz pracować:")) << Pane();
     Keys("Enter");
-    if (chooseWarehouse) Walk({{"", "Wybierz magazyn, na którego konto wprowadzać będziesz dane:"}, {"Enter", "F2 Dokumenty"}});
-    else ASSERT_TRUE(Shows("F2 Dokumenty")) << Pane();
+    if (chooseWarehouse) {
+      ASSERT_TRUE(Shows("Wybierz magazyn, na którego konto wprowadzać będziesz dane:")) << Pane();
+      Keys("Enter");
+    }
+    ASSERT_TRUE(Shows("F2 Dokumenty")) << Pane();
   }
   // Esc from the menu ends the program.
   void Quit() {

@@ -103,52 +103,27 @@ class FiscalSaleTest : public CatalogueTest {
     return c;
   }
 
-  void WriteItems() {
-    int16_t tbl = 0, rec = 0;
-    ASSERT_EQ(OpenTable("dane\\kat_tow_", tbl, 0), 0);
-    ASSERT_EQ(PGRecBufOpen(tbl, rec), 0);
-    int32_t number = 100;
-    for (const Item& i : kItems) {
-      ASSERT_EQ(PGRecBufEmpty(rec), 0);
-      ASSERT_EQ(PGPutAlpha(rec, KatTowCol::nazwa, Utf8ToMaz(ShortText(i.name))), 0);
-      ASSERT_EQ(PGPutAlpha(rec, KatTowCol::vat, i.vat), 0);
-      ASSERT_EQ(PGPutLong(rec, KatTowCol::nr_wewn, ++number), 0);
-      ASSERT_EQ(PGPutAlpha(rec, KatTowCol::jednostka, i.unit), 0);
-      ASSERT_EQ(PGRecAppend(tbl, rec), 0);
-    }
-    (void)PGRecBufClose(rec);
-    (void)PGTblClose(tbl);
+  // The items as numbers 101 on; the header and the lines of the sale, positions
+  // written in reverse to prove the order.
+  static void WriteItems() {
+    std::string values;
+    for (std::size_t n = 1; n <= std::size(kItems); ++n)
+      values += std::string(n > 1 ? "," : "") + "('" + kItems[n - 1].name + "','',0,0,'','','" + kItems[n - 1].vat +
+                "'," + std::to_string(100 + n) + ",'" + kItems[n - 1].unit + "')";
+    ASSERT_TRUE(Psql("INSERT INTO DANE_KAT_TOW_ (nazwa,nazwa_,cena_z_n,cena_z_b,sww,czy_od_pl_vat,vat,nr_wewn,"
+                     "jednostka) VALUES " + values));
   }
-
-  // The header and the lines, positions written in reverse to prove the order.
-  void WriteDocument(const DocumentKey& key) {
-    int16_t tbl = 0, rec = 0;
-    ASSERT_EQ(OpenTable(WarehouseTablePath(key.warehouse, "naglowki"), tbl, 0), 0);
-    ASSERT_EQ(PGRecBufOpen(tbl, rec), 0);
-    ASSERT_EQ(PGPutShort(rec, NaglowkiCol::typ_dok, key.kind), 0);
-    ASSERT_EQ(PGPutLong(rec, NaglowkiCol::nr_dok, key.number), 0);
-    ASSERT_EQ(PGPutAlpha(rec, NaglowkiCol::znak_dok, key.sign), 0);
-    ASSERT_EQ(PGPutAlpha(rec, NaglowkiCol::sposob_rozlicz, " gotówką"_mz), 0);
-    ASSERT_EQ(PGRecAppend(tbl, rec), 0);
-    (void)PGRecBufClose(rec);
-    (void)PGTblClose(tbl);
-    ASSERT_EQ(OpenTable(WarehouseTablePath(key.warehouse, "specyfik"), tbl, 0), 0);
-    ASSERT_EQ(PGRecBufOpen(tbl, rec), 0);
-    for (int n = static_cast<int>(std::size(kItems)); n >= 1; --n) {
-      const Item& i = kItems[n - 1];
-      ASSERT_EQ(PGRecBufEmpty(rec), 0);
-      ASSERT_EQ(PGPutShort(rec, SpecyfikCol::typ_dok, key.kind), 0);
-      ASSERT_EQ(PGPutLong(rec, SpecyfikCol::nr_dok, key.number), 0);
-      ASSERT_EQ(PGPutAlpha(rec, SpecyfikCol::znak_dok, key.sign), 0);
-      ASSERT_EQ(PGPutLong(rec, SpecyfikCol::pozycja, n), 0);
-      ASSERT_EQ(PGPutLong(rec, SpecyfikCol::nr_towaru, 100 + n), 0);
-      ASSERT_EQ(PGPutAlpha(rec, SpecyfikCol::vat, i.vat), 0);
-      ASSERT_EQ(PGPutExt(rec, SpecyfikCol::ilosc, i.quantity), 0);
-      ASSERT_EQ(PGPutExt(rec, SpecyfikCol::c_spr_brutto, i.price), 0);
-      ASSERT_EQ(PGRecAppend(tbl, rec), 0);
-    }
-    (void)PGRecBufClose(rec);
-    (void)PGTblClose(tbl);
+  static void WriteDocument(const DocumentKey& key) {
+    const std::string doc = std::to_string(key.kind) + "," + std::to_string(key.number) + ",'" + key.sign.Str() + "'";
+    ASSERT_TRUE(Psql("INSERT INTO DANE_1_NAGLOWKI (typ_dok,nr_dok,znak_dok,sposob_rozlicz) VALUES (" + doc +
+                     ",' gotówką')"));
+    std::string values;
+    for (std::size_t n = std::size(kItems); n >= 1; --n)
+      values += std::string(values.empty() ? "" : ",") + "(" + doc + "," + std::to_string(n) + "," +
+                std::to_string(100 + n) + ",'" + kItems[n - 1].vat + "'," + QuantityText(kItems[n - 1].quantity) +
+                "," + QuantityText(kItems[n - 1].price) + ")";
+    ASSERT_TRUE(Psql("INSERT INTO DANE_1_SPECYFIK (typ_dok,nr_dok,znak_dok,pozycja,nr_towaru,vat,ilosc,c_spr_brutto) "
+                     "VALUES " + values));
   }
 
   void StartPosnet(std::vector<std::string> args = {}) {
