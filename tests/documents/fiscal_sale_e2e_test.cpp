@@ -419,20 +419,8 @@ class FiscalSaveTest : public FiscalSaleTest {
   }
 };
 
-TEST_F(FiscalSaveTest, ARetailSalePrintsOnceWithItsNumberAndIsMarked) {
-  StartPosnet();
-  const SaveResult r = SaveRetailSale();
-  ASSERT_EQ(r.outcome, SaveOutcome::kSaved) << ScreenBytes();
-  const Lines journal = posnet_->Journal();
-  EXPECT_EQ(Count(journal, "RECEIPT"), 1);
-  EXPECT_EQ(WithoutHeads(journal), WithoutHeads(PosnetReceipt(40))) << ScreenBytes();
-  // The first document of 2024 carries number 1, and so does its receipt.
-  EXPECT_EQ(r.coded, EncodeDocNumber(2024, 1));
-  EXPECT_TRUE(Has(journal, "FOOT #P 1")) << ::testing::PrintToString(journal);
-  EXPECT_EQ(Scalar("SELECT czy_gotowkowy || count(*) OVER () FROM DANE_1_NAGLOWKI" + kNotFixture), "F1");
-  EXPECT_EQ(Scalar("SELECT count(*) FROM DANE_1_SPECYFIK" + kNotFixture), std::to_string(kSoldLines));
-}
-
+// The save that prints (POSNET, direct: one whole receipt, its number in the
+// foot, the document marked "F") is walked by the klote sale test.
 TEST_F(FiscalSaveTest, ARefusingPrinterLeavesTheAnswerToTheOperator) {
   struct Case { KeyPair answer; const char* headers; const char* workLines; };
   // "no" gives the save up with the lines kept; Enter ("yes") saves without the fiscal mark.
