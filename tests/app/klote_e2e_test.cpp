@@ -164,9 +164,7 @@ class KloteGoodsE2eTest : public KloteE2eTest {
   // The manager logs in and takes the first warehouse; the bar of Towary is up.
   void StartInFirstWarehouse() {
     Start(Db().home);
-    LogInAsManager();
-    ASSERT_NO_FATAL_FAILURE(walk_.Walk({{"", "Wybierz magazyn, na którego konto wprowadzać będziesz dane:"}}));
-    walk_.Keys("Enter");
+    ASSERT_NO_FATAL_FAILURE(walk_.LogIn(true));
     ASSERT_TRUE(ShowsHeading(kHeadings[0])) << walk_.Pane();
   }
   // Esc back to the menu, whose bar rests on the entry with that explanation, and Esc out of the program.
