@@ -5,17 +5,13 @@
 // session. Also the end after a failed connection, and the number register
 // that the start lends the other catalogues.
 #include <gtest/gtest.h>
-#include <unistd.h>
 
-#include <chrono>
 #include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <string>
-#include <thread>
 #include <vector>
 
-#include "dbfixture.h"
+#include "tmuxwalk.h"
 
 namespace {
 
@@ -53,205 +49,109 @@ const std::vector<Heading> kHeadings = {
      "Dopisywanie użytkowników programu, ich haseł i uprawnień."},
 };
 
-class KloteE2eTest : public DbTest {
+class KloteE2eTest : public WalkTest {
  protected:
-  void SetUp() override {
-    DbTest::SetUp();
-    if (std::system("command -v tmux >/dev/null 2>&1") != 0) GTEST_SKIP() << "tmux is not installed";
-    // A server of its own for each test: a name reused at once could meet the last one still going.
-    static int tests = 0;
-    socket_ = "klote" + std::to_string(::getpid()) + "_" + std::to_string(++tests);
-  }
-  void TearDown() override {
-    if (!socket_.empty()) Tmux("kill-server");
-  }
-  void Start(const std::string& home) {
-    const std::string program = KLOTE_BINARY_DIR "/app/main/klote";
-    const char* options = std::getenv("PGOPTIONS");
-    const std::string command = "cd " + home + " && HOME=" + home + " PGOPTIONS='" + (options ? options : "") +
-                                "' TERM=xterm TERM_KLOTE_CP=UTF " + program + "; echo KLOTE-END; sleep 20";
-    ASSERT_EQ(Tmux("-f /dev/null new-session -d -s k -x 80 -y 25 \"" + command + "\" \\; set-option -g status off"),
-              0);
-  }
-  int Tmux(const std::string& args) { return std::system(("tmux -L " + socket_ + " " + args + " 2>/dev/null").c_str()); }
-  std::vector<std::string> Rows() {
-    std::string text;
-    FILE* p = ::popen(("tmux -L " + socket_ + " capture-pane -p -t k 2>/dev/null").c_str(), "r");
-    if (p) {
-      char buf[4096];
-      for (std::size_t n; (n = std::fread(buf, 1, sizeof buf, p)) > 0;) text.append(buf, n);
-      ::pclose(p);
-    }
-    std::vector<std::string> rows;
-    for (std::size_t at = 0, nl; at < text.size(); at = nl + 1) {
-      nl = text.find('\n', at);
-      if (nl == std::string::npos) nl = text.size();
-      std::string row = text.substr(at, nl - at);
-      row.erase(row.find_last_not_of(' ') + 1);
-      rows.push_back(row);
-    }
-    rows.resize(25);
-    return rows;
-  }
-  static std::string Joined(const std::vector<std::string>& rows) {
-    std::string all;
-    for (const std::string& r : rows) all += r + "\n";
-    return all;
-  }
-  // Waits up to five seconds for the check to hold on the pane.
-  template <typename Check>
-  bool WaitFor(Check check) {
-    for (int i = 0; i < 500; ++i) {
-      if (check(Rows())) return true;
-      std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    }
-    return false;
-  }
-  bool WaitForText(const std::string& text) {
-    return WaitFor([&](const std::vector<std::string>& rows) { return Joined(rows).find(text) != std::string::npos; });
-  }
+  void Start(const std::string& home) { ASSERT_TRUE(walk_.StartKlote(home)); }
   // The bar, the heading's list (each entry after its key-cap digit) and the explanation of its first entry.
   bool ShowsHeading(const Heading& h) {
-    return WaitFor([&](const std::vector<std::string>& rows) {
-      const std::string all = Joined(rows);
-      if (rows[0] != kBar || rows[24] != h.firstExplanation) return false;
+    return walk_.Until([&](const std::string& pane) {
+      if (TmuxWalk::Row(pane, 0) != kBar || TmuxWalk::Row(pane, 24) != h.firstExplanation) return false;
       for (std::size_t i = 0; i < h.entries.size(); ++i)
-        if (all.find(" " + std::to_string((i + 1) % 10) + " " + h.entries[i]) == std::string::npos) return false;
+        if (pane.find(" " + std::to_string((i + 1) % 10) + " " + h.entries[i]) == std::string::npos) return false;
       return true;
     });
   }
-  void Keys(const std::string& keys) { Tmux("send-keys -t k " + keys); }
   // The login list holds the System Manager only; his empty password admits him at once.
   void LogInAsManager() {
-    ASSERT_TRUE(WaitForText("Wybierz, jako który użytkownik będziesz pracować:")) << Joined(Rows());
-    ASSERT_TRUE(WaitForText("Kierownik            | Systemu                        |          0")) << Joined(Rows());
-    Keys("Enter");
+    walk_.Walk({{"", "Wybierz, jako który użytkownik będziesz pracować:"},
+                {"", "Kierownik            | Systemu                        |          0"}});
+    walk_.Keys("Enter");
   }
-  std::string socket_;
 };
 
 TEST_F(KloteE2eTest, StartWalkEveryHeadingOpenAnEntryAndLeave) {
   Start(Db().home);
   LogInAsManager();
-  ASSERT_TRUE(ShowsHeading(kHeadings[0])) << Joined(Rows());
-  std::string mark;
-  EXPECT_TRUE(Psql("SELECT status FROM dane_uzytkown_uzytkown WHERE numer = 0", &mark));
-  EXPECT_EQ(mark, ">\n");
+  ASSERT_TRUE(ShowsHeading(kHeadings[0])) << walk_.Pane();
+  EXPECT_EQ(Value("SELECT status FROM dane_uzytkown_uzytkown WHERE numer = 0"), ">");
+  // Every heading by its key; Right from the last wraps to the first; Left goes back all the way.
   for (const Heading& h : kHeadings) {
-    Keys(h.key);
-    EXPECT_TRUE(ShowsHeading(h)) << h.key << "\n" << Joined(Rows());
+    walk_.Keys(h.key);
+    EXPECT_TRUE(ShowsHeading(h)) << h.key << "\n" << walk_.Pane();
   }
-  // Right from the last heading wraps to the first; Left goes back.
-  Keys("Right");
-  EXPECT_TRUE(ShowsHeading(kHeadings[0])) << Joined(Rows());
-  Keys("Left");
-  EXPECT_TRUE(ShowsHeading(kHeadings[4])) << Joined(Rows());
-  for (int i = 3; i >= 0; --i) {
-    Keys("Left");
-    EXPECT_TRUE(ShowsHeading(kHeadings[static_cast<std::size_t>(i)])) << Joined(Rows());
+  const int leftRight[] = {0, 4, 3, 2, 1, 0};
+  for (std::size_t i = 0; i < std::size(leftRight); ++i) {
+    walk_.Keys(i == 0 ? "Right" : "Left");
+    EXPECT_TRUE(ShowsHeading(kHeadings[static_cast<std::size_t>(leftRight[i])])) << i << "\n" << walk_.Pane();
   }
   // The bar on the second entry shows its explanation.
-  Keys("Down");
-  EXPECT_TRUE(WaitFor([](const std::vector<std::string>& rows) {
-    return rows[24] == "Dodawanie i zmiany dokumentów rozchodu i przychodu towarów, np. faktur, zakupów.";
-  })) << Joined(Rows());
-
-  // An entry whose module is not built yet says so, and Enter gives the list back.
-  Keys("F6 4");  // the export for the accounting system
-  ASSERT_TRUE(WaitForText("Ta opcja nie jest jeszcze dostępna.")) << Joined(Rows());
-  Keys("Enter");  // the list comes back on the entry it left
-  EXPECT_TRUE(WaitForText("Eksport dokumentów do programu finansowo-księgowego.")) << Joined(Rows());
-  // A document entry without a current warehouse.
-  Keys("F2 1");
-  ASSERT_TRUE(WaitForText("Nie wybrano magazynu aktualnego !")) << Joined(Rows());
-  Keys("Enter");
-  EXPECT_TRUE(ShowsHeading(kHeadings[0])) << Joined(Rows());
-
-  // The users' catalogue is the list in its managing form.
-  Keys("F6 1");
-  ASSERT_TRUE(WaitForText("Lista użytkowników:")) << Joined(Rows());
-  Keys("Escape");
-  EXPECT_TRUE(ShowsHeading(kHeadings[4])) << Joined(Rows());
-
-  Keys("Escape");
-  EXPECT_TRUE(WaitForText("KLOTE-END")) << Joined(Rows());
+  walk_.Keys("Down");
+  EXPECT_TRUE(walk_.ShowsRow(24, "Dodawanie i zmiany dokumentów rozchodu i przychodu towarów, np. faktur, zakupów."))
+      << walk_.Pane();
+  // An entry whose module is not built yet says so, and Enter gives the list back on the entry it left;
+  // a document entry without a current warehouse; the users' catalogue in its managing form.
+  ASSERT_NO_FATAL_FAILURE(walk_.Walk({
+      {"F6 4", "Ta opcja nie jest jeszcze dostępna."},  // the export for the accounting system
+      {"Enter", "Eksport dokumentów do programu finansowo-księgowego."},
+      {"F2 1", "Nie wybrano magazynu aktualnego !"},
+  }));
+  walk_.Keys("Enter");
+  EXPECT_TRUE(ShowsHeading(kHeadings[0])) << walk_.Pane();
+  ASSERT_NO_FATAL_FAILURE(walk_.Walk({{"F6 1", "Lista użytkowników:"}}));
+  walk_.Keys("Escape");
+  EXPECT_TRUE(ShowsHeading(kHeadings[4])) << walk_.Pane();
+  walk_.Quit();
   // The connection step gave the new database its catalogue and the firm's tables; the end cleared the mark.
   std::string out;
   EXPECT_TRUE(Psql("SELECT count(*) FROM tables_list", &out)) << out;
   EXPECT_TRUE(Psql("SELECT count(*) FROM dane_kat_tow_", &out)) << out;
-  EXPECT_TRUE(Psql("SELECT status FROM dane_uzytkown_uzytkown WHERE numer = 0", &mark));
-  EXPECT_EQ(mark, "N\n");
+  EXPECT_EQ(Value("SELECT status FROM dane_uzytkown_uzytkown WHERE numer = 0"), "N");
 }
 
 TEST_F(KloteE2eTest, FailedConnectionShowsTheLayersMessageAndEnds) {
   const std::string home = Db().home + "/nowhere";
   std::filesystem::create_directories(home);
   Start(home);
-  ASSERT_TRUE(WaitForText("Błąd DBMS nr 1000. Program przerywa pracę w trybie awaryjnym.")) << Joined(Rows());
-  EXPECT_EQ(Joined(Rows()).find("Dokumenty"), std::string::npos);
-  Keys("n");
-  EXPECT_TRUE(WaitForText("KLOTE-END")) << Joined(Rows());
+  ASSERT_TRUE(walk_.Shows("Błąd DBMS nr 1000. Program przerywa pracę w trybie awaryjnym.")) << walk_.Pane();
+  EXPECT_EQ(walk_.Pane().find("Dokumenty"), std::string::npos);
+  walk_.Keys("n");
+  EXPECT_TRUE(walk_.Shows("KLOTE-END")) << walk_.Pane();
 }
-
-}  // namespace
-
-namespace {
 
 // The customer catalogue from the menu: a customer with Polish letters
 // added by the form, found again by a fragment of its name, and the way out.
 TEST_F(KloteE2eTest, CustomerCatalogueAddAndFindByName) {
   Start(Db().home);
   LogInAsManager();
-  ASSERT_TRUE(ShowsHeading(kHeadings[0])) << Joined(Rows());
-  Keys("F6 2");
-  ASSERT_TRUE(WaitForText("odbiorcy")) << Joined(Rows());
-  Keys("1");
-  ASSERT_TRUE(WaitForText("Wybierz żądanego odbiorcy:")) << Joined(Rows());
-  Keys("IC");
-  ASSERT_TRUE(WaitForText("Dopisanie nowego odbiorcy:")) << Joined(Rows());
-  Keys("'Zakład Żółć' Enter");     // the name (the number left empty takes the next one)
-  Keys("Enter Enter 'Łódź' F10");  // other name, code, town, then confirm
-  ASSERT_TRUE(WaitForText("Zakład Żółć")) << Joined(Rows());
-  EXPECT_TRUE(WaitForText("Łódź")) << Joined(Rows());
-  Keys("C-r");
-  ASSERT_TRUE(WaitForText("Wprowadź szukany fragment (ciąg znaków) z nazwy:")) << Joined(Rows());
-  Keys("'żółć' Enter");
-  ASSERT_TRUE(WaitForText("Jest ! Czy szukać dalej ?")) << Joined(Rows());
-  Keys("n");
-  Keys("Escape");  // back in the list of Inne, on the entry that ran
-  EXPECT_TRUE(WaitFor([](const std::vector<std::string>& rows) {
-    return rows[24] == "Dopisywanie i zmiany danych odbiorców, dostawców i magazynów.";
-  })) << Joined(Rows());
-  Keys("Escape");
-  EXPECT_TRUE(WaitForText("KLOTE-END")) << Joined(Rows());
-  std::string out;
-  ASSERT_TRUE(Psql("SELECT numer || ':' || nazwa || ':' || miasto FROM dane_odbiorcy", &out)) << out;
-  EXPECT_EQ(out, "1:Zakład Żółć:Łódź\n");
+  ASSERT_TRUE(ShowsHeading(kHeadings[0])) << walk_.Pane();
+  ASSERT_NO_FATAL_FAILURE(walk_.Walk({
+      {"F6 2", "odbiorcy"},
+      {"1", "Wybierz żądanego odbiorcy:"},
+      {"IC", "Dopisanie nowego odbiorcy:"},
+      // The name (the number left empty takes the next one), other name, code, town, then confirm.
+      {"'Zakład Żółć' Enter Enter Enter 'Łódź' F10", "Zakład Żółć"},
+      {"", "Łódź"},
+      {"C-r", "Wprowadź szukany fragment (ciąg znaków) z nazwy:"},
+      {"'żółć' Enter", "Jest ! Czy szukać dalej ?"},
+  }));
+  walk_.Keys("n Escape");  // back in the list of Inne, on the entry that ran
+  EXPECT_TRUE(walk_.ShowsRow(24, "Dopisywanie i zmiany danych odbiorców, dostawców i magazynów.")) << walk_.Pane();
+  walk_.Quit();
+  EXPECT_EQ(Value("SELECT numer || ':' || nazwa || ':' || miasto FROM dane_odbiorcy"), "1:Zakład Żółć:Łódź");
 }
-
-}  // namespace
-
-namespace {
 
 // "Inne katalogi" of the real program ends with the register of document
 // numbers, lent at the start: with common numbering off it refuses.
 TEST_F(KloteE2eTest, OtherCataloguesOfferTheNumberRegister) {
   Start(Db().home);
   LogInAsManager();
-  ASSERT_TRUE(ShowsHeading(kHeadings[0])) << Joined(Rows());
-  Keys("F6 3");
-  ASSERT_TRUE(WaitForText("katalog numerów dokumentów")) << Joined(Rows());
-  Keys("End Enter");
-  ASSERT_TRUE(WaitForText("Opcje wspólnej numeracji dokumentów sa wylaczone.")) << Joined(Rows());
-  Keys("Enter Escape Escape");
-  EXPECT_TRUE(WaitForText("KLOTE-END")) << Joined(Rows());
+  ASSERT_TRUE(ShowsHeading(kHeadings[0])) << walk_.Pane();
+  ASSERT_NO_FATAL_FAILURE(walk_.Walk({
+      {"F6 3", "katalog numerów dokumentów"},
+      {"End Enter", "Opcje wspólnej numeracji dokumentów sa wylaczone."},
+      {"Enter Escape Escape", "KLOTE-END"},
+  }));
 }
-
-// One step of a walk: keys sent, then a text that must appear.
-struct WalkStep {
-  std::string keys;
-  std::string shown;
-};
 
 // The goods walks run on the demo firm, made by tools/demo-firm in the test's own schema.
 class KloteGoodsE2eTest : public KloteE2eTest {
@@ -259,32 +159,19 @@ class KloteGoodsE2eTest : public KloteE2eTest {
   void SetUp() override {
     KloteE2eTest::SetUp();
     if (IsSkipped()) return;
-    const char* options = std::getenv("PGOPTIONS");
-    const std::string demo = "cd " + Db().home + " && HOME=" + Db().home + " PGOPTIONS='" + (options ? options : "") +
-                             "' " KLOTE_BINARY_DIR "/tools/demo-firm/demo-firm >/dev/null";
-    ASSERT_EQ(std::system(demo.c_str()), 0);
+    ASSERT_TRUE(TmuxWalk::MakeDemoFirm(Db().home));
   }
   // The manager logs in and takes the first warehouse; the bar of Towary is up.
   void StartInFirstWarehouse() {
     Start(Db().home);
-    LogInAsManager();
-    ASSERT_TRUE(WaitForText("Wybierz magazyn, na którego konto wprowadzać będziesz dane:")) << Joined(Rows());
-    Keys("Enter");
-    ASSERT_TRUE(ShowsHeading(kHeadings[0])) << Joined(Rows());
+    ASSERT_NO_FATAL_FAILURE(walk_.LogIn(true));
+    ASSERT_TRUE(ShowsHeading(kHeadings[0])) << walk_.Pane();
   }
   // Esc back to the menu, whose bar rests on the entry with that explanation, and Esc out of the program.
   void LeaveToTheEnd(const std::string& explanation) {
-    Keys("Escape");
-    ASSERT_TRUE(WaitFor([&](const std::vector<std::string>& rows) { return rows[24] == explanation; }))
-        << Joined(Rows());
-    Keys("Escape");
-    EXPECT_TRUE(WaitForText("KLOTE-END")) << Joined(Rows());
-  }
-  static std::string One(const std::string& sql) {
-    std::string out;
-    EXPECT_TRUE(Psql(sql, &out)) << out;
-    if (!out.empty() && out.back() == '\n') out.pop_back();
-    return out;
+    walk_.Keys("Escape");
+    ASSERT_TRUE(walk_.ShowsRow(24, explanation)) << walk_.Pane();
+    walk_.Quit();
   }
 };
 
@@ -293,12 +180,12 @@ class KloteGoodsE2eTest : public KloteE2eTest {
 // catalogue and the warehouse, and the way out; the database then holds the price.
 TEST_F(KloteGoodsE2eTest, CatalogueFindsByNameAndCodeAndChangesAPrice) {
   const std::string bread = "nazwa='Chleb żytni' AND nazwa_='Mazowiecki'";
-  const std::string number = One("SELECT nr_wewn FROM dane_kat_tow_ WHERE " + bread);
-  const std::string code = One("SELECT rtrim(indeks_znakowy_isbn) FROM dane_kat_tow_ WHERE " + bread);
+  const std::string number = Value("SELECT nr_wewn FROM dane_kat_tow_ WHERE " + bread);
+  const std::string code = Value("SELECT rtrim(indeks_znakowy_isbn) FROM dane_kat_tow_ WHERE " + bread);
   ASSERT_EQ(code.size(), 13u);
-  const std::string elsewhere = One("SELECT csb FROM dane_2_stany_mg WHERE nr_wewn=" + number);
+  const std::string elsewhere = Value("SELECT csb FROM dane_2_stany_mg WHERE nr_wewn=" + number);
   StartInFirstWarehouse();
-  const WalkStep steps[] = {
+  ASSERT_NO_FATAL_FAILURE(walk_.Walk({
       {"F3 1", "Katalog towarów - magazyn nr 1"},
       {"F2", "Wprowadź początek szukanej nazwy:"},
       {"'Kawa mi' Enter", "\n Kawa mielona"},  // the first row of the list
@@ -309,16 +196,12 @@ TEST_F(KloteGoodsE2eTest, CatalogueFindsByNameAndCodeAndChangesAPrice) {
       {"BSpace BSpace BSpace BSpace BSpace BSpace BSpace BSpace BSpace BSpace BSpace BSpace '7.77' Enter",
        "Jak zmienić dane (jeśli nie wiesz, wybierz zaznaczoną opcję)"},
       {"Enter", "7.77"},  // the marked scope: the catalogue and the current warehouse
-  };
-  for (const WalkStep& step : steps) {
-    Keys(step.keys);
-    ASSERT_TRUE(WaitForText(step.shown)) << step.keys << "\n" << Joined(Rows());
-  }
+  }));
   LeaveToTheEnd("Specjalne operacje na katalogu towarów, dopisywanie kartotek, zmiany.");
-  EXPECT_EQ(One("SELECT cena_s_b||'/'||round(cena_s_n,2) FROM dane_kat_tow_ WHERE " + bread),
-            "7.7700000/" + One("SELECT round(7.77/1.05,2)"));
-  EXPECT_EQ(One("SELECT csb FROM dane_1_stany_mg WHERE nr_wewn=" + number), "7.7700000");
-  EXPECT_EQ(One("SELECT csb FROM dane_2_stany_mg WHERE nr_wewn=" + number), elsewhere);  // out of the scope
+  EXPECT_EQ(Value("SELECT cena_s_b||'/'||round(cena_s_n,2) FROM dane_kat_tow_ WHERE " + bread),
+            "7.7700000/" + Value("SELECT round(7.77/1.05,2)"));
+  EXPECT_EQ(Value("SELECT csb FROM dane_1_stany_mg WHERE nr_wewn=" + number), "7.7700000");
+  EXPECT_EQ(Value("SELECT csb FROM dane_2_stany_mg WHERE nr_wewn=" + number), elsewhere);  // out of the scope
 }
 
 // The work file from the Towary menu: filled from the catalogue in its
@@ -329,7 +212,7 @@ TEST_F(KloteGoodsE2eTest, WorkFileFromTheCatalogueWrittenAsDbf) {
   std::filesystem::remove_all(dir);
   std::filesystem::create_directories(dir);
   StartInFirstWarehouse();
-  const WalkStep steps[] = {
+  ASSERT_NO_FATAL_FAILURE(walk_.Walk({
       {"F3 2", "6  Wprowadzanie zmian w pliku roboczym"},
       {"6", "Plik roboczy jest pusty."},
       {"IC", "Dopisać do pliku roboczego:"},
@@ -338,11 +221,7 @@ TEST_F(KloteGoodsE2eTest, WorkFileFromTheCatalogueWrittenAsDbf) {
       {"7", "Skopiować plik roboczy do miejsca:"},
       {"wyj Enter", "Kopiowanie zakończone poprawnie."},
       {"Enter", "Wybierz opcję:"},
-  };
-  for (const WalkStep& step : steps) {
-    Keys(step.keys);
-    ASSERT_TRUE(WaitForText(step.shown)) << step.keys << "\n" << Joined(Rows());
-  }
+  }));
   LeaveToTheEnd("Przesyłanie, eksporty, importy sporządzonej listy roboczej towarów.");
 
   const std::string script = "import dbfread\n"
@@ -355,9 +234,9 @@ TEST_F(KloteGoodsE2eTest, WorkFileFromTheCatalogueWrittenAsDbf) {
   ASSERT_EQ(::pclose(py), 0);
   ASSERT_TRUE(read);
   EXPECT_EQ(std::string(line),
-            One("SELECT count(*)||' '||sum(K.nr_wewn)||' '||to_char(sum(S.ilosc),'FM999990.000') FROM dane_kat_tow_ K "
-                "JOIN dane_1_stany_mg S ON S.nr_wewn=K.nr_wewn WHERE K.ilosc IS NOT NULL") + "\n");
-  EXPECT_EQ(One("SELECT count(*) FROM dane_uzytkown_0_plikrob_"), One("SELECT count(*) FROM dane_kat_tow_"));
+            Value("SELECT count(*)||' '||sum(K.nr_wewn)||' '||to_char(sum(S.ilosc),'FM999990.000') FROM dane_kat_tow_ K "
+                  "JOIN dane_1_stany_mg S ON S.nr_wewn=K.nr_wewn WHERE K.ilosc IS NOT NULL") + "\n");
+  EXPECT_EQ(Value("SELECT count(*) FROM dane_uzytkown_0_plikrob_"), Value("SELECT count(*) FROM dane_kat_tow_"));
 }
 
 }  // namespace

@@ -8,12 +8,19 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <initializer_list>
 #include <string>
 #include <thread>
 
 #include <gtest/gtest.h>
 
 #include "dbfixture.h"
+
+// One step of a walk: keys sent, then a text that must show.
+struct WalkStep {
+  std::string keys;
+  std::string shown;
+};
 
 class TmuxWalk {
  public:
@@ -46,13 +53,59 @@ class TmuxWalk {
     }
     return text;
   }
-  // Up to ten seconds for the text to show.
-  bool Shows(const std::string& text) {
-    for (int i = 0; i < 1000; ++i, std::this_thread::sleep_for(std::chrono::milliseconds(10)))
-      if (Pane().find(text) != std::string::npos) return true;
-    return false;
+  // Up to ms milliseconds for the check to hold on the pane's text.
+  template <typename Check>
+  bool Until(Check check, int ms = 10000) {
+    for (int waited = 0; waited < ms; waited += 10, std::this_thread::sleep_for(std::chrono::milliseconds(10)))
+      if (check(Pane())) return true;
+    return check(Pane());
   }
-  void Keys(const std::string& keys) { (void)Tmux("send-keys -t k " + keys); }
+  bool Shows(const std::string& text, int ms = 10000) {
+    return Until([&](const std::string& pane) { return pane.find(text) != std::string::npos; }, ms);
+  }
+  // Row n (from 0) of a pane's text without its trailing blanks.
+  static std::string Row(const std::string& pane, int n) {
+    std::size_t at = 0;
+    for (int i = 0; i < n; ++i) {
+      if ((at = pane.find('\n', at)) == std::string::npos) return "";
+      ++at;
+    }
+    std::string row = pane.substr(at, pane.find('\n', at) - at);
+    row.erase(row.find_last_not_of(' ') + 1);
+    return row;
+  }
+  bool ShowsRow(int n, const std::string& text) {
+    return Until([&](const std::string& pane) { return Row(pane, n) == text; });
+  }
+  // Each step's keys, then its text; the first text that does not show fails the test.
+  void Walk(std::initializer_list<WalkStep> steps) {
+    for (const WalkStep& step : steps) {
+      Keys(step.keys);
+      ASSERT_TRUE(Shows(step.shown)) << step.keys << "\n" << Pane();
+    }
+  }
+  // The System Manager, whose empty password admits him, with the first warehouse where a list offers several.
+  void LogIn(bool chooseWarehouse) {
+    ASSERT_TRUE(Shows("Wybierz, jako który użytkownik będziesz pracować:")) << Pane();
+    Keys("Enter");
+    if (chooseWarehouse) {
+      ASSERT_TRUE(Shows("Wybierz magazyn, na którego konto wprowadzać będziesz dane:")) << Pane();
+      Keys("Enter");
+    }
+    ASSERT_TRUE(Shows("F2 Dokumenty")) << Pane();
+  }
+  // Esc from the menu ends the program.
+  void Quit() {
+    Keys("Escape");
+    EXPECT_TRUE(Shows("KLOTE-END")) << Pane();
+  }
+  // The demo firm of tools/demo-firm in the test's own schema.
+  static bool MakeDemoFirm(const std::string& home) {
+    return std::system((InFirm(home, KLOTE_BINARY_DIR "/tools/demo-firm/demo-firm") + " >/dev/null").c_str()) == 0;
+  }
+  void Keys(const std::string& keys) {
+    if (!keys.empty()) (void)Tmux("send-keys -t k " + keys);
+  }
 
  private:
   int Tmux(const std::string& args) { return std::system(("tmux -L " + socket_ + " " + args + " 2>/dev/null").c_str()); }

@@ -3,12 +3,18 @@
 // the VAT letters, the quantities and the grosz amounts of lines and totals.
 #pragma once
 
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <cctype>
+#include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <span>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "base/codepage.h"
@@ -148,5 +154,51 @@ inline Lines WithoutHeads(Lines journal) {
                 journal.end());
   return journal;
 }
+
+// Up to ms milliseconds for the check to hold.
+template <typename Check>
+bool WaitUntil(Check check, int ms) {
+  for (int waited = 0; waited < ms; waited += 20, std::this_thread::sleep_for(std::chrono::milliseconds(20)))
+    if (check()) return true;
+  return check();
+}
+
+inline std::string ReadText(const std::string& path) {
+  std::string text;
+  if (std::FILE* f = std::fopen(path.c_str(), "r")) {
+    char buf[4096];
+    for (std::size_t n; (n = std::fread(buf, 1, sizeof buf, f)) > 0;) text.append(buf, n);
+    std::fclose(f);
+  }
+  return text;
+}
+
+// The real fisksrv polling the one row of fisk.cfg in the current directory
+// every 50 ms, logging to fisk.log there; stopped when it goes.
+class PollingFisksrv {
+ public:
+  explicit PollingFisksrv(const std::string& row) {
+    if (std::FILE* f = std::fopen("fisk.cfg", "w")) std::fprintf(f, "%s\n", row.c_str()), std::fclose(f);
+    std::remove("fisk.log");
+    pid_ = ::fork();
+    if (pid_ == 0) {
+      (void)std::freopen("/dev/null", "w", stdout);
+      ::execl(KLOTE_BINARY_DIR "/server/fisksrv", "fisksrv", "fisk.cfg", "50", "fisk.log", "x", nullptr);
+      ::_exit(127);
+    }
+  }
+  ~PollingFisksrv() {
+    if (pid_ > 0) ::kill(pid_, SIGTERM), ::waitpid(pid_, nullptr, 0);
+  }
+  PollingFisksrv(const PollingFisksrv&) = delete;
+  PollingFisksrv& operator=(const PollingFisksrv&) = delete;
+  // Its log says it has read its configuration.
+  static bool Configured() {
+    return WaitUntil([] { return ReadText("fisk.log").find("SKONFIGUROWANO") != std::string::npos; }, 10000);
+  }
+
+ private:
+  pid_t pid_ = -1;
+};
 
 }  // namespace fiscal_receipts

@@ -15,6 +15,7 @@
 #include <fstream>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -76,10 +77,7 @@ class FiscalSaleTest : public CatalogueTest {
     config_ = Config(kFiscalPosnet);
   }
   void TearDown() override {
-    if (server_ > 0) {
-      ::kill(server_, SIGTERM);
-      ::waitpid(server_, nullptr, 0);
-    }
+    server_.reset();
     ClearCurrentUser();
     SetKeyIdleHook(nullptr);
     DiscardPendingKeys();
@@ -105,52 +103,27 @@ class FiscalSaleTest : public CatalogueTest {
     return c;
   }
 
-  void WriteItems() {
-    int16_t tbl = 0, rec = 0;
-    ASSERT_EQ(OpenTable("dane\\kat_tow_", tbl, 0), 0);
-    ASSERT_EQ(PGRecBufOpen(tbl, rec), 0);
-    int32_t number = 100;
-    for (const Item& i : kItems) {
-      ASSERT_EQ(PGRecBufEmpty(rec), 0);
-      ASSERT_EQ(PGPutAlpha(rec, KatTowCol::nazwa, Utf8ToMaz(ShortText(i.name))), 0);
-      ASSERT_EQ(PGPutAlpha(rec, KatTowCol::vat, i.vat), 0);
-      ASSERT_EQ(PGPutLong(rec, KatTowCol::nr_wewn, ++number), 0);
-      ASSERT_EQ(PGPutAlpha(rec, KatTowCol::jednostka, i.unit), 0);
-      ASSERT_EQ(PGRecAppend(tbl, rec), 0);
-    }
-    (void)PGRecBufClose(rec);
-    (void)PGTblClose(tbl);
+  // The items as numbers 101 on; the header and the lines of the sale, positions
+  // written in reverse to prove the order.
+  static void WriteItems() {
+    std::string values;
+    for (std::size_t n = 1; n <= std::size(kItems); ++n)
+      values += std::string(n > 1 ? "," : "") + "('" + kItems[n - 1].name + "','',0,0,'','','" + kItems[n - 1].vat +
+                "'," + std::to_string(100 + n) + ",'" + kItems[n - 1].unit + "')";
+    ASSERT_TRUE(Psql("INSERT INTO DANE_KAT_TOW_ (nazwa,nazwa_,cena_z_n,cena_z_b,sww,czy_od_pl_vat,vat,nr_wewn,"
+                     "jednostka) VALUES " + values));
   }
-
-  // The header and the lines, positions written in reverse to prove the order.
-  void WriteDocument(const DocumentKey& key) {
-    int16_t tbl = 0, rec = 0;
-    ASSERT_EQ(OpenTable(WarehouseTablePath(key.warehouse, "naglowki"), tbl, 0), 0);
-    ASSERT_EQ(PGRecBufOpen(tbl, rec), 0);
-    ASSERT_EQ(PGPutShort(rec, NaglowkiCol::typ_dok, key.kind), 0);
-    ASSERT_EQ(PGPutLong(rec, NaglowkiCol::nr_dok, key.number), 0);
-    ASSERT_EQ(PGPutAlpha(rec, NaglowkiCol::znak_dok, key.sign), 0);
-    ASSERT_EQ(PGPutAlpha(rec, NaglowkiCol::sposob_rozlicz, " gotówką"_mz), 0);
-    ASSERT_EQ(PGRecAppend(tbl, rec), 0);
-    (void)PGRecBufClose(rec);
-    (void)PGTblClose(tbl);
-    ASSERT_EQ(OpenTable(WarehouseTablePath(key.warehouse, "specyfik"), tbl, 0), 0);
-    ASSERT_EQ(PGRecBufOpen(tbl, rec), 0);
-    for (int n = static_cast<int>(std::size(kItems)); n >= 1; --n) {
-      const Item& i = kItems[n - 1];
-      ASSERT_EQ(PGRecBufEmpty(rec), 0);
-      ASSERT_EQ(PGPutShort(rec, SpecyfikCol::typ_dok, key.kind), 0);
-      ASSERT_EQ(PGPutLong(rec, SpecyfikCol::nr_dok, key.number), 0);
-      ASSERT_EQ(PGPutAlpha(rec, SpecyfikCol::znak_dok, key.sign), 0);
-      ASSERT_EQ(PGPutLong(rec, SpecyfikCol::pozycja, n), 0);
-      ASSERT_EQ(PGPutLong(rec, SpecyfikCol::nr_towaru, 100 + n), 0);
-      ASSERT_EQ(PGPutAlpha(rec, SpecyfikCol::vat, i.vat), 0);
-      ASSERT_EQ(PGPutExt(rec, SpecyfikCol::ilosc, i.quantity), 0);
-      ASSERT_EQ(PGPutExt(rec, SpecyfikCol::c_spr_brutto, i.price), 0);
-      ASSERT_EQ(PGRecAppend(tbl, rec), 0);
-    }
-    (void)PGRecBufClose(rec);
-    (void)PGTblClose(tbl);
+  static void WriteDocument(const DocumentKey& key) {
+    const std::string doc = std::to_string(key.kind) + "," + std::to_string(key.number) + ",'" + key.sign.Str() + "'";
+    ASSERT_TRUE(Psql("INSERT INTO DANE_1_NAGLOWKI (typ_dok,nr_dok,znak_dok,sposob_rozlicz) VALUES (" + doc +
+                     ",' gotówką')"));
+    std::string values;
+    for (std::size_t n = std::size(kItems); n >= 1; --n)
+      values += std::string(values.empty() ? "" : ",") + "(" + doc + "," + std::to_string(n) + "," +
+                std::to_string(100 + n) + ",'" + kItems[n - 1].vat + "'," + QuantityText(kItems[n - 1].quantity) +
+                "," + QuantityText(kItems[n - 1].price) + ")";
+    ASSERT_TRUE(Psql("INSERT INTO DANE_1_SPECYFIK (typ_dok,nr_dok,znak_dok,pozycja,nr_towaru,vat,ilosc,c_spr_brutto) "
+                     "VALUES " + values));
   }
 
   void StartPosnet(std::vector<std::string> args = {}) {
@@ -167,33 +140,6 @@ class FiscalSaleTest : public CatalogueTest {
     SetElzabPortIo(nullptr);  // the next use connects to this simulator
     ElzabLine().ready = false;
   }
-  // The real fisksrv in polling mode serving the row, output into a file.
-  void StartPollingServer(const std::string& row) {
-    std::FILE* f = std::fopen("fisk.cfg", "w");
-    std::fprintf(f, "%s\n", row.c_str());
-    std::fclose(f);
-    server_ = ::fork();
-    if (server_ == 0) {
-      std::freopen("fisk.out", "w", stdout);
-      ::execl(KLOTE_BINARY_DIR "/server/fisksrv", "fisksrv", "fisk.cfg", "50", "fisk.log", "x", nullptr);
-      ::_exit(127);
-    }
-    for (int i = 0; i < 500 && ReadFile("fisk.log").find("SKONFIGUROWANO") == std::string::npos; ++i) ::usleep(10000);
-  }
-  static std::string ReadFile(const std::string& path) {
-    std::ifstream in(path);
-    return std::string(std::istreambuf_iterator<char>(in), {});
-  }
-  // Waits until the journal holds a line starting with the text (the server prints by itself).
-  static bool WaitForLine(const std::function<Lines()>& journal, const std::string& start) {
-    for (int i = 0; i < 3000; ++i) {
-      for (const std::string& l : journal())
-        if (l.rfind(start, 0) == 0) return true;
-      ::usleep(10000);
-    }
-    return false;
-  }
-
   // The whole POSNET receipt of the document at the width.
   // nameWidth is the job file's 24 on the server's road.
   static Lines PosnetReceipt(std::size_t width, std::size_t nameWidth = 0) {
@@ -210,7 +156,7 @@ class FiscalSaleTest : public CatalogueTest {
   FiscalConfig config_;
   std::unique_ptr<SimProcess> posnet_;
   std::unique_ptr<ElzabSimProcess> elzab_;
-  pid_t server_ = -1;
+  std::optional<PollingFisksrv> server_;
 };
 
 // Keys the operator gives, in order, to the boxes that wait.
@@ -257,21 +203,14 @@ TEST_F(FiscalSaleTest, ElzabDirectPlaysTheStream) {
 TEST_F(FiscalSaleTest, ServerPollingAndOneShotPrintTheJob) {
   StartPosnet();
   config_ = Config(kFiscalServer);
-  StartPollingServer("2,1,\"srvfisk\\1\",,0");
+  server_.emplace("2,1,\"srvfisk\\1\",,0");
+  ASSERT_TRUE(PollingFisksrv::Configured());
   EXPECT_TRUE(FiscaliseDocument(config_, kKey));
-  ASSERT_TRUE(WaitForLine([&] { return posnet_->Journal(); }, "TOTAL")) << ReadFile("fisk.log");
-  EXPECT_EQ(WithoutHeads(posnet_->Journal()), WithoutHeads(PosnetReceipt(40, 24))) << ReadFile("fisk.log");
-  ::kill(server_, SIGTERM);
-  ::waitpid(server_, nullptr, 0);
-  server_ = -1;
-
-  // The print marked the document; a second print of it is refused.
-  EXPECT_EQ(Scalar("SELECT czy_gotowkowy FROM DANE_1_NAGLOWKI"), "f");
-  (void)ScreenBytes();
-  Answer({kEnter});
-  EXPECT_FALSE(FiscaliseDocument(config_, kKey));
-  EXPECT_NE(ScreenBytes().find("Dokument jest ju"), std::string::npos);
-  Scalar("UPDATE DANE_1_NAGLOWKI SET czy_gotowkowy = 'T'");
+  ASSERT_TRUE(WaitUntil([&] { return !posnet_->Journal().empty() && posnet_->Journal().back().rfind("TOTAL", 0) == 0; },
+                        30000)) << ReadText("fisk.log");
+  EXPECT_EQ(WithoutHeads(posnet_->Journal()), WithoutHeads(PosnetReceipt(40, 24))) << ReadText("fisk.log");
+  server_.reset();
+  Scalar("UPDATE DANE_1_NAGLOWKI SET czy_gotowkowy = 'T'");  // the print marked it; unmarked for the next road
 
   // One-shot: the application starts ./fisksrv with the row and waits for its end.
   ASSERT_EQ(::symlink(KLOTE_BINARY_DIR "/server/fisksrv", "fisksrv"), 0);
@@ -480,20 +419,8 @@ class FiscalSaveTest : public FiscalSaleTest {
   }
 };
 
-TEST_F(FiscalSaveTest, ARetailSalePrintsOnceWithItsNumberAndIsMarked) {
-  StartPosnet();
-  const SaveResult r = SaveRetailSale();
-  ASSERT_EQ(r.outcome, SaveOutcome::kSaved) << ScreenBytes();
-  const Lines journal = posnet_->Journal();
-  EXPECT_EQ(Count(journal, "RECEIPT"), 1);
-  EXPECT_EQ(WithoutHeads(journal), WithoutHeads(PosnetReceipt(40))) << ScreenBytes();
-  // The first document of 2024 carries number 1, and so does its receipt.
-  EXPECT_EQ(r.coded, EncodeDocNumber(2024, 1));
-  EXPECT_TRUE(Has(journal, "FOOT #P 1")) << ::testing::PrintToString(journal);
-  EXPECT_EQ(Scalar("SELECT czy_gotowkowy || count(*) OVER () FROM DANE_1_NAGLOWKI" + kNotFixture), "F1");
-  EXPECT_EQ(Scalar("SELECT count(*) FROM DANE_1_SPECYFIK" + kNotFixture), std::to_string(kSoldLines));
-}
-
+// The save that prints (POSNET, direct: one whole receipt, its number in the
+// foot, the document marked "F") is walked by the klote sale test.
 TEST_F(FiscalSaveTest, ARefusingPrinterLeavesTheAnswerToTheOperator) {
   struct Case { KeyPair answer; const char* headers; const char* workLines; };
   // "no" gives the save up with the lines kept; Enter ("yes") saves without the fiscal mark.

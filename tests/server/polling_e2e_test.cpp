@@ -37,6 +37,14 @@ class PollingTest : public ::testing::Test {
     EXPECT_TRUE(WaitUntil([&] { return Log().find("SKONFIGUROWANO") != std::string::npos; }, kWaitMs));
     return server;
   }
+  // A server as an unprivileged user, whose one job file it may not open.
+  std::unique_ptr<ServerProcess> StartWithLockedJob() {
+    auto server = StartLogged(Rows(1), /*asNobody=*/true);
+    WriteJobFile(dir_ / "jobs/1", {Keyword("RAPDOB"), kJobKeywordEnd});
+    ::chmod((dir_ / "jobs/1").c_str(), 0);
+    if (::geteuid() == 0) ::chown((dir_ / "jobs/1").c_str(), 0, 0);
+    return server;
+  }
   std::string Log() const { return ReadFileText(dir_ / "fisk.log"); }
   bool WaitForLog(const std::string& text, int count = 1) const {
     return WaitUntil([&] { return CountOf(Log(), text) >= count; }, kWaitMs);
@@ -163,10 +171,7 @@ TEST_F(PollingTest, ProgramOfTheRowRunsBeforeEachLook) {
 }
 
 TEST_F(PollingTest, LockedJobFileHoldsTheServerWithTheBreakNotice) {
-  auto server = StartLogged(Rows(1), /*asNobody=*/true);
-  WriteJobFile(dir_ / "jobs/1", {Keyword("RAPDOB"), kJobKeywordEnd});
-  ::chmod((dir_ / "jobs/1").c_str(), 0);
-  if (::geteuid() == 0) ::chown((dir_ / "jobs/1").c_str(), 0, 0);
+  auto server = StartWithLockedJob();
   // The reason of the failed open stands beside the notice: EACCES.
   ASSERT_TRUE(WaitForLog("BLOKADA  [Ctrl+Break] - zakonczenie pracy servera (" + std::to_string(EACCES) + ")\n"))
       << Log();
@@ -176,10 +181,7 @@ TEST_F(PollingTest, LockedJobFileHoldsTheServerWithTheBreakNotice) {
 }
 
 TEST_F(PollingTest, LockedJobFileThatIsTakenAwayEndsTheWait) {
-  auto server = StartLogged(Rows(1), /*asNobody=*/true);
-  WriteJobFile(dir_ / "jobs/1", {Keyword("RAPDOB"), kJobKeywordEnd});
-  ::chmod((dir_ / "jobs/1").c_str(), 0);
-  if (::geteuid() == 0) ::chown((dir_ / "jobs/1").c_str(), 0, 0);
+  auto server = StartWithLockedJob();
   ASSERT_TRUE(WaitForLog("BLOKADA")) << Log();
   ::unlink((dir_ / "jobs/1").c_str());
   // The server is free again: the next job is served.
