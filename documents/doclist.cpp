@@ -22,23 +22,20 @@
 #include "sqltable/pgtable.h"
 
 using docdetail::SqlTable;
+using docdetail::TextLiteral;
+using paydetail::DateText;
 using paydetail::Int;
 using paydetail::Letter;
 using paydetail::Money;
 using paydetail::SerialOf;
+using paydetail::Text;
 
 namespace {
-
-// Texts travel to and from the server in the database's LATIN2 as the record
-// layer converts them, so that names with Polish letters read back as the
-// entry wrote them.
-ShortText Text(const PGResult& r, int row, int col) { return DbToMaz(r.Text(row, col)); }
-std::string Literal(const ShortText& text) { return "'" + PGEscapeStr(MazToDb(text).View()) + "'"; }
 
 // typ_dok, nr_dok, znak_dok of the document (columns behind prefix).
 std::string KeyCondition(const DocRef& d, const std::string& prefix) {
   return prefix + "typ_dok=" + std::to_string(d.kind) + " AND " + prefix + "nr_dok=" + std::to_string(d.coded) +
-         " AND " + prefix + "znak_dok=" + Literal(d.mark);
+         " AND " + prefix + "znak_dok=" + TextLiteral(d.mark);
 }
 
 const std::string kDateSerial = SerialOf("data_dok");
@@ -67,12 +64,6 @@ std::string KeyCondition(const DocListKey& from, bool older) {
   if (!from.set) return "TRUE";
   const char* op = older ? (from.inclusive ? "<=" : "<") : (from.inclusive ? ">=" : ">");
   return "(" + kDateSerial + ",oid)" + op + "(" + std::to_string(from.date) + "," + std::to_string(from.rowId) + ")";
-}
-
-ShortText DateText(int32_t serial) {
-  int y = 0, m = 0, d = 0;
-  if (!DecodeDaySerial(serial, y, m, d)) return ShortText("  -  -    ");
-  return DateFromParts(d, m, y);
 }
 
 // czy_gotowkowy as the list shows it: the mark of the printer's memory only.

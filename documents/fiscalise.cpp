@@ -53,8 +53,8 @@ int16_t SeekLong(OpenRecord& t, int field, int32_t value) {
 
 int16_t PutDocumentKey(int16_t rec, const DocumentKey& key) {
   if (int16_t code = PGPutShort(rec, NaglowkiCol::typ_dok, key.kind)) return code;
-  if (int16_t code = PGPutLong(rec, NaglowkiCol::nr_dok, key.number)) return code;
-  return PGPutAlpha(rec, NaglowkiCol::znak_dok, key.sign);
+  if (int16_t code = PGPutLong(rec, NaglowkiCol::nr_dok, key.coded)) return code;
+  return PGPutAlpha(rec, NaglowkiCol::znak_dok, key.mark);
 }
 
 // The item's name parts and unit from the catalogue; left empty when it is not there.
@@ -67,8 +67,8 @@ void ReadItem(OpenRecord& items, int32_t itemNumber, FiscalSaleLine& line) {
 
 std::string LinesCondition(const DocumentKey& key) {
   return PGCondition("typ_dok", PGKind::Number, std::to_string(key.kind), "=") + " AND " +
-         PGCondition("nr_dok", PGKind::Number, std::to_string(key.number), "=") + " AND " +
-         PGCondition("znak_dok", PGKind::Text, key.sign.Str(), "=");
+         PGCondition("nr_dok", PGKind::Number, std::to_string(key.coded), "=") + " AND " +
+         PGCondition("znak_dok", PGKind::Text, key.mark.Str(), "=");
 }
 
 int16_t ReadLine(const OpenRecord& lines, OpenRecord& items, FiscalSaleLine& line, int32_t& position) {
@@ -168,7 +168,7 @@ SavedSaleRead ReadSavedSale(const DocumentKey& key, FiscalSale& sale, ShortText&
     (void)PGGetAlpha(headers.rec(), NaglowkiCol::sposob_rozlicz, paymentText);
     (void)PGGetLong(headers.rec(), NaglowkiCol::nr_kontrahenta, contractor);
   }
-  sale = DocumentSaleHead(key.kind, key.number, key.sign, contractor);
+  sale = DocumentSaleHead(key.kind, key.coded, key.mark, contractor);
   return ReadLines(key, sale) == 0 ? SavedSaleRead::kRead : SavedSaleRead::kFailed;
 }
 

@@ -7,16 +7,10 @@
 #include <cstdint>
 
 #include "base/shorttext.h"
+#include "documents/kindrules.h"
 #include "fiscal/fiscalconfig.h"
 #include "fiscal/sale.h"
 
-// The key of a goods document in its warehouse.
-struct DocumentKey {
-  int32_t warehouse = 1;
-  int16_t kind = 1;     // typ_dok
-  int32_t number = 0;   // nr_dok
-  ShortText sign;       // znak_dok
-};
 
 enum class SavedSaleRead { kRead, kGone, kFailed };
 

@@ -114,7 +114,7 @@ class FiscalSaleTest : public CatalogueTest {
                      "jednostka) VALUES " + values));
   }
   static void WriteDocument(const DocumentKey& key) {
-    const std::string doc = std::to_string(key.kind) + "," + std::to_string(key.number) + ",'" + key.sign.Str() + "'";
+    const std::string doc = std::to_string(key.kind) + "," + std::to_string(key.coded) + ",'" + key.mark.Str() + "'";
     ASSERT_TRUE(Psql("INSERT INTO DANE_1_NAGLOWKI (typ_dok,nr_dok,znak_dok,sposob_rozlicz) VALUES (" + doc +
                      ",' gotówką')"));
     std::string values;
@@ -412,7 +412,7 @@ class FiscalSaveTest : public FiscalSaleTest {
     return SaveNewDocument(1, h, WorkTablePath(kUser), s);
   }
   // The rows other than those of the document the fixture wrote.
-  const std::string kNotFixture = " WHERE nr_dok<>" + std::to_string(kKey.number);
+  const std::string kNotFixture = " WHERE nr_dok<>" + std::to_string(kKey.coded);
   static int Count(const Lines& journal, const std::string& start) {
     return static_cast<int>(std::count_if(journal.begin(), journal.end(),
                                           [&](const std::string& l) { return l.rfind(start, 0) == 0; }));
