@@ -134,7 +134,7 @@ bool WorkFileToMini(const ShortText& path, const ShortText& target, int16_t& cod
 WorkFileImport WorkFileFromMini(const ShortText& path, const ShortText& file, int16_t& code,
                                 std::vector<int32_t>& unknown);
 
-// --- Into the specification being written ---
+// --- Into the line list of the document being written ---
 // How the rows are taken, the rows of the question "Jako jakie dane pobrać plik roboczy ?".
 enum class WorkFileSource : uint8_t {
   kOwn = 1,                     // as they are

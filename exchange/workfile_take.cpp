@@ -1,4 +1,4 @@
-// The work file taken into the specification being written (praca___): its
+// The work file taken into the line list being written (praca___): its
 // prices turned by the source the operator names, every row tied to an item
 // of the catalogue (items it lacks are added), the warehouse's stock rows
 // made sure of, and the lines appended in one transaction.

@@ -490,7 +490,7 @@ TEST_F(WorkFileTest, TakenIntoTheSpecificationRowsFindOrAddTheirItems) {
   ASSERT_EQ(WorkFileWrite(WorkFileName(1), rows, false), 0);
   const std::string catalogue = Scalar("SELECT count(*) FROM dane_kat_tow_");
 
-  // A new item the catalogue refuses (no unit): the specification stays empty.
+  // A new item the catalogue refuses (no unit): the line list stays empty.
   std::vector<WorkFileRow> bad = rows;
   bad.back().item.unit.Clear();
   ASSERT_EQ(WorkFileWrite(WorkFileName(2), bad, false), 0);
