@@ -18,6 +18,7 @@
 #include "documents/docsave.h"
 #include "exchange/workfile.h"
 #include "master/items_fixture.h"
+#include "master/contractors.h"
 #include "master/keysteps.h"
 #include "master/tables.h"
 #include "sqltable/pglib.h"
@@ -506,7 +507,7 @@ TEST_F(WorkFileTest, TakenIntoTheSpecificationRowsFindOrAddTheirItems) {
   ASSERT_EQ(WorkFileToSpecification(WorkFileName(1), 1, kWarehouse, delivery,
                                     [&](int p) { phases.push_back(p); }, refusal), 0);
   EXPECT_TRUE(refusal.Empty()) << refusal.Str();
-  EXPECT_EQ(phases, (std::vector<int>{1, 2, 3}));
+  EXPECT_EQ(phases, (std::vector<int>{1, 2, 3, 4}));
   EXPECT_EQ(Scalar("SELECT count(*) FROM dane_kat_tow_"), std::to_string(std::stoi(catalogue) + 1));
   const std::string added = Scalar("SELECT nr_wewn FROM dane_kat_tow_ WHERE nazwa='Nowy towar' AND dostawca=9");
   EXPECT_EQ(Scalar("SELECT ilosc FROM dane_1_stany_mg WHERE nr_wewn=" + added), "0.0000000");
@@ -523,6 +524,41 @@ TEST_F(WorkFileTest, TakenIntoTheSpecificationRowsFindOrAddTheirItems) {
     const Real gross = RoundToStep(GrossFromNet(rows[i].item.saleNet * 125 / 100, rows[i].item.vat), 0.01L);
     EXPECT_NEAR(static_cast<double>(lines[i].item.saleGross), static_cast<double>(gross), 1e-7);
   }
+}
+
+// The suppliers of the taken rows: a known one keeps his name, a missing one
+// is added once under his number with the supplier text of his first row.
+TEST_F(WorkFileTest, TakingAddsTheSuppliersTheCatalogueLacks) {
+  ASSERT_EQ(ContractorTablesEnsure(), 0);
+  Contractor known;
+  known.number = 40;
+  known[KontrahentCol::nazwa] = ShortText("Hurtownia");
+  ASSERT_EQ(ContractorAdd(ContractorKind::kSupplier, known, NumberRange{}), ContractorOutcome::kDone);
+  struct Case {
+    int32_t supplier;
+    const char* text;
+    const char* expected;  // the supplier's name afterwards
+  };
+  const Case cases[] = {
+      {40, "Inny opis", "Hurtownia"}, {41, "Dostawca X", "Dostawca X"}, {41, "Drugi opis", "Dostawca X"}};
+  std::vector<WorkFileRow> rows;
+  for (const Case& c : cases) {
+    WorkFileRow row;
+    row.item.name = ShortText("Towar " + std::string(c.text));
+    row.item.vat = "23";
+    row.item.unit = "szt";
+    row.item.supplier = c.supplier;
+    row.item.supplierText = ShortText(c.text);
+    row.quantity = 1;
+    rows.push_back(row);
+  }
+  ASSERT_EQ(WorkFileWrite(WorkFileName(1), rows, false), 0);
+  ShortText refusal;
+  ASSERT_EQ(WorkFileToSpecification(WorkFileName(1), 1, kWarehouse, TakeRules{}, nullptr, refusal), 0);
+  EXPECT_TRUE(refusal.Empty()) << refusal.Str();
+  for (const Case& c : cases)
+    EXPECT_EQ(Scalar("SELECT nazwa FROM dane_dostawcy WHERE numer=" + std::to_string(c.supplier)), c.expected);
+  EXPECT_EQ(Scalar("SELECT count(*) FROM dane_dostawcy"), "2");
 }
 
 // Passing by the screen: to oneself, and to a user whose session another process holds; nothing moves.
