@@ -442,6 +442,21 @@ TEST_F(WorkFileTest, TheMenuShowsItsRowsAndRunsThemByTheirKeys) {
   EXPECT_TRUE(DbfIsWorkFile(dbf));
 }
 
+// Drive A on a diskette directory: its main directory is emptied, its subdirectories stay.
+TEST_F(WorkFileTest, ClearingADiskettePlaceDeletesItsFiles) {
+  const std::filesystem::path floppy = std::filesystem::current_path() / "media" / "floppy";
+  std::filesystem::remove_all(floppy);
+  std::filesystem::create_directories(floppy / "kat");
+  for (const char* name : {"plikrob_.dbf", "dane.klt", "kat/zostaje.txt"}) std::ofstream(floppy / name) << "x";
+  std::ofstream("floppdir.cfg") << (floppy.string() + "/\n");
+  Play({[] { (void)PushKey('A', 0); }, [] { (void)PushKey(13, 28); }});
+  WorkFileMenu(kWarehouse);
+  EXPECT_TRUE(Shown("Trwa kasowanie...["_mz) || Sent("Trwa kasowanie...["));
+  for (const char* name : {"plikrob_.dbf", "dane.klt", "zzz.txt"}) EXPECT_FALSE(std::filesystem::exists(floppy / name));
+  EXPECT_TRUE(std::filesystem::exists(floppy / "kat" / "zostaje.txt"));
+  std::filesystem::remove("floppdir.cfg");
+}
+
 TEST(WorkFileTakeTest, TheSourceDecidesThePricesOfTheRows) {
   WorkFileRow row;
   row.item.vat = "23";
