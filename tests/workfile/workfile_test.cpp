@@ -500,6 +500,7 @@ TEST_F(WorkFileTest, TakenIntoTheSpecificationRowsFindOrAddTheirItems) {
   stranger.item.unit = "kg";
   stranger.item.saleNet = 4;
   stranger.item.saleGross = 4.92L;
+  stranger.item.supplierText = "Dostawca X";
   stranger.quantity = 6;
   rows.push_back(stranger);
   ASSERT_TRUE(Psql("DELETE FROM dane_1_stany_mg WHERE nr_wewn=" + std::to_string(items_[2])));
@@ -518,6 +519,11 @@ TEST_F(WorkFileTest, TakenIntoTheSpecificationRowsFindOrAddTheirItems) {
   ASSERT_EQ(PGTblExist(WorkTablePath(1), exists), 0);
   EXPECT_TRUE(!exists || Scalar("SELECT count(*) FROM dane_uzytkown_1_praca___") == "0");
 
+  ASSERT_EQ(ContractorTablesEnsure(), 0);  // the catalogue's supplier 7 is known, the delivery's 9 is not
+  Contractor known;
+  known.number = 7;
+  known[KontrahentCol::nazwa] = ShortText("Hurtownia");
+  ASSERT_EQ(ContractorAdd(ContractorKind::kSupplier, known, NumberRange{}), ContractorOutcome::kDone);
   std::vector<int> phases;
   ASSERT_EQ(WorkFileToSpecification(WorkFileName(1), 1, kWarehouse, delivery,
                                     [&](int p) { phases.push_back(p); }, refusal), 0);
@@ -526,6 +532,8 @@ TEST_F(WorkFileTest, TakenIntoTheSpecificationRowsFindOrAddTheirItems) {
   EXPECT_EQ(Scalar("SELECT count(*) FROM dane_kat_tow_"), std::to_string(std::stoi(catalogue) + 1));
   const std::string added = Scalar("SELECT nr_wewn FROM dane_kat_tow_ WHERE nazwa='Nowy towar' AND dostawca=9");
   EXPECT_EQ(Scalar("SELECT ilosc FROM dane_1_stany_mg WHERE nr_wewn=" + added), "0.0000000");
+  EXPECT_EQ(Scalar("SELECT string_agg(numer || ':' || nazwa, ' ' ORDER BY numer) FROM dane_dostawcy"),
+            "7:Hurtownia 9:Dostawca X");
   EXPECT_EQ(Scalar("SELECT ilosc FROM dane_1_stany_mg WHERE nr_wewn=" + std::to_string(items_[2])), "0.0000000");
   std::vector<DocLine> lines;
   ASSERT_EQ(WorkLinesRead(WorkTablePath(1), lines), 0);
@@ -539,41 +547,6 @@ TEST_F(WorkFileTest, TakenIntoTheSpecificationRowsFindOrAddTheirItems) {
     const Real gross = RoundToStep(GrossFromNet(rows[i].item.saleNet * 125 / 100, rows[i].item.vat), 0.01L);
     EXPECT_NEAR(static_cast<double>(lines[i].item.saleGross), static_cast<double>(gross), 1e-7);
   }
-}
-
-// The suppliers of the taken rows: a known one keeps his name, a missing one
-// is added once under his number with the supplier text of his first row.
-TEST_F(WorkFileTest, TakingAddsTheSuppliersTheCatalogueLacks) {
-  ASSERT_EQ(ContractorTablesEnsure(), 0);
-  Contractor known;
-  known.number = 40;
-  known[KontrahentCol::nazwa] = ShortText("Hurtownia");
-  ASSERT_EQ(ContractorAdd(ContractorKind::kSupplier, known, NumberRange{}), ContractorOutcome::kDone);
-  struct Case {
-    int32_t supplier;
-    const char* text;
-    const char* expected;  // the supplier's name afterwards
-  };
-  const Case cases[] = {
-      {40, "Inny opis", "Hurtownia"}, {41, "Dostawca X", "Dostawca X"}, {41, "Drugi opis", "Dostawca X"}};
-  std::vector<WorkFileRow> rows;
-  for (const Case& c : cases) {
-    WorkFileRow row;
-    row.item.name = ShortText("Towar " + std::string(c.text));
-    row.item.vat = "23";
-    row.item.unit = "szt";
-    row.item.supplier = c.supplier;
-    row.item.supplierText = ShortText(c.text);
-    row.quantity = 1;
-    rows.push_back(row);
-  }
-  ASSERT_EQ(WorkFileWrite(WorkFileName(1), rows, false), 0);
-  ShortText refusal;
-  ASSERT_EQ(WorkFileToSpecification(WorkFileName(1), 1, kWarehouse, TakeRules{}, nullptr, refusal), 0);
-  EXPECT_TRUE(refusal.Empty()) << refusal.Str();
-  for (const Case& c : cases)
-    EXPECT_EQ(Scalar("SELECT nazwa FROM dane_dostawcy WHERE numer=" + std::to_string(c.supplier)), c.expected);
-  EXPECT_EQ(Scalar("SELECT count(*) FROM dane_dostawcy"), "2");
 }
 
 // Passing by the screen: to oneself, and to a user whose session another process holds; nothing moves.
