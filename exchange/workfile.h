@@ -159,9 +159,11 @@ WorkFileRow TakenRow(WorkFileRow row, const TakeRules& rules);
 // Appends the rows of the work file to the user's praca___ (in one
 // transaction), each tied to the catalogue's item of equal key (names, vat,
 // sww, VAT payer): a missing item is added with an empty stock row, and an
-// item without a stock row in the warehouse gets one. phase is told 1
-// (catalogue), 2 (stock), 3 (writing). A refusal of ItemAdd (the system's
-// message) stops before anything is written to praca___.
+// item without a stock row in the warehouse gets one, and a supplier the
+// supplier catalogue lacks is added under his number, named by the row's
+// supplier text. phase is told 1 (catalogue), 2 (stock), 3 (suppliers),
+// 4 (writing). A refusal of ItemAdd (the system's message) stops before
+// anything is written to praca___.
 [[nodiscard]] int16_t WorkFileToSpecification(const ShortText& workFile, int32_t user, int32_t warehouse,
                                               const TakeRules& rules, const std::function<void(int)>& phase,
                                               ShortText& refusal);

@@ -3,12 +3,14 @@
 // of the catalogue (items it lacks are added), the warehouse's stock rows
 // made sure of, and the lines appended in one transaction.
 #include <functional>
+#include <set>
 
 #include "base/mazovia.h"
 #include "base/numbers.h"
 #include "base/text.h"
 #include "config/konfigur.h"
 #include "documents/docsave.h"
+#include "master/contractors.h"
 #include "exchange/workfile.h"
 #include "sqltable/dbapp.h"
 #include "sqltable/pgtable.h"
@@ -70,6 +72,33 @@ int16_t EnsureStockRow(int32_t warehouse, const ItemData& item, ShortText& refus
   return StockSet(warehouse, row, refusal);
 }
 
+// A supplier named by a line but missing from the supplier catalogue is
+// added under that number with the row's supplier text as his name, so that
+// the items just added to the catalogue never name a supplier who is not
+// there. A row of the same data already in the catalogue leaves him out.
+int16_t EnsureSuppliers(const std::vector<DocLine>& lines) {
+  std::set<int32_t> checked;
+  bool tablesMade = false;
+  for (const DocLine& line : lines) {
+    const int32_t number = line.item.supplier;
+    if (number <= 0 || !checked.insert(number).second) continue;
+    if (!tablesMade) {
+      if (const int16_t code = ContractorTablesEnsure()) return code;
+      tablesMade = true;
+    }
+    Contractor supplier;
+    bool found = false;
+    if (const int16_t code = ContractorFind(ContractorKind::kSupplier, number, supplier, found); code != 0)
+      return code;
+    if (found) continue;
+    supplier = Contractor{};
+    supplier.number = number;
+    supplier[KontrahentCol::nazwa] = line.item.supplierText;
+    (void)ContractorAdd(ContractorKind::kSupplier, supplier, NumberRange{});
+  }
+  return 0;
+}
+
 int16_t AppendLines(int32_t user, std::vector<DocLine>& lines) {
   if (const int16_t code = WorkTableEnsure(user)) return code;
   ExclusiveTableLock lock(WorkTablePath(user));
@@ -128,6 +157,8 @@ int16_t WorkFileToSpecification(const ShortText& workFile, int32_t user, int32_t
   for (const DocLine& line : lines)
     if (const int16_t code = EnsureStockRow(warehouse, line.item, refusal); code != 0 || !refusal.Empty()) return code;
   if (phase) phase(3);
+  if (const int16_t code = EnsureSuppliers(lines)) return code;
+  if (phase) phase(4);
   return AppendLines(user, lines);
 }
 
@@ -180,6 +211,7 @@ bool AddWorkFileToSpecification(int32_t warehouse) {
   if (!AskTakeRules(rules)) return false;
   const ShortText kPhases[] = {"Uzupełnianie katalogu towarów...[          ]"_mz,
                                "Trwa kontrola danych aktualnego magazynu...[          ]"_mz,
+                               "Trwa kontrola katalogu dostawców towarów...[          ]"_mz,
                                "Trwa dopisywanie do specyfikacji...[          ]"_mz};
   ShortText refusal;
   const int16_t code = WorkFileToSpecification(path, CurrentUserNumber(), warehouse, rules,

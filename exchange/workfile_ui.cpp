@@ -1,6 +1,7 @@
 // The work file's screens: the menu "Operacje na plikach roboczych", writing
 // rows into it, export and import as DBF, passing between users, editing.
 #include <cstdio>
+#include <filesystem>
 #include <iterator>
 
 #include "base/filecopy.h"
@@ -15,10 +16,11 @@
 #include "sqltable/pgrecord.h"
 #include "sqltable/pgtable.h"
 #include "tui/askvalue.h"
-#include "tui/filedialogs.h"
 #include "tui/keyboard.h"
 #include "tui/msgbox.h"
 #include "tui/picklist.h"
+#include "tui/screen.h"
+#include "tui/term.h"
 #include "users/users.h"
 
 namespace {
@@ -203,6 +205,25 @@ void ImportAnywhere() {
 void ExportToExchange() { (void)ExportWorkFileTo(ExchangeDirectory()); }
 void ImportFromExchange() { (void)ImportWorkFileFrom(ExchangeDirectory(), true); }
 
+// Deletes the plain files of the diskette's main directory (a directory
+// already in system form) under the bar; subdirectories stay.
+void DeleteMainDirectory(const ShortText& dir) {
+  std::vector<std::filesystem::path> files;
+  std::error_code error;
+  for (auto it = std::filesystem::directory_iterator(dir.Str(), error);
+       !error && it != std::filesystem::directory_iterator(); it.increment(error))
+    if (it->is_regular_file(error)) files.push_back(it->path());
+  const ShortText text = "Trwa kasowanie...[            ]"_mz;
+  ScreenKeeper screen;
+  (void)MessageBox(text, 2);
+  const ProgressBar bar = FindProgressBar(text);
+  for (std::size_t i = 0; i < files.size(); ++i) {
+    std::filesystem::remove(files[i], error);
+    ShowProgress(bar, static_cast<long>(i + 1), static_cast<long>(files.size()));
+    TermFlush();
+  }
+}
+
 void ClearFloppy() {
   const int16_t place =
       Choose("Wsadź dyskietkę do wyczyszczenia i...określ, w jakim napędzie ona jest:"_mz, "A@B"_mz);
@@ -217,7 +238,7 @@ void ClearFloppy() {
     return;
   }
   std::fclose(test);
-  (void)DeleteMany(dir + "*");
+  DeleteMainDirectory(dir);
 }
 
 // The menu's rows with their functions (the list puts the key-caps before

@@ -18,6 +18,7 @@
 #include "documents/docsave.h"
 #include "exchange/workfile.h"
 #include "master/items_fixture.h"
+#include "master/contractors.h"
 #include "master/keysteps.h"
 #include "master/tables.h"
 #include "sqltable/pglib.h"
@@ -441,6 +442,21 @@ TEST_F(WorkFileTest, TheMenuShowsItsRowsAndRunsThemByTheirKeys) {
   EXPECT_TRUE(DbfIsWorkFile(dbf));
 }
 
+// Drive A on a diskette directory: its main directory is emptied, its subdirectories stay.
+TEST_F(WorkFileTest, ClearingADiskettePlaceDeletesItsFiles) {
+  const std::filesystem::path floppy = std::filesystem::current_path() / "media" / "floppy";
+  std::filesystem::remove_all(floppy);
+  std::filesystem::create_directories(floppy / "kat");
+  for (const char* name : {"plikrob_.dbf", "dane.klt", "kat/zostaje.txt"}) std::ofstream(floppy / name) << "x";
+  std::ofstream("floppdir.cfg") << (floppy.string() + "/\n");
+  Play({[] { (void)PushKey('A', 0); }, [] { (void)PushKey(13, 28); }});
+  WorkFileMenu(kWarehouse);
+  EXPECT_TRUE(Shown("Trwa kasowanie...["_mz) || Sent("Trwa kasowanie...["));
+  for (const char* name : {"plikrob_.dbf", "dane.klt", "zzz.txt"}) EXPECT_FALSE(std::filesystem::exists(floppy / name));
+  EXPECT_TRUE(std::filesystem::exists(floppy / "kat" / "zostaje.txt"));
+  std::filesystem::remove("floppdir.cfg");
+}
+
 TEST(WorkFileTakeTest, TheSourceDecidesThePricesOfTheRows) {
   WorkFileRow row;
   row.item.vat = "23";
@@ -484,6 +500,7 @@ TEST_F(WorkFileTest, TakenIntoTheSpecificationRowsFindOrAddTheirItems) {
   stranger.item.unit = "kg";
   stranger.item.saleNet = 4;
   stranger.item.saleGross = 4.92L;
+  stranger.item.supplierText = "Dostawca X";
   stranger.quantity = 6;
   rows.push_back(stranger);
   ASSERT_TRUE(Psql("DELETE FROM dane_1_stany_mg WHERE nr_wewn=" + std::to_string(items_[2])));
@@ -502,14 +519,21 @@ TEST_F(WorkFileTest, TakenIntoTheSpecificationRowsFindOrAddTheirItems) {
   ASSERT_EQ(PGTblExist(WorkTablePath(1), exists), 0);
   EXPECT_TRUE(!exists || Scalar("SELECT count(*) FROM dane_uzytkown_1_praca___") == "0");
 
+  ASSERT_EQ(ContractorTablesEnsure(), 0);  // the catalogue's supplier 7 is known, the delivery's 9 is not
+  Contractor known;
+  known.number = 7;
+  known[KontrahentCol::nazwa] = ShortText("Hurtownia");
+  ASSERT_EQ(ContractorAdd(ContractorKind::kSupplier, known, NumberRange{}), ContractorOutcome::kDone);
   std::vector<int> phases;
   ASSERT_EQ(WorkFileToSpecification(WorkFileName(1), 1, kWarehouse, delivery,
                                     [&](int p) { phases.push_back(p); }, refusal), 0);
   EXPECT_TRUE(refusal.Empty()) << refusal.Str();
-  EXPECT_EQ(phases, (std::vector<int>{1, 2, 3}));
+  EXPECT_EQ(phases, (std::vector<int>{1, 2, 3, 4}));
   EXPECT_EQ(Scalar("SELECT count(*) FROM dane_kat_tow_"), std::to_string(std::stoi(catalogue) + 1));
   const std::string added = Scalar("SELECT nr_wewn FROM dane_kat_tow_ WHERE nazwa='Nowy towar' AND dostawca=9");
   EXPECT_EQ(Scalar("SELECT ilosc FROM dane_1_stany_mg WHERE nr_wewn=" + added), "0.0000000");
+  EXPECT_EQ(Scalar("SELECT string_agg(numer || ':' || nazwa, ' ' ORDER BY numer) FROM dane_dostawcy"),
+            "7:Hurtownia 9:Dostawca X");
   EXPECT_EQ(Scalar("SELECT ilosc FROM dane_1_stany_mg WHERE nr_wewn=" + std::to_string(items_[2])), "0.0000000");
   std::vector<DocLine> lines;
   ASSERT_EQ(WorkLinesRead(WorkTablePath(1), lines), 0);
