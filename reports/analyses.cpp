@@ -4,6 +4,7 @@
 #include "base/mazovia.h"
 #include "reports/dialogs.h"
 #include "reports/dbfsave.h"
+#include "reports/sqlsteps.h"
 #include "tui/askvalue.h"
 #include "tui/msgbox.h"
 
@@ -14,6 +15,20 @@ bool AskSort(TurnoverParams& p) {
       AskSortOrder("nazwa@dostawca@obrót (A)@stan do daty obrotu (B)@%(A/B)@cena sprzedaży"_mz, p.descending);
   p.sort = static_cast<TurnoverSort>(choice);
   return choice != 0;
+}
+
+// Suppliers of the catalogue's items, then the items (of the marked suppliers
+// when any): nothing marked leaves that filter out, Esc gives up.
+bool AskSuppliersAndItems(TurnoverParams& p) {
+  const std::string catalogue = SqlName("dane\\kat_tow_");
+  if (!PickQueryRows("Wybierz dostawców, na których towarach dokonywano operacji:"_mz,
+                     "SELECT dostawca,MAX(dostawca_opis) FROM " + catalogue +
+                         " WHERE dostawca<>0 GROUP BY dostawca ORDER BY dostawca",
+                     p.suppliers))
+    return false;
+  const std::string ofSuppliers = p.suppliers.empty() ? "" : " WHERE dostawca IN (" + NumberList(p.suppliers) + ")";
+  return PickQueryRows("Wybierz konkretne towary, na których dokonywano operacji:"_mz,
+                       "SELECT nr_wewn,nazwa FROM " + catalogue + ofSuppliers + " ORDER BY nazwa,nr_wewn", p.items);
 }
 
 }  // namespace
@@ -28,7 +43,8 @@ const std::vector<KindSet>& AnalysisKindSets() {
 
 bool AskTurnoverParams(TurnoverParams& p) {
   if (!AskValue("Podaj tytuł wydruku:"_mz, p.title, 40, 1, ShortText(), ShortText())) return false;
-  return AskAnalysisPeriod(p.from, p.to) && AskAnalysisWarehouses(p.warehouses) && AskAnalysisKinds(p.kinds) &&
+  return AskAnalysisPeriod(p.from, p.to) && AskAnalysisWarehouses(p.warehouses) &&
+         AskSuppliersAndItems(p) && AskAnalysisKinds(p.kinds) &&
          AskSort(p);
 }
 

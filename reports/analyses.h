@@ -15,8 +15,9 @@ struct KindSet {
 const std::vector<KindSet>& AnalysisKindSets();
 
 // The dialog: title, dates (both valid, the end not before the start),
-// warehouses, document kinds, sort and direction. False when the operator
-// gave up or a choice left nothing to analyse (the system's message told).
+// warehouses, suppliers and items (none marked: all), document kinds, sort
+// and direction. False when the operator gave up or a choice left nothing to
+// analyse (the system's message told).
 bool AskTurnoverParams(TurnoverParams& params);
 // Runs the analysis with progress, tells items missing from the catalogue,
 // writes the report to the print file and hands it to PrintDestination;

@@ -18,6 +18,7 @@
 #include "tui/askvalue.h"
 #include "tui/datedialogs.h"
 #include "tui/picklist.h"
+#include "tui/keyboard.h"
 #include "tui/screen.h"
 #include "users/users.h"
 
@@ -53,12 +54,13 @@ bool AskAnalysisPeriod(int32_t& from, int32_t& to) {
   }
 }
 
-// The warehouses go through a list file, as the multiple choice of a file shows them.
-bool AskAnalysisWarehouses(std::vector<int32_t>& warehouses) {
+// The rows (number, name) of a query as a multiple choice; they go through a
+// list file, as the multiple choice of a file shows them. The chosen numbers
+// are added to chosen; false when the operator left with Esc.
+bool PickQueryRows(const ShortText& title, const std::string& query, std::vector<int32_t>& chosen) {
   PGResult rows;
-  CheckDBError(PGRunQueryWithTup("SELECT numer,nazwa FROM " + std::string(PGSqlName("dane\\magazyny").View()) +
-                                     " ORDER BY numer LIMIT 21", rows));
-  const ShortText listFile = UserPath(std::max(CurrentUserNumber(), 0), "tmp\\magazyny.txt");
+  CheckDBError(PGRunQueryWithTup(query + " LIMIT " + std::to_string(kPickMultiMaxRows), rows));
+  const ShortText listFile = UserPath(std::max(CurrentUserNumber(), 0), "tmp\\wybor.txt");
   std::error_code ignored;
   std::filesystem::create_directories(std::filesystem::path(std::string(PathToUnix(listFile).View())).parent_path(),
                                       ignored);
@@ -69,12 +71,17 @@ bool AskAnalysisWarehouses(std::vector<int32_t>& warehouses) {
   }
   KeyPair key;
   uint32_t marks = 0;
-  const uint32_t chosen = rows.Rows() == 0 ? 0
-                                           : PickMultiFile(0, 1, 1, 0, 0, "Wybierz magazyny, na których dokonywano operacji:"_mz,
-                                                           listFile, key, marks);
+  const uint32_t marked = rows.Rows() == 0 ? 0 : PickMultiFile(0, 1, 1, 0, 0, title, listFile, key, marks);
   (void)DeleteFile(listFile);
   for (int i = 0; i < rows.Rows(); ++i)
-    if (chosen & (1u << i)) warehouses.push_back(std::atoi(std::string(rows.Value(i, 0)).c_str()));
+    if (marked & (1u << i)) chosen.push_back(std::atoi(std::string(rows.Value(i, 0)).c_str()));
+  return !(key == keys::kEsc);
+}
+
+bool AskAnalysisWarehouses(std::vector<int32_t>& warehouses) {
+  (void)PickQueryRows("Wybierz magazyny, na których dokonywano operacji:"_mz,
+                      "SELECT numer,nazwa FROM " + std::string(PGSqlName("dane\\magazyny").View()) + " ORDER BY numer",
+                      warehouses);
   if (!warehouses.empty()) return true;
   (void)MessageBox("Nie wybrano żadnego magazynu do zestawienia - nie ma czego analizować."_mz, 0);
   return false;

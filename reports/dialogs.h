@@ -17,6 +17,10 @@ bool AskAnalysisPeriod(int32_t& from, int32_t& to);
 // The warehouses of dane\magazyny, in number order; none chosen ends the
 // dialogue with the system's message (false).
 bool AskAnalysisWarehouses(std::vector<int32_t>& warehouses);
+// The rows (number, name) that the query gives, at most a box of them, as a
+// multiple choice under the title; the marked numbers are added to chosen.
+// False when the operator left with Esc.
+bool PickQueryRows(const ShortText& title, const std::string& query, std::vector<int32_t>& chosen);
 // The document kind sets; none chosen ends the dialogue with the message (false).
 bool AskAnalysisKinds(std::vector<int16_t>& kinds);
 

@@ -210,11 +210,13 @@ void Narrow(const ItemAnalysisParams& p, const std::string& result) {
           " AND procent<=" + std::to_string(static_cast<double>(p.noTurnoverTo)));
 }
 
+// Names sort as they are; the number columns by their text keys.
 std::string OrderBy(const ItemAnalysisParams& p) {
   static constexpr const char* kColumns[] = {"", "nazwa", "ilosc", "marza", "zak_nett", "spr_brutt"};
   const auto i = static_cast<std::size_t>(p.sort);
-  const char* column = i > 0 && i < std::size(kColumns) ? kColumns[i] : "nazwa";
-  return std::string(" ORDER BY przedz,") + column + (p.descending ? " DESC" : "") + ",nr_wewn";
+  const bool known = i > 0 && i < std::size(kColumns);
+  const std::string key = !known ? "nazwa" : p.sort >= ItemSort::kQuantity ? NumberSortKey(kColumns[i]) : kColumns[i];
+  return " ORDER BY przedz," + key + (p.descending ? " DESC" : "") + ",nr_wewn";
 }
 
 Real ToReal(std::string_view text) { return std::strtold(std::string(text).c_str(), nullptr); }

@@ -56,3 +56,9 @@ std::string StockQuantitySql(const char* alias) {
   return "CASE WHEN " + a + ".typ_dok IN (" + StockKindsSql(false) + ") THEN " + a + ".ilosc WHEN " + a +
          ".typ_dok IN (" + StockKindsSql(true) + ") THEN -" + a + ".ilosc ELSE 0 END";
 }
+
+std::string NumberSortKey(const std::string& column) {
+  const std::string key =
+      "TO_CHAR(GREATEST(-99999999999.99,LEAST(99999999999.99,-100.0*" + column + ")),'00000000000.00')";
+  return "(CASE WHEN LEFT(" + key + ",1)='-' THEN 'a' ELSE 'b' END||SUBSTR(" + key + ",2)) COLLATE \"C\"";
+}

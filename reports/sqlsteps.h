@@ -23,6 +23,10 @@ std::string SqlName(const ShortText& path);
 // "1,2,3".
 std::string NumberList(const std::vector<int16_t>& values);
 std::string NumberList(const std::vector<int32_t>& values);
+// The text key by which a report's number column sorts: the fixed-width
+// TO_CHAR of -100 times the value (held within +-99999999999.99), its leading
+// minus made "a" and its leading space "b", compared byte by byte.
+std::string NumberSortKey(const std::string& column);
 // A day serial as a quoted ISO date literal.
 std::string IsoDate(int32_t serial);
 // Drops a session table left by an earlier run.

@@ -100,11 +100,13 @@ void JoinCatalogue(const std::string& result, std::vector<int32_t>& missing) {
 
 Real ToReal(std::string_view text) { return std::strtold(std::string(text).c_str(), nullptr); }
 
+// Names sort as they are; the number columns by their text keys.
 std::string OrderBy(const TurnoverParams& p) {
   static constexpr const char* kColumns[] = {"", "nazwa", "dost_naz", "ilosc", "stan_pocz", "bil_na_st", "sp_brutt"};
   const auto i = static_cast<std::size_t>(p.sort);
-  const char* column = i < std::size(kColumns) && i > 0 ? kColumns[i] : "nazwa";
-  return std::string(" ORDER BY ") + column + (p.descending ? " DESC" : "") + ",nr_wewn";
+  const bool known = i > 0 && i < std::size(kColumns);
+  const std::string key = !known ? "nazwa" : p.sort >= TurnoverSort::kTurnover ? NumberSortKey(kColumns[i]) : kColumns[i];
+  return " ORDER BY " + key + (p.descending ? " DESC" : "") + ",nr_wewn";
 }
 
 }  // namespace

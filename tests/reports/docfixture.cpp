@@ -57,6 +57,13 @@ std::string ReadAll(const std::string& path) {
   return all.str();
 }
 
+std::string SortKey(Real value) {
+  const Real k = -100 * value;
+  char digits[32];
+  std::snprintf(digits, sizeof digits, "%014.2Lf", k < 0 ? -k : k);
+  return (k < 0 && std::string(digits) != "00000000000.00" ? "a" : "b") + std::string(digits);
+}
+
 void DocumentsTest::SetUp() {
   CatalogueTest::SetUp();
   CreateFirmTables();

@@ -170,4 +170,33 @@ TEST_F(ItemAnalysesTest, EveryAnalysisMatchesTheSavedLines) {
   EXPECT_EQ(Scalar("SELECT count(*) FROM pg_class WHERE relname LIKE 'tmp\\_%' AND relpersistence='t'"), "0");
 }
 
+TEST_F(ItemAnalysesTest, NumberColumnsSortByTheirTextKeysWithinARange) {
+  const struct {
+    ItemSort sort;
+    bool descending;
+    Real ItemAnalysisRow::*value;
+  } cases[] = {{ItemSort::kQuantity, false, &ItemAnalysisRow::quantity},
+               {ItemSort::kMargin, true, &ItemAnalysisRow::margin},
+               {ItemSort::kPurchase, false, &ItemAnalysisRow::purchaseNet},
+               {ItemSort::kSale, true, &ItemAnalysisRow::saleGross}};
+  for (const auto& c : cases) {
+    ItemAnalysisParams p = Params(ItemAnalysis::kItemTurnover);
+    p.kinds = {1, 6, 7};  // issues and receipts: signs mixed
+    p.ranges = {{Day(2026, 1, 1), Day(2026, 1, 31)}, {Day(2026, 2, 1), Day(2026, 3, 31)}};
+    p.sort = c.sort;
+    p.descending = c.descending;
+    ItemAnalysisOutcome outcome;
+    RunItemAnalysis(p, nullptr, outcome);
+    const std::vector<ItemAnalysisRow> rows = ReadItemAnalysisRows(p);
+    ASSERT_GE(rows.size(), 4u);
+    for (std::size_t i = 1; i < rows.size(); ++i) {
+      const ItemAnalysisRow &a = rows[i - 1], &b = rows[i];
+      std::string before = SortKey(a.*c.value), after = SortKey(b.*c.value);
+      if (c.descending) std::swap(before, after);
+      EXPECT_TRUE(a.range < b.range || (a.range == b.range && (before < after || (before == after && a.item < b.item))))
+          << static_cast<int>(c.sort) << " row " << i << ": " << before << " " << after;
+    }
+  }
+}
+
 }  // namespace

@@ -59,7 +59,7 @@ TEST_F(ReportTest, NoWarehouseOrNoKindEndsTheDialogue) {
   gScript.clear();
   TitleAndDates("01-02-2026", "28-02-2026");
   Press(keys::kEnter);  // warehouse 1 marked
-  Press(keys::F(10));
+  Press(keys::F(10), 3);  // and every supplier and item
   Press(keys::kEnter);  // the first set (sales) unmarked
   Press(keys::F(10));
   TurnoverParams q;
@@ -68,11 +68,47 @@ TEST_F(ReportTest, NoWarehouseOrNoKindEndsTheDialogue) {
   EXPECT_GE(ScreensWith("Nie skonfigurowano żadnego dokumentu do tej analizy."_mz.View()), 1);
 }
 
+// Suppliers are offered first, then the items of the suppliers marked.
+TEST_F(ReportTest, SupplierAndItemChoicesNarrowTheAnalysis) {
+  const struct {
+    const char* name;
+    std::vector<KeyPair> keys;  // after the warehouses
+    bool given;
+    std::vector<int32_t> suppliers, items;
+  } cases[] = {
+      {"nothing marked: all", {keys::F(10), keys::F(10)}, true, {}, {}},
+      {"the second supplier, its only item", {keys::kDown, keys::kEnter, keys::F(10), keys::kEnter, keys::F(10)}, true,
+       {200}, {2}},
+      {"an item of all, by name", {keys::F(10), keys::kDown, keys::kEnter, keys::F(10)}, true, {}, {1}},
+      {"Esc at the suppliers", {keys::kEsc}, false, {}, {}},
+      {"Esc at the items", {keys::F(10), keys::kEsc}, false, {}, {}},
+  };
+  for (const auto& c : cases) {
+    gScript.clear();
+    gScreens.clear();
+    TitleAndDates("01-02-2026", "28-02-2026");
+    Press(keys::kEnter);  // warehouse 1
+    Press(keys::F(10));
+    for (KeyPair k : c.keys) Press(k);
+    if (c.given) Press(keys::F(10));  // sales
+    if (c.given) Type("1N");
+    TurnoverParams p;
+    EXPECT_EQ(AskTurnoverParams(p), c.given) << c.name;
+    EXPECT_EQ(p.suppliers, c.suppliers) << c.name;
+    EXPECT_EQ(p.items, c.items) << c.name;
+    EXPECT_GE(ScreensWith("Wybierz dostawców, na których towarach dokonywano operacji:"_mz.View()), 1) << c.name;
+    // Supplier 100's item is not offered once only supplier 200 is marked.
+    if (c.suppliers == std::vector<int32_t>{200}) {
+      EXPECT_EQ(ScreensWith("Mleko"), 0);
+    }
+  }
+}
+
 TEST_F(ReportTest, TheReportGoesToAFileByteForByteAndToDbf) {
   TitleAndDates("01-02-2026", "28-02-2026");
   Press(keys::kEnter);  // warehouse 1
-  Press(keys::F(10));
-  Press(keys::F(10));  // sales, marked at the start
+  Press(keys::F(10), 3);  // every supplier and item
+  Press(keys::F(10));     // sales, marked at the start
   Type("1");           // sort by name
   Type("N");           // ascending
   TurnoverParams p;

@@ -103,18 +103,36 @@ TEST_F(TurnoverTest, EveryItemAndTotalMatchesTheSavedLines) {
   EXPECT_EQ(Scalar("SELECT count(*) FROM pg_class WHERE relname LIKE 'tmp\\_%' AND relpersistence='t'"), "0");
 }
 
-TEST_F(TurnoverTest, SortOrdersFollowTheChoice) {
-  TurnoverParams p = February();
-  std::vector<int32_t> missing;
-  RunTurnoverAnalysis(p, nullptr, missing);
-  p.sort = TurnoverSort::kTurnover;
-  p.descending = true;
-  auto rows = ReadTurnoverRows(p);
-  EXPECT_TRUE(std::is_sorted(rows.begin(), rows.end(), [](auto& a, auto& b) { return a.turnover > b.turnover; }));
-  p.sort = TurnoverSort::kStock;
-  p.descending = false;
-  rows = ReadTurnoverRows(p);
-  EXPECT_TRUE(std::is_sorted(rows.begin(), rows.end(), [](auto& a, auto& b) { return a.stockBefore < b.stockBefore; }));
+TEST_F(TurnoverTest, NumberColumnsSortByTheirTextKeys) {
+  const struct {
+    TurnoverSort sort;
+    bool descending;
+    std::vector<int16_t> kinds;
+    Real TurnoverRow::*value;
+  } cases[] = {
+      {TurnoverSort::kTurnover, false, {1, 2, 4}, &TurnoverRow::turnover},  // sales: all below 0
+      {TurnoverSort::kTurnover, true, {1, 2, 4}, &TurnoverRow::turnover},
+      {TurnoverSort::kTurnover, false, {1, 6, 7}, &TurnoverRow::turnover},  // signs mixed
+      {TurnoverSort::kStock, false, {1, 2, 4}, &TurnoverRow::stockBefore},
+      {TurnoverSort::kPercent, true, {1, 6, 7}, &TurnoverRow::percent},
+      {TurnoverSort::kSalePrice, false, {1, 2, 4}, &TurnoverRow::saleGross},
+  };
+  for (const auto& c : cases) {
+    TurnoverParams p = February();
+    p.kinds = c.kinds;
+    p.sort = c.sort;
+    p.descending = c.descending;
+    std::vector<int32_t> missing;
+    RunTurnoverAnalysis(p, nullptr, missing);
+    const std::vector<TurnoverRow> rows = ReadTurnoverRows(p);
+    ASSERT_GE(rows.size(), 3u);
+    for (std::size_t i = 1; i < rows.size(); ++i) {
+      std::string before = SortKey(rows[i - 1].*c.value), after = SortKey(rows[i].*c.value);
+      if (c.descending) std::swap(before, after);
+      EXPECT_TRUE(before < after || (before == after && rows[i - 1].item < rows[i].item))
+          << static_cast<int>(c.sort) << " row " << i << ": " << before << " " << after;
+    }
+  }
 }
 
 }  // namespace

@@ -55,6 +55,8 @@ TEST_F(ViewerWalkTest, TurnoverAnalysisOnTheScreen) {
   ASSERT_NO_FATAL_FAILURE(Analysis("1"));
   ASSERT_NO_FATAL_FAILURE(Steps({{"Podaj tytuł wydruku:", TitleFebruarySales("Test")},
                                  {"Wybierz magazyny, na których dokonywano operacji:", "Enter F10"},
+                                 {"Wybierz dostawców, na których towarach dokonywano operacji:", "F10"},
+                                 {"Wybierz konkretne towary, na których dokonywano operacji:", "F10"},
                                  {"Sprzedaż", "F10"},
                                  {"Podaj sposób sortowania:", "1 N"},
                                  {"Skierować wydruk:", "2"}}));
