@@ -147,6 +147,12 @@ TEST_F(EntryFunctions, DigitSearchesAndFunctionsOverTheLineList) {
         {{keys::kDown, keys::kDown, kShiftF8}}},
        screw + ":3;" + hammer + ":6;",
        {}},
+      {"a mark survives the automatic sort that rewrites the lines",
+       {Digits("5901"), {{keys::kTab, keys::F(8), keys::kTab}}, Digits("5904"), Digits("5901"),
+        {{keys::kTab, kShiftF8}}},
+       "Gwóźdź"_mz.Str() + ":3;" + hammer + ":6;",
+       {},
+       config(entrydetail::kConfigLineAutoSort, 1)},
   };
   for (const Case& c : cases) {
     ConfigSettings().SetNumber(entrydetail::kConfigLineDigitTake, 1);

@@ -138,6 +138,17 @@ TEST(EntryLines, SortOnlyWhereConfiguredAndJoinOneItem) {
   EXPECT_EQ(plan.quantity, 4);
   EXPECT_EQ(plan.drop, std::vector<int64_t>{1});
   EXPECT_TRUE(PlanMerge(lines, marked, 99).drop.empty());
+
+  // After a rewrite the marks follow their lines to the new ids; a row gone loses its mark.
+  std::vector<DocLine> rewritten = byPlace;
+  std::vector<int64_t> before;
+  for (DocLine& l : rewritten) {
+    before.push_back(l.rowId);
+    l.rowId += 100;
+  }
+  std::vector<int64_t> marks = {2, 4, 77};
+  RemapRowIds(marks, before, rewritten);
+  EXPECT_EQ(marks, (std::vector<int64_t>{102, 104}));
 }
 
 }  // namespace
