@@ -24,6 +24,7 @@
 namespace entrydetail {
 
 // --- Configuration lines the entry's functions read ---
+inline constexpr int kConfigLineDigitLetters = 2;       // letter keys typed into the digit search count as digits 0/1
 inline constexpr int kConfigLineVatReduction = 12;      // VAT-dependent reduction 0/1
 inline constexpr int kConfigLinePackages = 36;          // quantity through ilosc_w_opak 0..4
 inline constexpr int kConfigLineEntryBrowse = 41;       // 2 and 3: FIFO cost on issues
@@ -110,6 +111,10 @@ struct DigitDecision {
 DigitDecision DecideDigitFind(std::span<const Real> stocks, int mode);
 // The note for a stock of 0 or below; for several rows, the common note.
 ShortText StockNote(std::span<const Real> stocks);
+// The digits of an index typed with the letter keys of a laptop's embedded
+// keypad (NumLock off): M 0, J 1, K 2, L 3, U 4, I 5, O 6, either case;
+// digits and blanks stay. False, with digits empty, for any other byte.
+bool DigitsFromKeys(const ShortText& typed, ShortText& digits);
 // The quantity that a digit search enters by itself (0: ask, -1: enter nothing).
 Real DigitSearchQuantity(int mode, const ShortText& autoText, int kind);
 // The same for an item chosen with Enter: modes 4 and 5 only; 0 to ask.

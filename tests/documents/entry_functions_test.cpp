@@ -125,6 +125,8 @@ TEST_F(EntryFunctions, DigitSearchesAndFunctionsOverTheLineList) {
        "Młotek duży"_mz.Str() + ":3;",
        {"Jest ! Czy szukać dalej ?"_mz},
        config(entrydetail::kConfigLineDigitTake, 0)},
+      {"keypad letters typed as the index's digits", {Digits("59mj")}, hammer + ":3;", {},
+       config(entrydetail::kConfigLineDigitLetters, 1)},
       {"packages: the entry counts standards", {Digits("5901")}, hammer + ":36;", {},
        config(entrydetail::kConfigLinePackages, 3)},
       {"automatic sort by name", {Digits("5903"), Digits("5901")}, hammer + ":3;" + screw + ":3;", {},
