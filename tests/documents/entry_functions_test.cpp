@@ -271,6 +271,10 @@ TEST_F(EntryFunctions, ItemsPulledFromASavedDocument) {
       {"added to the lines",
        {Digits("5904"), {{keys::F(7)}}, {{keys::kDown, kEnter}}, {{kEnter}}, {{kEnter}}},
        "Gwóźdź:3;"_mz.Str() + pulled},
+      {"a marked line keeps its mark and joins a pulled line of its item",
+       {Digits("5901"), {{keys::kTab, keys::F(8), keys::kTab}}, {{keys::F(7)}}, {{keys::kDown, kEnter}}, {{kEnter}},
+        {{kEnter}}, {{keys::kTab, keys::kUp, keys::kUp, keys::kUp, keys::kDown, kShiftF8}}},
+       "Młotek:"_mz.Str() + std::to_string(3 + 2) + ";" + "Wkręt:5;"_mz.Str()},
   };
   for (const auto& c : cases) {
     std::vector<DocLine> got;
