@@ -149,7 +149,7 @@ void AddItem(Entry& e) {
   line.quantity = q;
   entrydetail::TakeFifoCost(e.warehouse, e.kind, line, e.lines);
   CheckDBError(WorkLineAppend(e.work, line));
-  entrydetail::AutoSortWorkTable(e.warehouse, e.work);
+  entrydetail::AutoSortWorkTable(e.warehouse, e.work, e.extra.marked);
   ReadLines(e);
   e.lineAt = static_cast<int>(e.lines.size()) - 1;
 }

@@ -24,6 +24,7 @@
 namespace entrydetail {
 
 // --- Configuration lines the entry's functions read ---
+inline constexpr int kConfigLineDigitLetters = 2;       // letter keys typed into the digit search count as digits 0/1
 inline constexpr int kConfigLineVatReduction = 12;      // VAT-dependent reduction 0/1
 inline constexpr int kConfigLinePackages = 36;          // quantity through ilosc_w_opak 0..4
 inline constexpr int kConfigLineEntryBrowse = 41;       // 2 and 3: FIFO cost on issues
@@ -110,6 +111,10 @@ struct DigitDecision {
 DigitDecision DecideDigitFind(std::span<const Real> stocks, int mode);
 // The note for a stock of 0 or below; for several rows, the common note.
 ShortText StockNote(std::span<const Real> stocks);
+// The digits of an index typed with the letter keys of a laptop's embedded
+// keypad (NumLock off): M 0, J 1, K 2, L 3, U 4, I 5, O 6, either case;
+// digits and blanks stay. False, with digits empty, for any other byte.
+bool DigitsFromKeys(const ShortText& typed, ShortText& digits);
 // The quantity that a digit search enters by itself (0: ask, -1: enter nothing).
 Real DigitSearchQuantity(int mode, const ShortText& autoText, int kind);
 // The same for an item chosen with Enter: modes 4 and 5 only; 0 to ask.
@@ -141,6 +146,10 @@ struct MergePlan {
   std::vector<int64_t> drop;
 };
 MergePlan PlanMerge(std::span<const DocLine> lines, std::span<const int64_t> marked, int64_t into);
+// A rewrite of the work table gives its rows new ids: each id of ids that
+// stood at position i of before becomes the id of after[i]; ids of rows no
+// longer there are dropped.
+void RemapRowIds(std::vector<int64_t>& ids, std::span<const int64_t> before, std::span<const DocLine> after);
 
 // --- The entry's state seen by these functions ---
 struct EntryExtras {
@@ -190,13 +199,15 @@ bool TakePresetQuantity(EntryExtras& x, int kind, Real& q);
 Real QuantityInUnits(Real entered, const ItemData& item);
 // Called by AddItem for a new line: the FIFO cost on issues when configured.
 void TakeFifoCost(int32_t warehouse, int kind, DocLine& line, std::span<const DocLine> lines);
-// Called after a line was added: the configured automatic sort of the work table.
-void AutoSortWorkTable(int32_t warehouse, const ShortText& work);
+// Called after a line was added: the configured automatic sort of the work
+// table; the marks for joining follow their lines to the new row ids.
+void AutoSortWorkTable(int32_t warehouse, const ShortText& work, std::vector<int64_t>& marked);
 
 // --- Parts with the table layer (each returns the layer's code) ---
 [[nodiscard]] int16_t ReadReceipts(int32_t warehouse, int32_t item, std::vector<Receipt>& oldestFirst);
 [[nodiscard]] int16_t WorkLineSetPrices(const ShortText& work, int64_t rowId, Real net, Real gross);
-[[nodiscard]] int16_t WorkRewriteInOrder(const ShortText& work, const std::vector<DocLine>& lines);
+// Empties the work table and writes the lines in their order; each line takes its new row id.
+[[nodiscard]] int16_t WorkRewriteInOrder(const ShortText& work, std::vector<DocLine>& lines);
 // The internal numbers of the items whose digit field (by line 70) holds value, in name order.
 [[nodiscard]] int16_t FindByDigits(int field, int64_t value, std::vector<int32_t>& numbers);
 // The internal numbers of the items whose name matches the LIKE pattern, in name order.

@@ -59,6 +59,16 @@ MergePlan PlanMerge(std::span<const DocLine> lines, std::span<const int64_t> mar
   return plan;
 }
 
+void RemapRowIds(std::vector<int64_t>& ids, std::span<const int64_t> before, std::span<const DocLine> after) {
+  std::vector<int64_t> mapped;
+  for (const int64_t id : ids) {
+    const auto at = std::find(before.begin(), before.end(), id);
+    const auto i = static_cast<std::size_t>(at - before.begin());
+    if (at != before.end() && i < after.size()) mapped.push_back(after[i].rowId);
+  }
+  ids = std::move(mapped);
+}
+
 bool Marked(const EntryExtras& x, int64_t rowId) {
   return std::find(x.marked.begin(), x.marked.end(), rowId) != x.marked.end();
 }
@@ -78,10 +88,10 @@ void ApplyDefaultCustomer(const EntryExtras& x, int kind, DocumentHeader& header
 
 // --- Tables ---
 
-int16_t WorkRewriteInOrder(const ShortText& work, const std::vector<DocLine>& lines) {
+int16_t WorkRewriteInOrder(const ShortText& work, std::vector<DocLine>& lines) {
   docdetail::ExclusiveLock lock(work);
   if (const int16_t code = WorkTableClear(work)) return code;
-  for (DocLine line : lines)
+  for (DocLine& line : lines)
     if (const int16_t code = WorkLineAppend(work, line)) return code;
   return lock.Commit();
 }
@@ -100,7 +110,7 @@ int32_t MainWarehouse() {
 
 }  // namespace
 
-void AutoSortWorkTable(int32_t warehouse, const ShortText& work) {
+void AutoSortWorkTable(int32_t warehouse, const ShortText& work, std::vector<int64_t>& marked) {
   const int configured = ConfigInt(kConfigLineAutoSort);
   if (configured != 1 && configured != 2) return;
   const bool mainOnly = ConfigInt(kConfigLineSortMainOnly) == 1;
@@ -112,7 +122,11 @@ void AutoSortWorkTable(int32_t warehouse, const ShortText& work) {
   SortLines(sorted, order);
   const bool same = std::equal(lines.begin(), lines.end(), sorted.begin(),
                                [](const DocLine& a, const DocLine& b) { return a.rowId == b.rowId; });
-  if (!same) CheckDBError(WorkRewriteInOrder(work, sorted));
+  if (same) return;
+  std::vector<int64_t> before;
+  for (const DocLine& l : sorted) before.push_back(l.rowId);
+  CheckDBError(WorkRewriteInOrder(work, sorted));
+  RemapRowIds(marked, before, sorted);
 }
 
 // --- The functions ---

@@ -109,8 +109,10 @@ EntryAfter PullFromDocuments(EntryView& v) {
   if (!DocumentLines(v.warehouse, kind, doc, pulled)) return EntryAfter::kDone;
   std::vector<DocLine> all = replace ? std::vector<DocLine>{} : v.lines;
   all.insert(all.end(), pulled.begin(), pulled.end());
+  std::vector<int64_t> before;
+  for (const DocLine& l : all) before.push_back(l.rowId);
   CheckDBError(WorkRewriteInOrder(v.work, all));
-  v.x.marked.clear();
+  RemapRowIds(v.x.marked, before, all);  // kept lines keep their marks; replaced ones lose them
   return EntryAfter::kReadLines;
 }
 

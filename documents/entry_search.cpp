@@ -62,6 +62,24 @@ DigitDecision DecideDigitFind(std::span<const Real> stocks, int mode) {
   return {DigitFind::kAskOtherQuantity, 0, StockNote(stocks)};
 }
 
+bool DigitsFromKeys(const ShortText& typed, ShortText& digits) {
+  static constexpr std::string_view kKeypadLetters = "MJKLUIO";  // the letter at position n is the digit n
+  digits = ShortText();
+  for (const char c : typed.View()) {
+    const char upper = c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+    const std::size_t at = kKeypadLetters.find(upper);
+    if ((c >= '0' && c <= '9') || c == ' ') {
+      digits.Append(c);
+    } else if (at != std::string_view::npos) {
+      digits.Append(static_cast<char>('0' + at));
+    } else {
+      digits = ShortText();
+      return false;
+    }
+  }
+  return true;
+}
+
 Real DigitSearchQuantity(int mode, const ShortText& autoText, int kind) {
   const bool sale = kind >= 1 && kind <= 5;
   if (mode == 0) return -1;
@@ -229,11 +247,16 @@ int DigitWidth() {
 }  // namespace
 
 EntryAfter SearchDigits(EntryView v, unsigned char first) {
+  const bool letters = ConfigInt(kConfigLineDigitLetters) == 1;
+  ShortText typed;
+  typed.Append(static_cast<char>(first));
+  if (!AskAfterLabel(kIndexSearch, letters ? 16 : 3, DigitWidth(), typed) || TrimBoth(typed, ' ').Empty())
+    return EntryAfter::kDone;
   ShortText digits;
-  digits.Append(static_cast<char>(first));
-  if (!AskAfterLabel(kIndexSearch, 3, DigitWidth(), digits) || TrimBoth(digits, ' ').Empty()) return EntryAfter::kDone;
   std::vector<int32_t> numbers;
-  CheckDBError(FindByDigits(ConfigInt(kConfigLineDigitField), static_cast<int64_t>(TextToRealLoose(digits)), numbers));
+  if (DigitsFromKeys(typed, digits))  // a letter off the keypad finds nothing
+    CheckDBError(
+        FindByDigits(ConfigInt(kConfigLineDigitField), static_cast<int64_t>(TextToRealLoose(digits)), numbers));
   const std::vector<ItemListRow> rows = RowsOf(v, numbers);
   if (numbers.empty()) {
     (void)MessageBox(kNoDigitIndexText, 0);

@@ -125,6 +125,8 @@ TEST_F(EntryFunctions, DigitSearchesAndFunctionsOverTheLineList) {
        "Młotek duży"_mz.Str() + ":3;",
        {"Jest ! Czy szukać dalej ?"_mz},
        config(entrydetail::kConfigLineDigitTake, 0)},
+      {"keypad letters typed as the index's digits", {Digits("59mj")}, hammer + ":3;", {},
+       config(entrydetail::kConfigLineDigitLetters, 1)},
       {"packages: the entry counts standards", {Digits("5901")}, hammer + ":36;", {},
        config(entrydetail::kConfigLinePackages, 3)},
       {"automatic sort by name", {Digits("5903"), Digits("5901")}, hammer + ":3;" + screw + ":3;", {},
@@ -147,6 +149,12 @@ TEST_F(EntryFunctions, DigitSearchesAndFunctionsOverTheLineList) {
         {{keys::kDown, keys::kDown, kShiftF8}}},
        screw + ":3;" + hammer + ":6;",
        {}},
+      {"a mark survives the automatic sort that rewrites the lines",
+       {Digits("5901"), {{keys::kTab, keys::F(8), keys::kTab}}, Digits("5904"), Digits("5901"),
+        {{keys::kTab, kShiftF8}}},
+       "Gwóźdź"_mz.Str() + ":3;" + hammer + ":6;",
+       {},
+       config(entrydetail::kConfigLineAutoSort, 1)},
   };
   for (const Case& c : cases) {
     ConfigSettings().SetNumber(entrydetail::kConfigLineDigitTake, 1);
@@ -263,6 +271,10 @@ TEST_F(EntryFunctions, ItemsPulledFromASavedDocument) {
       {"added to the lines",
        {Digits("5904"), {{keys::F(7)}}, {{keys::kDown, kEnter}}, {{kEnter}}, {{kEnter}}},
        "Gwóźdź:3;"_mz.Str() + pulled},
+      {"a marked line keeps its mark and joins a pulled line of its item",
+       {Digits("5901"), {{keys::kTab, keys::F(8), keys::kTab}}, {{keys::F(7)}}, {{keys::kDown, kEnter}}, {{kEnter}},
+        {{kEnter}}, {{keys::kTab, keys::kUp, keys::kUp, keys::kUp, keys::kDown, kShiftF8}}},
+       "Młotek:"_mz.Str() + std::to_string(3 + 2) + ";" + "Wkręt:5;"_mz.Str()},
   };
   for (const auto& c : cases) {
     std::vector<DocLine> got;

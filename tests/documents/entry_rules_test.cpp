@@ -108,6 +108,19 @@ TEST(EntrySearch, DigitSearchDecidesByModeAndStock) {
     // Enter takes the automatic quantity in modes 4 and 5 only.
     EXPECT_EQ(EnterQuantity(c.mode, ShortText(c.text), c.kind), c.mode >= 4 ? c.q : 0) << c.mode;
   }
+  // Letter keys of the embedded keypad read as digits; any other letter spoils the index.
+  const struct {
+    ShortText typed;
+    const char* digits;
+    bool ok;
+  } keyed[] = {{ShortText("59mj"), "5901", true},   {ShortText("UIO789"), "456789", true},
+               {ShortText("kl 0"), "23 0", true},   {ShortText("5a1"), "", false},
+               {"5ą"_mz, "", false},               {ShortText(), "", true}};
+  for (const auto& c : keyed) {
+    ShortText digits("stale");
+    EXPECT_EQ(DigitsFromKeys(c.typed, digits), c.ok) << c.typed.Str();
+    EXPECT_EQ(digits.Str(), c.digits) << c.typed.Str();
+  }
 }
 
 DocLine Line(int64_t row, int32_t item, const char* name, const char* place, Real q) {
@@ -138,6 +151,17 @@ TEST(EntryLines, SortOnlyWhereConfiguredAndJoinOneItem) {
   EXPECT_EQ(plan.quantity, 4);
   EXPECT_EQ(plan.drop, std::vector<int64_t>{1});
   EXPECT_TRUE(PlanMerge(lines, marked, 99).drop.empty());
+
+  // After a rewrite the marks follow their lines to the new ids; a row gone loses its mark.
+  std::vector<DocLine> rewritten = byPlace;
+  std::vector<int64_t> before;
+  for (DocLine& l : rewritten) {
+    before.push_back(l.rowId);
+    l.rowId += 100;
+  }
+  std::vector<int64_t> marks = {2, 4, 77};
+  RemapRowIds(marks, before, rewritten);
+  EXPECT_EQ(marks, (std::vector<int64_t>{102, 104}));
 }
 
 }  // namespace
