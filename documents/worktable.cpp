@@ -66,31 +66,9 @@ std::string WorkValues(const DocLine& line) {
 
 DocLine WorkLineOf(const PGResult& res, int r, int c) {
   DocLine line;
-  ItemData& i = line.item;
-  auto text = [&](int col) { return TextOf(res, r, c + col); };
-  auto real = [&](int col) { return RealOf(res.Value(r, c + col)); };
-  auto integer = [&](int col) { return IntOf(res.Value(r, c + col)); };
-  line.rowId = integer(0);
-  i.name = text(KatTowCol::nazwa);
-  i.name2 = text(KatTowCol::nazwa_);
-  i.buyNet = real(KatTowCol::cena_z_n);
-  i.buyGross = real(KatTowCol::cena_z_b);
-  i.vat = text(KatTowCol::vat);
-  i.sww = text(KatTowCol::sww);
-  i.vatPayer = text(KatTowCol::czy_od_pl_vat);
-  i.number = static_cast<int32_t>(integer(KatTowCol::nr_wewn));
-  i.code = text(KatTowCol::indeks_znakowy_isbn);
-  i.digitIndex = integer(KatTowCol::indeks_numeryczny);
-  i.supplier = static_cast<int32_t>(integer(KatTowCol::dostawca));
-  i.place = text(KatTowCol::miejsce_w_magazynie);
-  for (int k = 0; k < 5; ++k) i.keys[k] = text(KatTowCol::k1_pochodzenie_autor + k);
-  i.saleNet = real(KatTowCol::cena_s_n);
-  i.saleGross = real(KatTowCol::cena_s_b);
-  line.quantity = real(KatTowCol::ilosc);
-  i.unit = text(KatTowCol::jednostka);
-  i.packQuantity = real(KatTowCol::ilosc_w_opak);
-  i.supplierText = text(KatTowCol::dostawca_opis);
-  i.ordered = real(KatTowCol::il_zamowiona);
+  line.rowId = IntOf(res.Value(r, c));
+  ItemFieldsFromRow(res, r, c, line.item);
+  line.quantity = RealOf(res.Value(r, c + KatTowCol::ilosc));
   return line;
 }
 

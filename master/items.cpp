@@ -48,35 +48,10 @@ std::string NumberText(Real value) {
 }
 
 void ItemFromResult(const PGResult& res, int r, int c, ItemData& item, int64_t& rowId) {
-  auto text = [&](int col) {
-    ShortText t = res.Text(r, c + col);
-    DbToMazInPlace(t.Data(), static_cast<std::size_t>(t.Length()));
-    return t;
-  };
-  auto real = [&](int col) { return RealOf(res.Value(r, c + col)); };
-  auto integer = [&](int col) { return IntOf(res.Value(r, c + col)); };
-  rowId = integer(0);
-  item.name = text(KatTowCol::nazwa);
-  item.name2 = text(KatTowCol::nazwa_);
-  item.buyNet = real(KatTowCol::cena_z_n);
-  item.buyGross = real(KatTowCol::cena_z_b);
-  item.vat = text(KatTowCol::vat);
-  item.sww = text(KatTowCol::sww);
-  item.vatPayer = text(KatTowCol::czy_od_pl_vat);
-  item.number = static_cast<int32_t>(integer(KatTowCol::nr_wewn));
-  item.code = text(KatTowCol::indeks_znakowy_isbn);
-  item.digitIndex = integer(KatTowCol::indeks_numeryczny);
-  item.supplier = static_cast<int32_t>(integer(KatTowCol::dostawca));
-  item.place = text(KatTowCol::miejsce_w_magazynie);
-  for (int k = 0; k < 5; ++k) item.keys[k] = text(KatTowCol::k1_pochodzenie_autor + k);
-  item.saleNet = real(KatTowCol::cena_s_n);
-  item.saleGross = real(KatTowCol::cena_s_b);
+  rowId = IntOf(res.Value(r, c));
+  ItemFieldsFromRow(res, r, c, item);
   item.active = res.Value(r, c + KatTowCol::ilosc) == "t";
-  item.unit = text(KatTowCol::jednostka);
-  item.packQuantity = real(KatTowCol::ilosc_w_opak);
-  item.supplierText = text(KatTowCol::dostawca_opis);
-  item.ordered = real(KatTowCol::il_zamowiona);
-  item.discountLock = static_cast<int16_t>(integer(KatTowCol::blok_rab));
+  item.discountLock = static_cast<int16_t>(IntOf(res.Value(r, c + KatTowCol::blok_rab)));
 }
 
 TableWithBuffer::TableWithBuffer(const ShortText& path) {
@@ -409,4 +384,33 @@ int16_t ItemChangeSalePrice(int32_t number, Real gross, ItemPriceScope scope, in
   if (warehouse > 0)
     if (const int16_t code = StockPricesOrNewRow(warehouse, number, item.saleNet, item.saleGross)) return code;
   return lock.Commit();
+}
+
+void ItemFieldsFromRow(const PGResult& res, int r, int c, ItemData& item) {
+  auto text = [&](int col) {
+    ShortText t = res.Text(r, c + col);
+    DbToMazInPlace(t.Data(), static_cast<std::size_t>(t.Length()));
+    return t;
+  };
+  auto real = [&](int col) { return items_detail::RealOf(res.Value(r, c + col)); };
+  auto integer = [&](int col) { return items_detail::IntOf(res.Value(r, c + col)); };
+  item.name = text(KatTowCol::nazwa);
+  item.name2 = text(KatTowCol::nazwa_);
+  item.buyNet = real(KatTowCol::cena_z_n);
+  item.buyGross = real(KatTowCol::cena_z_b);
+  item.vat = text(KatTowCol::vat);
+  item.sww = text(KatTowCol::sww);
+  item.vatPayer = text(KatTowCol::czy_od_pl_vat);
+  item.number = static_cast<int32_t>(integer(KatTowCol::nr_wewn));
+  item.code = text(KatTowCol::indeks_znakowy_isbn);
+  item.digitIndex = integer(KatTowCol::indeks_numeryczny);
+  item.supplier = static_cast<int32_t>(integer(KatTowCol::dostawca));
+  item.place = text(KatTowCol::miejsce_w_magazynie);
+  for (int k = 0; k < 5; ++k) item.keys[k] = text(KatTowCol::k1_pochodzenie_autor + k);
+  item.saleNet = real(KatTowCol::cena_s_n);
+  item.saleGross = real(KatTowCol::cena_s_b);
+  item.unit = text(KatTowCol::jednostka);
+  item.packQuantity = real(KatTowCol::ilosc_w_opak);
+  item.supplierText = text(KatTowCol::dostawca_opis);
+  item.ordered = real(KatTowCol::il_zamowiona);
 }

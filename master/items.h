@@ -50,6 +50,13 @@ struct ItemData {
   int16_t discountLock = 0;       // blok_rab
 };
 
+class PGResult;
+// The catalogue's item columns of a query row whose column c+1 is nazwa (the
+// first 24 columns of kat_tow_ and of the users' work tables). Column 20 is
+// left out: the catalogue keeps whether the item is active there, a work
+// table the line's quantity.
+void ItemFieldsFromRow(const PGResult& res, int r, int c, ItemData& item);
+
 // One row of a warehouse's stany_mg.
 struct StockRow {
   int32_t number = 0;    // nr_wewn

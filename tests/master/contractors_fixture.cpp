@@ -71,16 +71,7 @@ void ContractorsTest::Play(std::vector<KeyStep> steps) {
 }
 
 bool ContractorsTest::Shown(const ShortText& text) {
-  std::vector<std::string> lines(1);
-  for (char c : text.View())
-    if (c == '@') lines.emplace_back();
-    else lines.back().push_back(c);
-  for (const std::string& screen : gScreens) {
-    bool all = true;
-    for (const std::string& line : lines) all = all && screen.find(line) != std::string::npos;
-    if (all) return true;
-  }
-  return false;
+  return tui_test::AnyScreenShows(gScreens, text);
 }
 
 Contractor ContractorsTest::Named(const ShortText& name, const ShortText& town) {

@@ -6,6 +6,7 @@
 #include <stdlib.h>
 
 #include <string>
+#include <vector>
 
 #include "tui/keyboard.h"
 #include "tui/screen.h"
@@ -65,6 +66,20 @@ inline void FillBackground(unsigned char attr) {
   Window(3, 4, 60, 20);
   GotoXY(5, 6);
   TextAttr(attr);
+}
+
+// Whether one of the kept screens shows every '@'-separated line of a box's text.
+inline bool AnyScreenShows(const std::vector<std::string>& screens, const ShortText& text) {
+  std::vector<std::string> lines(1);
+  for (char c : text.View())
+    if (c == '@') lines.emplace_back();
+    else lines.back().push_back(c);
+  for (const std::string& screen : screens) {
+    bool all = true;
+    for (const std::string& line : lines) all = all && screen.find(line) != std::string::npos;
+    if (all) return true;
+  }
+  return false;
 }
 
 }  // namespace tui_test
