@@ -5,19 +5,13 @@
 // polling fisksrv by job file, and through the one-shot fisksrv that klote
 // starts itself. A printer that refuses or falls silent mid-receipt leaves no
 // open receipt, and the document saved without it is fiscalised later once.
-#include <signal.h>
-#include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
-#include <chrono>
-#include <cstdio>
 #include <cstdlib>
 #include <memory>
 #include <optional>
 #include <span>
 #include <string>
-#include <thread>
 
 #include "base/mazovia.h"
 #include "documents/fiscalise.h"
@@ -186,16 +180,6 @@ class KloteSaleE2eTest : public CatalogueTest {
     ASSERT_NO_FATAL_FAILURE(tmux_->Walk({{"Enter", "Specyfikacja:"}, {"Escape", "F2 Dokumenty"}}));
     tmux_->Quit();
   }
-  // A sale saved while the printer is faulty: its message, the operator's key to it, the save without the
-  // fiscal record; the receipt ends cancelled and the document stays unmarked ("T").
-  void SaveWithoutThePrinter(const std::string& shown, const std::string& dismiss) {
-    ASSERT_TRUE(WaitForText(shown, 30000)) << Pane();
-    ASSERT_NO_FATAL_FAILURE(tmux_->Walk({{dismiss, "Czy pomimo braku możliwości zapisu w drukarce fiskalnej"},
-                                         {"t", "Zapisano dokument nr"}}));  // save without the fiscal record
-    EXPECT_TRUE(WaitUntil([&] { return !Journal().empty() && Journal().back() == "CANCELLED"; }, 10000))
-        << ::testing::PrintToString(Journal());
-    EXPECT_EQ(Query("SELECT czy_gotowkowy FROM DANE_1_NAGLOWKI"), "T");
-  }
   static int CountOf(const std::string& text, const std::string& needle) {
     int n = 0;
     for (std::size_t at = text.find(needle); at != std::string::npos; at = text.find(needle, at + 1)) ++n;
@@ -216,13 +200,6 @@ class KloteSaleE2eTest : public CatalogueTest {
     const Lines j = Journal();
     return !j.empty() && (j.back().rfind("TOTAL", 0) == 0 || j.back().rfind("CLOSE", 0) == 0 || j.back() == "CANCELLED");
   }
-  static std::string Query(const std::string& sql) {
-    std::string out;
-    Psql(sql, &out);
-    while (!out.empty() && out.back() == '\n') out.pop_back();
-    return out;
-  }
-
   std::string home_;
   std::unique_ptr<TmuxWalk> tmux_;
   Family family_ = Family::kPosnet;
@@ -250,32 +227,7 @@ TEST_F(KloteSaleE2eTest, ASaleReachesTheJournalByEveryRoadOfBothFamilies) {
     ASSERT_NO_FATAL_FAILURE(LeaveKlote());
   }
   // Every document carries the fiscal mark of a cash sale.
-  EXPECT_EQ(Query("SELECT string_agg(czy_gotowkowy, '') FROM DANE_1_NAGLOWKI"), std::string(std::size(kRoads), 'F'));
-}
-
-// ELZAB refuses the second line: the message, Esc (which gives ELZAB's resume up), the save without the
-// printer; later the receipt prints once, in full, by the call, and the second try is refused by the mark.
-// (POSNET falling silent takes the same road from the documents' list below.)
-TEST_F(KloteSaleE2eTest, ARefusingPrinterLeavesNoOpenReceiptAndTheDocumentIsFiscalisedLaterOnce) {
-  UserRecord manager;  // the later fiscalisation runs here, as the same operator
-  manager.number = 0;
-  manager.firstName = "Kierownik";
-  manager.surname = "Systemu";
-  SetCurrentUser(manager);
-  StartCase(Family::kElzab, Road::kDirect, {"--fail", "3:nak=0,0x02"});
-  ASSERT_NO_FATAL_FAILURE(EnterSale());
-  ASSERT_NO_FATAL_FAILURE(SaveWithoutThePrinter("Błąd drukarki ELZAB.", "Escape"));
-  ASSERT_NO_FATAL_FAILURE(LeaveKlote());
-  const Lines journal = Journal();
-  const DocumentKey key{1, 1, std::stoi(Query("SELECT nr_dok FROM DANE_1_NAGLOWKI")), "PA"};
-  ASSERT_TRUE(FiscaliseDocument(config_, key)) << ScreenBytes();
-  Lines printed = Journal();
-  printed.erase(printed.begin(), printed.begin() + static_cast<long>(journal.size()));
-  EXPECT_EQ(WithoutHeads(printed), Expected(Road::kDirect, 1));
-  ASSERT_TRUE(PushKey(keys::kEnter.ch, keys::kEnter.scan));
-  EXPECT_FALSE(FiscaliseDocument(config_, key));
-  EXPECT_EQ(Journal().size(), journal.size() + printed.size());
-  EXPECT_EQ(Query("SELECT czy_gotowkowy FROM DANE_1_NAGLOWKI"), "F");
+  EXPECT_EQ(Scalar("SELECT string_agg(czy_gotowkowy, '') FROM DANE_1_NAGLOWKI"), std::string(std::size(kRoads), 'F'));
 }
 
 // The menu's entry for the printer's operations, walked in klote: the list of
@@ -304,12 +256,18 @@ TEST_F(KloteSaleE2eTest, TheMenuEntryRunsThePrintersOperations) {
 TEST_F(KloteSaleE2eTest, ASaleSavedWithoutThePrinterIsFiscalisedFromTheDocumentsListOnce) {
   StartCase(Family::kPosnet, Road::kDirect, {"--fail", "5:silent"});
   ASSERT_NO_FATAL_FAILURE(EnterSale());
-  ASSERT_NO_FATAL_FAILURE(SaveWithoutThePrinter("brak odpowiedzi drukarki", "Enter"));
+  // Its message, Enter to it, the save without the fiscal record; the receipt ends cancelled, the document unmarked.
+  ASSERT_TRUE(WaitForText("brak odpowiedzi drukarki", 30000)) << Pane();
+  ASSERT_NO_FATAL_FAILURE(tmux_->Walk({{"Enter", "Czy pomimo braku możliwości zapisu w drukarce fiskalnej"},
+                                       {"t", "Zapisano dokument nr"}}));
+  EXPECT_TRUE(WaitUntil([&] { return !Journal().empty() && Journal().back() == "CANCELLED"; }, 10000))
+      << ::testing::PrintToString(Journal());
+  EXPECT_EQ(Scalar("SELECT czy_gotowkowy FROM DANE_1_NAGLOWKI"), "T");
   ASSERT_NO_FATAL_FAILURE(tmux_->Walk({{"Enter", "Specyfikacja:"}, {"Escape", "F2 Dokumenty"}}));
   const Lines cancelled = Journal();
   ASSERT_NO_FATAL_FAILURE(tmux_->Walk({
       {"F2 2", "Dokumenty towarowe - magazyn nr 1"},  // "Wprowadzanie nowych i zmiany istniejących"
-      {"", " 1/" + Query("SELECT extract(year FROM current_date)::int")},
+      {"", " 1/" + Scalar("SELECT extract(year FROM current_date)::int")},
   }));
   Keys("F4");
   ASSERT_TRUE(WaitUntil([&] { return Journal().size() > cancelled.size() && ReceiptEnded(); }, 30000)) << Pane();
@@ -317,7 +275,7 @@ TEST_F(KloteSaleE2eTest, ASaleSavedWithoutThePrinterIsFiscalisedFromTheDocuments
   printed.erase(printed.begin(), printed.begin() + static_cast<long>(cancelled.size()));
   EXPECT_EQ(WithoutHeads(printed), Expected(Road::kDirect, 1)) << Pane();
   // The mark is written after the printer's last answer.
-  EXPECT_TRUE(WaitUntil([] { return Query("SELECT czy_gotowkowy FROM DANE_1_NAGLOWKI") == "F"; }, 10000));
+  EXPECT_TRUE(WaitUntil([] { return Scalar("SELECT czy_gotowkowy FROM DANE_1_NAGLOWKI") == "F"; }, 10000));
 
   ASSERT_NO_FATAL_FAILURE(tmux_->Walk({{"F4", "Dokument jest już zapisany w drukarce fiskalnej."}}));  // the same row
   Keys("Enter");
