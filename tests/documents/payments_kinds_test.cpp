@@ -40,7 +40,6 @@ TEST_F(PaymentsTest, SourcesByTypedNumber) {
   }
 }
 
-
 // Texts go to the database in its LATIN2 and come back as they were, by the
 // record buffer (a new payment) and by a statement (a changed one).
 TEST_F(PaymentsTest, PolishLettersSurviveWritingChangingAndReading) {
@@ -61,9 +60,6 @@ TEST_F(PaymentsTest, PolishLettersSurviveWritingChangingAndReading) {
   EXPECT_EQ(Scalar("SELECT komentarz FROM DANE_1_KASA____"), "dopłata źródłowa");
 }
 
-}  // namespace
-
-namespace {
 
 // Every letter of contractor with both signs: money from a customer lowers
 // what he owes, money to him raises it; money to a supplier lowers what the
@@ -105,9 +101,6 @@ TEST_F(PaymentsTest, EveryKindOfPaymentMovesItsDocumentsBalanceItsOwnWay) {
   }
 }
 
-}  // namespace
-
-namespace {
 
 std::string gShown;
 
