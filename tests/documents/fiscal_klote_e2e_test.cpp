@@ -180,11 +180,6 @@ class KloteSaleE2eTest : public CatalogueTest {
     ASSERT_NO_FATAL_FAILURE(tmux_->Walk({{"Enter", "Specyfikacja:"}, {"Escape", "F2 Dokumenty"}}));
     tmux_->Quit();
   }
-  static int CountOf(const std::string& text, const std::string& needle) {
-    int n = 0;
-    for (std::size_t at = text.find(needle); at != std::string::npos; at = text.find(needle, at + 1)) ++n;
-    return n;
-  }
 
   // --- what the printer must hold ---
   Lines Journal() const { return family_ == Family::kPosnet ? posnet_->Journal() : elzab_->Journal(); }

@@ -9,14 +9,13 @@
 
 #include <algorithm>
 #include <cctype>
-#include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <span>
 #include <string>
-#include <thread>
 #include <vector>
 
+#include "../server/harness.h"
 #include "base/codepage.h"
 #include "base/shorttext.h"
 
@@ -155,30 +154,12 @@ inline Lines WithoutHeads(Lines journal) {
   return journal;
 }
 
-// Up to ms milliseconds for the check to hold.
-template <typename Check>
-bool WaitUntil(Check check, int ms) {
-  for (int waited = 0; waited < ms; waited += 20, std::this_thread::sleep_for(std::chrono::milliseconds(20)))
-    if (check()) return true;
-  return check();
-}
-
-inline std::string ReadText(const std::string& path) {
-  std::string text;
-  if (std::FILE* f = std::fopen(path.c_str(), "r")) {
-    char buf[4096];
-    for (std::size_t n; (n = std::fread(buf, 1, sizeof buf, f)) > 0;) text.append(buf, n);
-    std::fclose(f);
-  }
-  return text;
-}
-
 // The real fisksrv polling the one row of fisk.cfg in the current directory
 // every 50 ms, logging to fisk.log there; stopped when it goes.
 class PollingFisksrv {
  public:
   explicit PollingFisksrv(const std::string& row) {
-    if (std::FILE* f = std::fopen("fisk.cfg", "w")) std::fprintf(f, "%s\n", row.c_str()), std::fclose(f);
+    WriteFileText("fisk.cfg", row + "\n");
     std::remove("fisk.log");
     pid_ = ::fork();
     if (pid_ == 0) {
@@ -194,7 +175,7 @@ class PollingFisksrv {
   PollingFisksrv& operator=(const PollingFisksrv&) = delete;
   // Its log says it has read its configuration.
   static bool Configured() {
-    return WaitUntil([] { return ReadText("fisk.log").find("SKONFIGUROWANO") != std::string::npos; }, 10000);
+    return WaitUntil([] { return ReadFileText("fisk.log").find("SKONFIGUROWANO") != std::string::npos; }, 10000);
   }
 
  private:

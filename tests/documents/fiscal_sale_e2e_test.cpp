@@ -46,16 +46,13 @@ const Item kItems[] = {
 };
 constexpr int kSoldLines = 4;
 
-bool PathExists(const std::string& path) { return ::access(path.c_str(), F_OK) == 0; }
-
 class FiscalSaleTest : public CatalogueTest {
  protected:
   void SetUp() override {
     CatalogueTest::SetUp();
-    dir_ = "/tmp/fiscalsale-" + std::to_string(::getpid());
-    ASSERT_EQ(std::system(("rm -rf " + dir_ + " && mkdir -p " + dir_ + "/srvfisk").c_str()), 0);
-    ASSERT_EQ(::getcwd(home_, sizeof home_) != nullptr, true);
-    ASSERT_EQ(::chdir(dir_.c_str()), 0);
+    ASSERT_EQ(::mkdir((dir_ / "srvfisk").c_str(), 0777), 0);
+    ASSERT_NE(::getcwd(home_, sizeof home_), nullptr);
+    ASSERT_EQ(::chdir(dir_.path().c_str()), 0);
     CreateFirmTables();
     CreateWarehouseTables(false, 1);
     UserRecord user;
@@ -76,7 +73,6 @@ class FiscalSaleTest : public CatalogueTest {
     ::unsetenv("KLOTE_ELZAB_LINE");
     (void)::chdir(home_);
     CatalogueTest::TearDown();
-    (void)std::system(("rm -rf " + dir_).c_str());
   }
 
   static FiscalConfig Config(int type) {
@@ -121,8 +117,8 @@ class FiscalSaleTest : public CatalogueTest {
     PosnetCloseAtExit();  // the driver keeps a healthy port open from sale to sale
     posnet_ = std::make_unique<SimProcess>(std::move(args));
     ASSERT_FALSE(posnet_->Slave().empty());
-    ASSERT_EQ(::symlink(posnet_->Slave().c_str(), (dir_ + "/tty0").c_str()), 0);
-    ::setenv("KLOTE_SERIAL_PREFIX", (dir_ + "/tty").c_str(), 1);
+    ASSERT_EQ(::symlink(posnet_->Slave().c_str(), (dir_ / "tty0").c_str()), 0);
+    ::setenv("KLOTE_SERIAL_PREFIX", (dir_ / "tty").c_str(), 1);
   }
   void StartElzab(std::vector<std::string> args = {}) {
     elzab_ = std::make_unique<ElzabSimProcess>(std::move(args));
@@ -142,7 +138,7 @@ class FiscalSaleTest : public CatalogueTest {
   }
 
   const DocumentKey kKey{1, 1, 17, ""};
-  std::string dir_;
+  TempDir dir_;
   char home_[4096] = {};
   FiscalConfig config_;
   std::unique_ptr<SimProcess> posnet_;
@@ -184,8 +180,8 @@ TEST_F(FiscalSaleTest, ServerPollingPrintsTheJob) {
   ASSERT_TRUE(PollingFisksrv::Configured());
   EXPECT_TRUE(FiscaliseDocument(config_, kKey));
   ASSERT_TRUE(WaitUntil([&] { return !posnet_->Journal().empty() && posnet_->Journal().back().rfind("TOTAL", 0) == 0; },
-                        30000)) << ReadText("fisk.log");
-  EXPECT_EQ(WithoutHeads(posnet_->Journal()), WithoutHeads(PosnetReceipt(40, 24))) << ReadText("fisk.log");
+                        30000)) << ReadFileText("fisk.log");
+  EXPECT_EQ(WithoutHeads(posnet_->Journal()), WithoutHeads(PosnetReceipt(40, 24))) << ReadFileText("fisk.log");
 }
 
 
@@ -195,7 +191,7 @@ TEST_F(FiscalSaleTest, RefusalsAndSilenceLeaveNoOpenReceiptAndAskTheSaveQuestion
   const Case cases[] = {{{"--fail", "5:error=21"}, "drukarki fiskalnej nr 21"}, {{"--fail", "5:silent"}, "drukarki fiskalnej"}};
   for (const Case& c : cases) {
     SCOPED_TRACE(c.fail[1]);
-    ::unlink((dir_ + "/tty0").c_str());
+    ::unlink((dir_ / "tty0").c_str());
     StartPosnet(c.fail);
     FiscalSale sale;
     ShortText payment;
@@ -291,7 +287,7 @@ TEST_F(FiscalSaleTest, PosnetSplitsASaleOverTheLimitIntoNumberedParts) {
   struct Case { int firmware, lines, limit; };
   for (const Case& c : {Case{kFirmwareNew, 81, 80}, Case{kFirmwareOld, 21, 20}, Case{kFirmwareNew, 80, 80}}) {
     SCOPED_TRACE(c.lines);
-    ::unlink((dir_ + "/tty0").c_str());
+    ::unlink((dir_ / "tty0").c_str());
     StartPosnet();
     config_.firmware = c.firmware;
     const std::size_t seen = ScreenBytes().size();  // the terminal's bytes only grow
@@ -315,8 +311,8 @@ TEST_F(FiscalSaleTest, ServerJobsGoWhereTheCfgSaysAndStopAtFiftyLines) {
   StartPosnet();
   ASSERT_EQ(::symlink(KLOTE_BINARY_DIR "/server/fisksrv", "fisksrv"), 0);
   ASSERT_EQ(::mkdir("spool", 0777), 0);
-  const std::string job = dir_ + "/spool/x";
-  { std::ofstream(dir_ + "/srvfisk/3.cfg") << job << "\n"; }
+  const std::string job = dir_ / "spool/x";
+  { std::ofstream(dir_ / "srvfisk/3.cfg") << job << "\n"; }
   config_ = Config(kFiscalServer);
   config_.port = 3;
   config_.serverRow = ShortText(("2,1," + job + ",,0").c_str());
@@ -389,7 +385,7 @@ TEST_F(FiscalSaveTest, ARefusingPrinterLeavesTheAnswerToTheOperator) {
   // "no" gives the save up with the lines kept; Enter ("yes") saves without the fiscal mark.
   for (const Case& c : {Case{kNo, "", "5"}, Case{kEnter, "T", "0"}}) {
     SCOPED_TRACE(c.headers);
-    ::unlink((dir_ + "/tty0").c_str());
+    ::unlink((dir_ / "tty0").c_str());
     StartPosnet({"--fail", "5:error=21"});
     const std::size_t seen = ScreenBytes().size();
     Answer({kEnter, c.answer});  // the printer's message, then the save question

@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "../server/harness.h"
 #include "base/mazovia.h"
 #include "documents/fiscalsetup.h"
 #include "master/dictionaries.h"
@@ -38,10 +39,9 @@ class FiscalSetupTest : public CatalogueTest {
  protected:
   void SetUp() override {
     CatalogueTest::SetUp();
-    dir_ = "/tmp/fiscalsetup-" + std::to_string(::getpid());
-    ASSERT_EQ(std::system(("rm -rf " + dir_ + " && mkdir -p " + dir_ + "/dane/uzytkown/7").c_str()), 0);
+    ASSERT_EQ(std::system(("mkdir -p " + dir_ / "dane/uzytkown/7").c_str()), 0);
     ASSERT_NE(::getcwd(home_, sizeof home_), nullptr);
-    ASSERT_EQ(::chdir(dir_.c_str()), 0);
+    ASSERT_EQ(::chdir(dir_.path().c_str()), 0);
     UserRecord user;
     user.number = 7;
     user.surname = "Nowak";
@@ -56,7 +56,6 @@ class FiscalSetupTest : public CatalogueTest {
     ClearCurrentUser();
     (void)::chdir(home_);
     CatalogueTest::TearDown();
-    (void)std::system(("rm -rf " + dir_).c_str());
   }
   // Each wait for a key keeps the screen and takes the script's next key; past it, Esc.
   static void Play(std::initializer_list<Typing> script) {
@@ -79,7 +78,7 @@ class FiscalSetupTest : public CatalogueTest {
   }
   static FiscalConfig Written() { return ReadFiscalConfig("dane/uzytkown/7/", ""); }
 
-  std::string dir_;
+  TempDir dir_;
   char home_[4096] = {};
 };
 
