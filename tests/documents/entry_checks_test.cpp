@@ -14,6 +14,7 @@
 #include "documents/entry_detail.h"
 #include "master/contractors.h"
 #include "master/tables.h"
+#include "print/keyscript.h"
 #include "sqltable/sqltest.h"
 #include "users/users.h"
 
@@ -117,19 +118,6 @@ TEST(EntryRules, SuppliersOfTheLinesAndTheOrderedReserve) {
 constexpr int32_t kWarehouse = 1;
 constexpr int32_t kUser = 5;
 
-// Every wait for a key takes the next scripted answer (Esc when none is
-// left) and keeps the screen it was asked on.
-std::deque<KeyPair> gAnswers;
-std::vector<std::string> gScreens;
-void AnswerFromScript() {
-  std::string screen;
-  for (int row = 1; row <= kScreenRows; ++row) screen += RowText(row).Str() + "\n";
-  gScreens.push_back(screen);
-  const KeyPair k = gAnswers.empty() ? keys::kEsc : gAnswers.front();
-  if (!gAnswers.empty()) gAnswers.pop_front();
-  PushKey(k.ch, k.scan);
-}
-
 class EntryChecksDbTest : public CatalogueTest {
  protected:
   void SetUp() override {
@@ -143,9 +131,7 @@ class EntryChecksDbTest : public CatalogueTest {
     ASSERT_EQ(WorkTableEnsure(kUser), 0);
     work_ = WorkTablePath(kUser);
     SetUser(false);
-    gAnswers.clear();
-    gScreens.clear();
-    SetKeyIdleHook(AnswerFromScript);
+    keyscript::Begin();  // every wait for a key takes the next scripted answer, Esc when none is left
   }
   void TearDown() override {
     ClearCurrentUser();
@@ -180,9 +166,7 @@ class EntryChecksDbTest : public CatalogueTest {
     EXPECT_EQ(WorkLineAppend(work_, l), 0);
   }
   static bool Asked(const char* text) {
-    for (const std::string& s : gScreens)
-      if (s.find(Utf8ToMaz(ShortText(text)).Str()) != std::string::npos) return true;
-    return false;
+    return tui_test::AnyScreenShows(keyscript::gScreens, Utf8ToMaz(ShortText(text)));
   }
   ShortText work_;
 };
@@ -192,12 +176,12 @@ TEST_F(EntryChecksDbTest, TheStockCheckSumsTheWorkTableAndReducesOrFallsBack) {
   OnList(1, 1);  // the same item twice: both count, 10 - 3 = 7 available
   struct Case { Real asked; bool passes; Real result; int boxes; };
   for (const Case& c : {Case{5, true, 5, 0}, Case{7, true, 7, 0}, Case{9, true, 7, 1}}) {
-    gScreens.clear();
+    keyscript::gScreens.clear();
     Real q = c.asked;
     LineMemory memory;
     EXPECT_EQ(CheckLineQuantity(kWarehouse, 2, work_, Line(1, 1, 0), q, memory), c.passes);
     EXPECT_EQ(q, c.result) << static_cast<double>(c.asked);
-    EXPECT_EQ(static_cast<int>(gScreens.size()), c.boxes) << static_cast<double>(c.asked);
+    EXPECT_EQ(static_cast<int>(keyscript::gScreens.size()), c.boxes) << static_cast<double>(c.asked);
   }
   EXPECT_TRUE(Asked("do ilości = 7"));
   EXPECT_TRUE(Asked("Nie masz praw do zapisu operacji"));
@@ -223,21 +207,21 @@ TEST_F(EntryChecksDbTest, BelowZeroQuestionAndItsRememberedChoices) {
   struct Case { KeyPair answer; bool passes; Real result; };
   // 10 in stock: 1 keeps 12, 2 reduces to 10, Esc keeps the line as it was.
   for (const Case& c : {Case{{'1', 2}, true, 12}, Case{{'2', 3}, true, 10}, Case{keys::kEsc, false, 12}}) {
-    gAnswers = {c.answer};
+    keyscript::gScript = {c.answer};
     Real q = 12;
     EXPECT_EQ(CheckLineQuantity(kWarehouse, 14, work_, Line(1, 1, 0), q, memory), c.passes);
     if (c.passes) { EXPECT_EQ(q, c.result); }
   }
   EXPECT_TRUE(Asked("stan pozycji Towar 1 będzie ujemny."));
-  gAnswers = {{'4', 5}};  // always reduce: asked once, then never
+  keyscript::gScript = {{'4', 5}};  // always reduce: asked once, then never
   Real q = 12;
   EXPECT_TRUE(CheckLineQuantity(kWarehouse, 14, work_, Line(1, 1, 0), q, memory));
   EXPECT_EQ(q, 10);
-  gScreens.clear();
+  keyscript::gScreens.clear();
   q = 15;
   EXPECT_TRUE(CheckLineQuantity(kWarehouse, 14, work_, Line(1, 1, 0), q, memory));
   EXPECT_EQ(q, 10);
-  EXPECT_TRUE(gScreens.empty());
+  EXPECT_TRUE(keyscript::gScreens.empty());
   EXPECT_TRUE(memory.alwaysReduce);
 }
 
@@ -263,7 +247,7 @@ TEST_F(EntryChecksDbTest, HeaderFormByKeys) {
   const int32_t today = EncodeDaySerial(2026, 11, 23);
   // An invoice: Down to the contractor, its number, F2.
   DocumentHeader h = NewHeader(kWarehouse, 2, today);
-  gAnswers = {keys::kDown, {'1', 2}, keys::F(2)};
+  keyscript::gScript = {keys::kDown, {'1', 2}, keys::F(2)};
   EXPECT_TRUE(PrepareHeader(kWarehouse, h, today));
   EXPECT_EQ(h.contractor, c.number);
   EXPECT_EQ(h.contractorName, "Hurtownia Żak"_mz);
@@ -272,7 +256,7 @@ TEST_F(EntryChecksDbTest, HeaderFormByKeys) {
   EXPECT_EQ(h.cash, 'N');
   // F2 at once: the required contractor comes from the list (Enter on its only row).
   h = NewHeader(kWarehouse, 2, today);
-  gAnswers = {keys::F(2), keys::kEnter};
+  keyscript::gScript = {keys::F(2), keys::kEnter};
   EXPECT_TRUE(PrepareHeader(kWarehouse, h, today));
   EXPECT_EQ(h.contractor, c.number);
   // The customer linked to the warehouse is proposed when so configured.
@@ -283,18 +267,18 @@ TEST_F(EntryChecksDbTest, HeaderFormByKeys) {
   EXPECT_EQ(NewHeader(kWarehouse, 6, today).contractor, 0);  // no supplier is linked
   // A retail sale: no form by default; one F2 when its header is asked.
   h = NewHeader(kWarehouse, 1, today);
-  gScreens.clear();
+  keyscript::gScreens.clear();
   EXPECT_TRUE(PrepareHeader(kWarehouse, h, today));
-  EXPECT_TRUE(gScreens.empty());
+  EXPECT_TRUE(keyscript::gScreens.empty());
   EXPECT_EQ(h.payment, " gotówką"_mz);
   EXPECT_EQ(h.cash, 'T');
   ConfigSettings().SetNumber(kConfigReceiptHeader, 2);
-  gAnswers = {keys::F(2)};
+  keyscript::gScript = {keys::F(2)};
   EXPECT_TRUE(PrepareHeader(kWarehouse, h, today));
-  EXPECT_EQ(gScreens.size(), 1u);
+  EXPECT_EQ(keyscript::gScreens.size(), 1u);
   // Another date on a retail sale is questioned; Esc at the question then at the form gives up.
   h.date = today - 1;
-  gAnswers = {keys::F(2), keys::kEsc, keys::kEsc};
+  keyscript::gScript = {keys::F(2), keys::kEsc, keys::kEsc};
   EXPECT_FALSE(PrepareHeader(kWarehouse, h, today));
   EXPECT_TRUE(Asked("Próbujesz zapisać sprzedaż detaliczną z datą inną"));
 }
@@ -307,12 +291,12 @@ TEST_F(EntryChecksDbTest, SaveChecksOfTheWholeLineList) {
                         Case{6, {keys::kEsc, keys::kEnter}, false}, Case{6, {keys::kEsc, keys::kEsc}, true},
                         Case{14, {}, true}}) {
     h.kind = static_cast<int16_t>(c.kind);
-    gAnswers = c.answers;
+    keyscript::gScript = c.answers;
     EXPECT_EQ(PassesSaveChecks(h, mixed, 0), c.passes) << c.kind << " " << c.answers.size();
   }
   ConfigSettings().SetText(kConfigInvoiceMinimum, "100");
   h.kind = 2;
-  gAnswers = {keys::kEnter};
+  keyscript::gScript = {keys::kEnter};
   EXPECT_FALSE(PassesSaveChecks(h, std::vector<DocLine>{Line(1, 1, 1)}, 0));  // 10 net + 23%: below 100
   EXPECT_TRUE(Asked("Wartość dokumentu"));
 }

@@ -63,19 +63,7 @@ class FiscalSetupTest : public CatalogueTest {
     for (const Typing& t : script) keyscript::gScript.insert(keyscript::gScript.end(), t.keys.begin(), t.keys.end());
   }
   // True when one screen showed every line of the text ("@" between lines).
-  static bool Shown(const ShortText& text) {
-    std::vector<std::string> lines(1);
-    for (char c : text.View()) {
-      if (c == '@') lines.emplace_back();
-      else lines.back().push_back(c);
-    }
-    for (const std::string& screen : keyscript::gScreens) {
-      bool all = true;
-      for (const std::string& line : lines) all = all && screen.find(line) != std::string::npos;
-      if (all) return true;
-    }
-    return false;
-  }
+  static bool Shown(const ShortText& text) { return tui_test::AnyScreenShows(keyscript::gScreens, text); }
   static FiscalConfig Written() { return ReadFiscalConfig("dane/uzytkown/7/", ""); }
 
   TempDir dir_;
