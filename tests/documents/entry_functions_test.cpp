@@ -218,10 +218,6 @@ TEST_F(EntryFunctions, DocumentDiscountByStepWithTheLockedItemCounted) {
   }
 }
 
-}  // namespace
-
-namespace {
-
 #define SQL(statement)                           \
   do {                                           \
     std::string out_;                            \

@@ -132,9 +132,6 @@ TEST_F(NumberingTest, CorruptedNumbersInRows) {
   EXPECT_TRUE(Next(Day(2024, 4, 4), 2, table, kPlain).failed);
   Header(1, 2, Code(2024, 6), "A", "2024-03-04");
   EXPECT_EQ(Next(Day(2024, 4, 4), 2, table, kPlain).coded, Code(2024, 7));
-  // A list still shows the row, with number 0.
-  const int32_t stored = std::stoi(Scalar("SELECT min(nr_dok) FROM DANE_1_NAGLOWKI"));
-  EXPECT_EQ(DecodeDocNumberSoft(stored), 0);
 }
 
 TEST_F(NumberingTest, FreeMarkInTheTable) {

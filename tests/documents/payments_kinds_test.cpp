@@ -5,8 +5,7 @@
 #include <vector>
 
 #include "payments_fixture.h"
-#include "tui/keyboard.h"
-#include "tui/screen.h"
+#include "print/keyscript.h"
 
 namespace {
 
@@ -102,8 +101,6 @@ TEST_F(PaymentsTest, EveryKindOfPaymentMovesItsDocumentsBalanceItsOwnWay) {
 }
 
 
-std::string gShown;
-
 // The list of related documents holds the correction and the payments to
 // the root and to the correction, and ends with the chain's balance.
 TEST_F(PaymentsTest, RelatedDocumentsOfAChainAndItsBalance) {
@@ -112,17 +109,15 @@ TEST_F(PaymentsTest, RelatedDocumentsOfAChainAndItsBalance) {
   const DocRef cor = Header(3, 2, correction, 7, 0, inv);
   ASSERT_EQ(Pay(kKP, inv, toRoot), PaymentResult::kDone);
   ASSERT_EQ(Pay(kKP, cor, toCorrection), PaymentResult::kDone);
-  SetKeyIdleHook([] {
-    for (int row = 1; row <= kScreenRows; ++row) gShown += RowText(row).Str() + "\n";
-    PushKey(27, 1);
-  });
+  keyscript::Begin();  // the list's screen kept, then Esc
   ListRelatedDocuments(kWarehouse, cor, Settings());
-  SetKeyIdleHook(nullptr);
+  keyscript::End();
+  const std::string shown = keyscript::gScreens.at(0);
   char balance[40];
   std::snprintf(balance, sizeof balance, "Bilans dokumentu: %.2Lf", total - correction - toRoot - toCorrection);
-  EXPECT_NE(gShown.find(balance), std::string::npos) << gShown;
+  EXPECT_NE(shown.find(balance), std::string::npos) << shown;
   for (const char* line : {"       3|            2|", "     101|            1|", "     101|            2|"})
-    EXPECT_NE(gShown.find(line), std::string::npos) << line << "\n" << gShown;
+    EXPECT_NE(shown.find(line), std::string::npos) << line << "\n" << shown;
 }
 
 }  // namespace

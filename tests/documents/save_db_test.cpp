@@ -9,7 +9,6 @@
 #include <cstdio>
 #include <fstream>
 #include <random>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -88,11 +87,6 @@ class SaveDbTest : public CatalogueTest {
       ASSERT_TRUE(refusal.Empty()) << refusal.Str();
       ASSERT_EQ(item.number, n);
     }
-  }
-  static std::string Num(Real v) {
-    char buf[40];
-    std::snprintf(buf, sizeof buf, "%.2Lf", v);
-    return buf;
   }
   static Real Stock(int n) {
     return std::strtold(Scalar("SELECT COALESCE((SELECT ilosc FROM DANE_1_STANY_MG WHERE nr_wewn=" + std::to_string(n) +
