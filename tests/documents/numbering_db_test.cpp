@@ -7,7 +7,6 @@
 #include "documents/numbering.h"
 #include "master/tables.h"
 #include "sqltable/sqltest.h"
-#include "tui/screen.h"
 
 namespace {
 

@@ -1,6 +1,5 @@
 // Payments entered and deleted by several real processes, each with its own
 // connection as operators have.
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -8,7 +7,6 @@
 #include <vector>
 
 #include "payments_fixture.h"
-#include "sqltable/pgconn.h"
 #include "tui/keyboard.h"
 #include "tui/screen.h"
 

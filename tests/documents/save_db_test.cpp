@@ -3,7 +3,6 @@
 // real processes saving into one warehouse at once; and a saver killed in
 // the middle of its save.
 #include <signal.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cstdio>
