@@ -94,6 +94,12 @@ class EntryFunctions : public ContractorsTest {
     DocumentEntry(kWarehouse);
   }
   static KeyStep Digits(const char* digits) { return {Typed(ShortText(digits), {kEnter})}; }
+  // A field of so many places cleared, the text typed and Enter.
+  static KeyStep Retyped(std::size_t places, const char* text) {
+    std::vector<KeyPair> k(places, keys::kBackspace);
+    for (const KeyPair t : Typed(ShortText(text), {kEnter})) k.push_back(t);
+    return {k};
+  }
 };
 
 // The lines as "name:quantity" in order.
@@ -144,6 +150,10 @@ TEST_F(EntryFunctions, DigitSearchesAndFunctionsOverTheLineList) {
        hammer + ":-3;" + screw + ":-3;",
        {}},
       {"zeroing", {Digits("5901"), {{kShiftF6}}}, hammer + ":0;", {}},
+      {"another date of entry warns",
+       {{{keys::F(9)}}, Retyped(10, "01-02-2024"), {{kEnter}}},
+       "",
+       {entrydetail::kDateChangeTitle, "Pracujesz z datą inną, niż dziesiejsza."_mz}},
       {"two lines of one item joined on the current one",
        {Digits("5901"), Digits("5903"), Digits("5901"), {{keys::kTab, keys::kUp, keys::kUp, keys::F(8)}},
         {{keys::kDown, keys::kDown, kShiftF8}}},
@@ -184,14 +194,10 @@ TEST_F(EntryFunctions, PatternSearchPutsTheBarOnTheFoundItem) {
 // prices come from the catalogue's net price, the locked item keeps its own.
 TEST_F(EntryFunctions, DocumentDiscountByStepWithTheLockedItemCounted) {
   ConfigSettings().SetNumber(entrydetail::kConfigLineDiscountLock, 1);
-  const std::vector<KeyPair> clear(8, keys::kBackspace);
   for (const double step : {0.01, 1.0}) {
-    const std::string stepText = step == 1.0 ? "1" : "0.01";
     std::vector<DocLine> got;
-    std::vector<KeyPair> stepKeys = clear, percentKeys = clear;
-    for (const KeyPair k : Typed(ShortText(stepText), {kEnter})) stepKeys.push_back(k);
-    for (const KeyPair k : Typed(ShortText("10"), {kEnter})) percentKeys.push_back(k);
-    RunEntry({Digits("5901"), Digits("5904"), Digits("5903"), {{keys::F(5)}}, {stepKeys}, {percentKeys}, {{kEnter}}},
+    RunEntry({Digits("5901"), Digits("5904"), Digits("5903"), {{keys::F(5)}}, Retyped(8, step == 1.0 ? "1" : "0.01"),
+              Retyped(8, "10"), {{kEnter}}},
              [&](const std::vector<DocLine>& lines) { got = lines; });
     ASSERT_EQ(got.size(), 3u) << step;
     for (const DocLine& l : got) {
@@ -310,15 +316,6 @@ TEST_F(EntryFunctions, DiscountOfACustomerNamedByRegistration) {
         << c.registration;
     EXPECT_TRUE(Shown(c.shown)) << c.registration;
   }
-}
-
-TEST_F(EntryFunctions, DateOfEntryChangedWarns) {
-  const std::vector<KeyPair> clear(10, keys::kBackspace);
-  std::vector<KeyPair> date = clear;
-  for (const KeyPair k : Typed(ShortText("01-02-2024"), {kEnter})) date.push_back(k);
-  RunEntry({{{keys::F(9)}}, {date}, {{kEnter}}}, [](const std::vector<DocLine>&) {});
-  EXPECT_TRUE(Shown(entrydetail::kDateChangeTitle));
-  EXPECT_TRUE(Shown("Pracujesz z datą inną, niż dziesiejsza."_mz));
 }
 
 // An item renamed by another user meanwhile keeps its line's prices.
