@@ -9,22 +9,15 @@
 
 #include <cstdlib>
 #include <memory>
-#include <optional>
 #include <span>
 #include <string>
 
 #include "base/mazovia.h"
 #include "documents/fiscalise.h"
-#include "elzab_sim_process.h"
-#include "fiscal/elzab_line.h"
-#include "fiscal/portio.h"
-#include "fiscal/serial.h"
 #include "fiscal_receipts.h"
 #include "master/contractors.h"
 #include "master/items.h"
 #include "master/tables.h"
-#include "sim_process.h"
-#include "sqltable/sqltest.h"
 #include "tmuxwalk.h"
 #include "users/users.h"
 
@@ -58,7 +51,7 @@ const RoadCase kRoads[] = {
     {"POSNET one-shot", Family::kPosnet, Road::kOneShot}, {"ELZAB one-shot", Family::kElzab, Road::kOneShot},
 };
 
-class KloteSaleE2eTest : public CatalogueTest {
+class KloteSaleE2eTest : public FiscalPrintersTest {
  protected:
   void SetUp() override {
     CatalogueTest::SetUp();
@@ -77,10 +70,8 @@ class KloteSaleE2eTest : public CatalogueTest {
   }
   void TearDown() override {
     EndCase();
-    ::unsetenv("KLOTE_SERIAL_PREFIX");
-    ::unsetenv("KLOTE_ELZAB_LINE");
     ClearCurrentUser();
-    CatalogueTest::TearDown();
+    FiscalPrintersTest::TearDown();
   }
 
   static void AddItem(const Item& i) {
@@ -120,12 +111,9 @@ class KloteSaleE2eTest : public CatalogueTest {
     EndCase();
     family_ = family;
     if (family == Family::kPosnet) {
-      posnet_ = std::make_unique<SimProcess>(std::move(faults));
-      ASSERT_EQ(::symlink(posnet_->Slave().c_str(), (home_ + "/tty0").c_str()), 0);
-      ::setenv("KLOTE_SERIAL_PREFIX", (home_ + "/tty").c_str(), 1);
+      ASSERT_NO_FATAL_FAILURE(StartPosnet(home_, faults));
     } else {
-      elzab_ = std::make_unique<ElzabSimProcess>(std::move(faults));
-      ::setenv("KLOTE_ELZAB_LINE", elzab_->Line().c_str(), 1);
+      ASSERT_NO_FATAL_FAILURE(StartElzab(faults));
     }
     config_ = Config(family, road);
     ASSERT_EQ(WriteFiscalConfig("dane/uzytkown/0/", "", config_), 0);
@@ -137,12 +125,7 @@ class KloteSaleE2eTest : public CatalogueTest {
   void EndCase() {
     if (home_.empty()) return;
     tmux_.reset();
-    server_.reset();
-    PosnetCloseAtExit();
-    SetElzabPortIo(nullptr);
-    ElzabLine().ready = false;
-    posnet_.reset();
-    elzab_.reset();
+    StopPrinters();
     (void)std::system(("cd " + home_ + " && rm -f tty0 fisksrv").c_str());
   }
   void StartPollingServer() {
@@ -199,9 +182,6 @@ class KloteSaleE2eTest : public CatalogueTest {
   std::unique_ptr<TmuxWalk> tmux_;
   Family family_ = Family::kPosnet;
   FiscalConfig config_;
-  std::unique_ptr<SimProcess> posnet_;
-  std::unique_ptr<ElzabSimProcess> elzab_;
-  std::optional<PollingFisksrv> server_;
 };
 
 TEST_F(KloteSaleE2eTest, ASaleReachesTheJournalByEveryRoadOfBothFamilies) {

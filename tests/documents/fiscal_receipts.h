@@ -11,6 +11,8 @@
 #include <cctype>
 #include <cmath>
 #include <cstdio>
+#include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -18,6 +20,12 @@
 #include "../server/harness.h"
 #include "base/codepage.h"
 #include "base/shorttext.h"
+#include "elzab_sim_process.h"
+#include "fiscal/elzab_line.h"
+#include "fiscal/portio.h"
+#include "fiscal/serial.h"
+#include "sim_process.h"
+#include "sqltable/sqltest.h"
 
 namespace fiscal_receipts {
 
@@ -180,6 +188,47 @@ class PollingFisksrv {
 
  private:
   pid_t pid_ = -1;
+};
+
+// The simulated printers and the polling server of a test, reached the way the
+// drivers find them: POSNET through <dir>/tty0 and the serial prefix, ELZAB
+// through its line in the environment.
+class FiscalPrintersTest : public CatalogueTest {
+ protected:
+  void TearDown() override {
+    StopPrinters();
+    ::unsetenv("KLOTE_SERIAL_PREFIX");
+    ::unsetenv("KLOTE_ELZAB_LINE");
+    CatalogueTest::TearDown();
+  }
+  void StartPosnet(const std::string& dir, std::vector<std::string> faults = {}) {
+    PosnetCloseAtExit();  // the driver keeps a healthy port open from sale to sale
+    posnet_ = std::make_unique<SimProcess>(std::move(faults));
+    ASSERT_FALSE(posnet_->Slave().empty());
+    ::unlink((dir + "/tty0").c_str());
+    ASSERT_EQ(::symlink(posnet_->Slave().c_str(), (dir + "/tty0").c_str()), 0);
+    ::setenv("KLOTE_SERIAL_PREFIX", (dir + "/tty").c_str(), 1);
+  }
+  void StartElzab(std::vector<std::string> faults = {}) {
+    elzab_ = std::make_unique<ElzabSimProcess>(std::move(faults));
+    ASSERT_FALSE(elzab_->Line().empty());
+    ::setenv("KLOTE_ELZAB_LINE", elzab_->Line().c_str(), 1);
+    SetElzabPortIo(nullptr);  // the next use connects to this simulator
+    ElzabLine().ready = false;
+  }
+  // The server and both printers stopped, the drivers' lines let go.
+  void StopPrinters() {
+    server_.reset();
+    PosnetCloseAtExit();
+    SetElzabPortIo(nullptr);
+    ElzabLine().ready = false;
+    posnet_.reset();
+    elzab_.reset();
+  }
+
+  std::unique_ptr<SimProcess> posnet_;
+  std::unique_ptr<ElzabSimProcess> elzab_;
+  std::optional<PollingFisksrv> server_;
 };
 
 }  // namespace fiscal_receipts

@@ -9,8 +9,6 @@
 #include <algorithm>
 #include <cstdlib>
 #include <fstream>
-#include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -20,15 +18,9 @@
 #include "base/dates.h"
 #include "documents/docsave.h"
 #include "documents/fiscalise.h"
-#include "elzab_sim_process.h"
 #include "fiscal_receipts.h"
-#include "fiscal/elzab_line.h"
 #include "fiscal/fiscaljob.h"
-#include "fiscal/portio.h"
-#include "fiscal/serial.h"
 #include "master/tables.h"
-#include "sim_process.h"
-#include "sqltable/sqltest.h"
 #include "users/users.h"
 
 namespace {
@@ -46,7 +38,7 @@ const Item kItems[] = {
 };
 constexpr int kSoldLines = 4;
 
-class FiscalSaleTest : public CatalogueTest {
+class FiscalSaleTest : public FiscalPrintersTest {
  protected:
   void SetUp() override {
     CatalogueTest::SetUp();
@@ -65,14 +57,11 @@ class FiscalSaleTest : public CatalogueTest {
     config_ = Config(kFiscalPosnet);
   }
   void TearDown() override {
-    server_.reset();
     ClearCurrentUser();
     SetKeyIdleHook(nullptr);
     DiscardPendingKeys();
-    ::unsetenv("KLOTE_SERIAL_PREFIX");
-    ::unsetenv("KLOTE_ELZAB_LINE");
     (void)::chdir(home_);
-    CatalogueTest::TearDown();
+    FiscalPrintersTest::TearDown();
   }
 
   static FiscalConfig Config(int type) {
@@ -113,20 +102,7 @@ class FiscalSaleTest : public CatalogueTest {
                      "VALUES " + values));
   }
 
-  void StartPosnet(std::vector<std::string> args = {}) {
-    PosnetCloseAtExit();  // the driver keeps a healthy port open from sale to sale
-    posnet_ = std::make_unique<SimProcess>(std::move(args));
-    ASSERT_FALSE(posnet_->Slave().empty());
-    ASSERT_EQ(::symlink(posnet_->Slave().c_str(), (dir_ / "tty0").c_str()), 0);
-    ::setenv("KLOTE_SERIAL_PREFIX", (dir_ / "tty").c_str(), 1);
-  }
-  void StartElzab(std::vector<std::string> args = {}) {
-    elzab_ = std::make_unique<ElzabSimProcess>(std::move(args));
-    ASSERT_FALSE(elzab_->Line().empty());
-    ::setenv("KLOTE_ELZAB_LINE", elzab_->Line().c_str(), 1);
-    SetElzabPortIo(nullptr);  // the next use connects to this simulator
-    ElzabLine().ready = false;
-  }
+  void StartPosnet(std::vector<std::string> faults = {}) { FiscalPrintersTest::StartPosnet(dir_.path(), faults); }
   // The whole POSNET receipt of the document at the width.
   // nameWidth is the job file's 24 on the server's road.
   static Lines PosnetReceipt(std::size_t width, std::size_t nameWidth = 0) {
@@ -141,9 +117,6 @@ class FiscalSaleTest : public CatalogueTest {
   TempDir dir_;
   char home_[4096] = {};
   FiscalConfig config_;
-  std::unique_ptr<SimProcess> posnet_;
-  std::unique_ptr<ElzabSimProcess> elzab_;
-  std::optional<PollingFisksrv> server_;
 };
 
 // Keys the operator gives, in order, to the boxes that wait.
@@ -204,7 +177,6 @@ TEST_F(FiscalSaleTest, RefusalsSilenceAndAnUnmappedRateLeaveNoOpenReceiptAndAskT
   ShortText payment;
   for (const Case& c : cases) {
     SCOPED_TRACE(c.shown);
-    ::unlink((dir_ / "tty0").c_str());
     StartPosnet(c.fail);
     config_.vatName[4] = c.unmapped ? ShortText() : ShortText("zwol.");
     ASSERT_EQ(ReadSavedSale(kKey, sale, payment), SavedSaleRead::kRead);
@@ -284,7 +256,6 @@ TEST_F(FiscalSaleTest, PosnetSplitsASaleOverTheLimitIntoNumberedParts) {
   struct Case { int firmware, lines, limit; };
   for (const Case& c : {Case{kFirmwareNew, 81, 80}, Case{kFirmwareOld, 21, 20}, Case{kFirmwareNew, 80, 80}}) {
     SCOPED_TRACE(c.lines);
-    ::unlink((dir_ / "tty0").c_str());
     StartPosnet();
     config_.firmware = c.firmware;
     const std::size_t seen = ScreenBytes().size();  // the terminal's bytes only grow
@@ -378,7 +349,6 @@ TEST_F(FiscalSaveTest, ARefusingPrinterLeavesTheAnswerToTheOperator) {
   // "no" gives the save up with the lines kept; Enter ("yes") saves without the fiscal mark.
   for (const Case& c : {Case{kNo, "", "5"}, Case{kEnter, "T", "0"}}) {
     SCOPED_TRACE(c.headers);
-    ::unlink((dir_ / "tty0").c_str());
     StartPosnet({"--fail", "5:error=21"});
     const std::size_t seen = ScreenBytes().size();
     Answer({kEnter, c.answer});  // the printer's message, then the save question
