@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "../master/items_fixture.h"
 #include "base/dates.h"
 #include "base/numbers.h"
 #include "config/konfigur.h"
@@ -78,13 +79,8 @@ class SaveDbTest : public CatalogueTest {
       item.number = 0;
       item.supplier = 1;
       item.unit = "szt";
-      StockRow stock;
-      stock.quantity = OpeningOf(n);
-      ShortText refusal;
       // The last item has no stock row.
-      ASSERT_EQ(ItemAdd(item, ItemRules{}, n == kItems ? 0 : kWarehouse, stock, refusal), 0) << PGLastOp.Str();
-      ASSERT_TRUE(refusal.Empty()) << refusal.Str();
-      ASSERT_EQ(item.number, n);
+      ASSERT_EQ(AddItemRow(item, OpeningOf(n), n == kItems ? 0 : kWarehouse), n);
     }
   }
   static Real Stock(int n) {

@@ -7,6 +7,7 @@
 #include <cmath>
 
 #include "../master/contractors_fixture.h"
+#include "../master/items_fixture.h"
 #include "base/dates.h"
 #include "base/numbers.h"
 #include "config/konfigur.h"
@@ -77,10 +78,7 @@ class SaveSteps : public ContractorsTest {
       item.buyNet = RoundHalfAway(kSaleNet[i] * 50) / 100;
       item.saleGross = GrossOfNet(kSaleNet[i], VatRateOf(item.vat));
       item.place = i == 2 ? ShortText("R1") : ShortText();
-      StockRow stock;
-      stock.quantity = 20;
-      ShortText refusal;
-      ASSERT_EQ(ItemAdd(item, ItemRules{}, kWarehouse, stock, refusal), 0) << refusal.Str();
+      item.number = AddItemRow(item, 20);
       items_.push_back(item);
     }
     ASSERT_TRUE(Psql("INSERT INTO DANE_DOK_PLAT (typ_dok,nazwa,typ_kontrahenta,konto,konto_przeciwstawne,czy_przychod,"
