@@ -8,6 +8,12 @@ namespace form_test {
 
 namespace {
 
+// Steps of keys and the screens seen before each.
+struct Script {
+  std::vector<std::vector<KeyPair>> steps;
+  std::vector<Snapshot> seen;
+};
+
 Script g_script;
 std::size_t g_next = 0;
 
@@ -21,6 +27,18 @@ void NextStep() {
 }
 
 }  // namespace
+
+int Snapshot::RowOf(std::string_view text) const {
+  for (int r = 1; r <= 25; ++r)
+    if (rows[r].Pos(text) > 0) return r;
+  return 0;
+}
+
+int Snapshot::RowsWith(std::string_view text) const {
+  int count = 0;
+  for (int r = 1; r <= 25; ++r) count += rows[r].Pos(text) > 0;
+  return count;
+}
 
 Snapshot Capture() {
   Snapshot s;

@@ -5,6 +5,7 @@
 
 #include <array>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "base/mazovia.h"
@@ -28,18 +29,17 @@ struct Snapshot {
     return std::string(rows[row].View().substr(first - 1, count));
   }
   unsigned char Attr(int col, int row) const { return attrs[row].At(col); }
+  // The first row (1..25) that holds text; 0 when none does.
+  int RowOf(std::string_view text) const;
+  // How many rows hold text.
+  int RowsWith(std::string_view text) const;
 };
 
 Snapshot Capture();
 
-// Steps of keys; seen[i] is the screen before step i was pushed.
-struct Script {
-  std::vector<std::vector<KeyPair>> steps;
-  std::vector<Snapshot> seen;
-};
-
-// Runs the script through the key buffer's idle hook.
+// Runs the steps through the key buffer's idle hook.
 void Play(std::vector<std::vector<KeyPair>> steps);
+// Seen()[i] is the screen before step i was pushed.
 const std::vector<Snapshot>& Seen();
 // The keys of typed ASCII text.
 std::vector<KeyPair> Typed(const std::string& text);
