@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <functional>
 #include <vector>
 
 #include "base/mazovia.h"
@@ -75,58 +76,33 @@ TEST_F(MessageBoxTest, EveryCodeHasItsBottomLineAndWidth) {
   }
 }
 
-TEST_F(MessageBoxTest, TimedBoxShowsItsWaitLineAndLeavesTypedKeysAlone) {
-  (void)PushKey('q', 16);
-  Snapshot before = Capture();
-  MessageBox(ShortText("Krótko"), 20);
-  EXPECT_EQ(Capture(), Restored(before));
-  EXPECT_EQ(KeysBuffered(), 1);
-  EXPECT_EQ(ReadKeyRaw(), (KeyPair{'q', 16}));
-}
-
-TEST_F(MessageBoxTest, YesNoTakesEnterAsYesAndEscAsNoAndIgnoresOtherKeys) {
+TEST_F(MessageBoxTest, EachCodeTakesItsKeysLeavesTheRestAndRestoresTheScreen) {
+  const KeyPair esc = keys::kEsc, y{'y', 21}, z{'z', 44}, b{'b', 48};
   struct Case {
-    std::vector<KeyPair> keys;
+    int16_t code;
+    std::vector<KeyPair> pushed;
     bool yes;
+    std::vector<KeyPair> left;
   } cases[] = {
-      {{keys::kEnter}, true}, {{keys::kEsc}, false}, {{KeyPair{'T', 20}}, true}, {{KeyPair{'N', 49}}, false},
-      {{KeyPair{'x', 45}, KeyPair{'1', 2}, KeyPair{'t', 20}}, true}, {{keys::F(1), KeyPair{'n', 49}}, false},
+      // Yes or no: Enter or T is yes, Esc or N is no, other keys are ignored.
+      {1, {keys::kEnter}, true, {}}, {1, {esc}, false, {}}, {1, {{'T', 20}}, true, {}}, {1, {{'N', 49}}, false, {}},
+      {1, {{'x', 45}, {'1', 2}, {'t', 20}}, true, {}}, {1, {keys::F(1), {'n', 49}}, false, {}},
+      // Code 0 waits for Enter or Esc only.
+      {0, {{'a', 30}, keys::F(2), {' ', 57}, keys::kEnter, b}, false, {b}},
+      // Code -1 lets any other key through; Esc ends it and takes the rest.
+      {-1, {z, y}, false, {z, y}}, {-1, {esc, y}, false, {}},
+      // A timed box shows its wait line and leaves typed keys alone.
+      {20, {{'q', 16}}, false, {{'q', 16}}}, {3, {esc}, false, {esc}},
   };
   for (const auto& c : cases) {
-    for (KeyPair k : c.keys) (void)PushKey(k.ch, k.scan);
-    EXPECT_EQ(MessageBox(ShortText("Czy?"), 1), c.yes);
-    EXPECT_EQ(KeysBuffered(), 0);
-  }
-}
-
-TEST_F(MessageBoxTest, CodeZeroWaitsForEnterOrEscOnly) {
-  for (KeyPair k : {KeyPair{'a', 30}, keys::F(2), KeyPair{' ', 57}, keys::kEnter, KeyPair{'b', 48}})
-    (void)PushKey(k.ch, k.scan);
-  MessageBox(ShortText("x"), 0);
-  EXPECT_EQ(KeysBuffered(), 1);
-  EXPECT_EQ(ReadKeyRaw(), (KeyPair{'b', 48}));
-}
-
-TEST_F(MessageBoxTest, CodeMinusOneLetsAnyOtherKeyThroughAndEscDiscardsTheRest) {
-  (void)PushKey('z', 44);
-  (void)PushKey('y', 21);
-  EXPECT_FALSE(MessageBox(ShortText("Uwaga"), -1));
-  EXPECT_EQ(ReadKeyRaw(), (KeyPair{'z', 44}));
-  EXPECT_EQ(ReadKeyRaw(), (KeyPair{'y', 21}));
-  (void)PushKey(27, 1);
-  (void)PushKey('y', 21);
-  EXPECT_FALSE(MessageBox(ShortText("Uwaga"), -1));
-  EXPECT_EQ(KeysBuffered(), 0);
-}
-
-TEST_F(MessageBoxTest, EveryCodeButTwoRestoresScreenWindowAndCursorAndLeavesAttributeNormal) {
-  for (int16_t code : {0, -1, 1, 3}) {
-    SCOPED_TRACE(code);
+    SCOPED_TRACE(c.code);
+    for (KeyPair k : c.pushed) (void)PushKey(k.ch, k.scan);
     Snapshot before = Capture();
-    (void)PushKey(27, 1);
-    MessageBox(ShortText("Jeden@Dwa@Trzy"), code);
-    DiscardPendingKeys();
+    EXPECT_EQ(MessageBox(ShortText("Jeden@Dwa@Trzy"), c.code), c.yes);
     EXPECT_EQ(Capture(), Restored(before));
+    std::vector<KeyPair> left;
+    while (KeysBuffered() > 0) left.push_back(ReadKeyRaw());
+    EXPECT_EQ(left, c.left);
   }
 }
 
@@ -148,33 +124,49 @@ TEST_F(MessageBoxTest, CodeTwoLeavesTheBoxUpAndTheCallersRestoreRemovesIt) {
   EXPECT_EQ(Capture(), Restored(before));
 }
 
-TEST_F(MessageBoxTest, TwentyTwoAndMoreBreaksShowTwentyTwoLinesTheLastWithTheRest) {
-  ShortText text;
-  for (int i = 0; i < 25; ++i) {
-    text.Append(static_cast<char>('A' + i));
-    text.Append('@');
+TEST_F(MessageBoxTest, EachKindOfBoxSitsWhereItsTextAndPlacePutIt) {
+  const WindowRect kAsFilled{3, 4, 60, 20};  // the window that FillBackground leaves
+  ShortText manyLines;                       // 25 breaks
+  for (char c = 'A'; c < 'Z'; ++c) manyLines += ShortText(std::string{c, '@'});
+  manyLines += 'Z';
+  struct Cell {
+    int row, col;
+    std::string text;
+  };
+  struct Case {
+    const char* name;
+    const char* term;
+    WindowRect caller;
+    std::function<void()> show;
+    WindowRect box;
+    std::vector<Cell> cells;
+  } cases[] = {
+      // The 22nd line holds everything after the 21st break, "@" included.
+      {"22 lines and more", "linux", kAsFilled, [&] { MessageBox(manyLines, 0); }, {33, 1, 48, 25},
+       {{2, 34, "A"}, {22, 34, "U"}, {23, 34, "V@W@X@Y@Z"}, {24, 35, " Wciśnij ╒¿."_mz.Str()}}},
+      {"a line cut at 78", "linux", kAsFilled, [] { MessageBox(ShortText(std::string(100, 'x')), 0); }, {1, 12, 80, 15},
+       {{13, 2, std::string(78, 'x') + "\xBA"}}},
+      {"one cell inside the window", "linux", {10, 5, 30, 9}, [] { MessageBoxHere(ShortText("Obok pola"), 0, 0x4F); },
+       {11, 6, 26, 9}, {{7, 12, "Obok pola"}}},
+      {"moved back from the edges", "linux", {75, 24, 80, 25},
+       [] { MessageBoxHere(ShortText("Obok pola"), 0, 0x4F); }, {65, 22, 80, 25}, {{23, 66, "Obok pola"}}},
+      {"bottom line of 76", "linux", kAsFilled, [] { MessageBoxBottom(ShortText(std::string(90, 'y')), 0); },
+       {2, 21, 79, 24}, {{22, 3, std::string(76, 'y') + "\xBA"}}},
+      // An ISO terminal leaves the single frame lines blank.
+      {"iso frame", "xterm", {}, [] { MessageBox(ShortText("Iso"), 0); }, {33, 12, 48, 15},
+       {{12, 33, std::string(15, ' ') + "\xB7"}, {13, 33, " "}, {15, 33, "\xD4"}}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    tui_test::InitTerminal(c.term);
+    Window(c.caller.left, c.caller.top, c.caller.right, c.caller.bottom);
+    Answer({keys::kEnter});
+    c.show();
+    const WindowRect& w = First().window;
+    ExpectRows<int>({{w.left, c.box.left}, {w.top, c.box.top}, {w.right, c.box.right}, {w.bottom, c.box.bottom}});
+    for (const Cell& cell : c.cells)
+      EXPECT_EQ(First().Cells(cell.row, cell.col, static_cast<int>(cell.text.size())), cell.text) << cell.row;
   }
-  text.Append('Z');
-  Answer({keys::kEnter});
-  MessageBox(text, 0);
-  EXPECT_EQ(First().window.top, 1);
-  EXPECT_EQ(First().window.bottom, 25);
-  EXPECT_EQ(First().Cells(2, 34, 1), "A");
-  EXPECT_EQ(First().Cells(22, 34, 1), "U");
-  // The 22nd line holds everything after the 21st break, "@" included.
-  EXPECT_EQ(First().Cells(23, 34, 9), "V@W@X@Y@Z");
-  EXPECT_EQ(First().window.right - First().window.left - 1, 14);
-  EXPECT_EQ(First().Cells(24, 35, 12), " Wciśnij ╒¿."_mz.Str());
-}
-
-TEST_F(MessageBoxTest, LongLinesAreCutAtSeventyEight) {
-  ShortText text(std::string(100, 'x'));
-  Answer({keys::kEnter});
-  MessageBox(text, 0);
-  EXPECT_EQ(First().window.left, 1);
-  EXPECT_EQ(First().window.right, 80);
-  EXPECT_EQ(First().Cells(13, 2, 78), std::string(78, 'x'));
-  EXPECT_EQ(First().Cells(13, 80, 1), "\xBA");
 }
 
 TEST_F(MessageBoxTest, ColourBoxDrawsFrameAndBodyInTheGivenAttribute) {
@@ -185,29 +177,7 @@ TEST_F(MessageBoxTest, ColourBoxDrawsFrameAndBodyInTheGivenAttribute) {
   EXPECT_EQ(First().Attr(36, 14), 0x47);
 }
 
-TEST_F(MessageBoxTest, HereBoxOpensInsideTheWindowAndMovesBackFromTheEdges) {
-  Window(10, 5, 30, 9);
-  Answer({keys::kEnter});
-  MessageBoxHere(ShortText("Obok pola"), 0, 0x4F);
-  EXPECT_EQ(First().window.left, 11);
-  EXPECT_EQ(First().window.top, 6);
-  EXPECT_EQ(First().window.right, 11 + 15);
-  Window(75, 24, 80, 25);
-  Answer({keys::kEnter});
-  MessageBoxHere(ShortText("Obok pola"), 0, 0x4F);
-  EXPECT_EQ(First().window.right, 80);
-  EXPECT_EQ(First().window.bottom, 25);
-  EXPECT_EQ(First().window.top, 22);
-}
-
-TEST_F(MessageBoxTest, BottomBoxSitsOnRowsTwentyOneOrTwentyTwoToTwentyFour) {
-  Answer({keys::kEnter});
-  MessageBoxBottom(ShortText(std::string(90, 'y')), 0);
-  EXPECT_EQ(First().window.left, 2);
-  EXPECT_EQ(First().window.top, 21);
-  EXPECT_EQ(First().window.bottom, 24);
-  EXPECT_EQ(First().Cells(22, 3, 77), std::string(76, 'y') + "\xBA");
-
+TEST_F(MessageBoxTest, BottomBoxWithoutWaitSitsOnRowsTwentyTwoToTwentyFour) {
   ScreenCopyPtr copy;
   ScreenSave(copy);
   MessageBoxBottom(ShortText("Notka"), 2);
@@ -217,26 +187,12 @@ TEST_F(MessageBoxTest, BottomBoxSitsOnRowsTwentyOneOrTwentyTwoToTwentyFour) {
 }
 
 TEST_F(MessageBoxTest, TimedBottomBoxWritesItsWaitLineOverTheBottomFrame) {
-  std::string sent;
-  TermOutputToBuffer(&sent);
-  tui_test::InitTerminal("linux");
+  Sent();
   MessageBoxBottom(ShortText("Notka"), 10);
-  TermFlush();
   // Row 24 receives the wait line where the frame was.
+  const std::string sent = Sent();
   EXPECT_NE(sent.find("\x1b[24;"), std::string::npos);
-  std::size_t row24 = sent.find("Zaczekaj");
-  ASSERT_NE(row24, std::string::npos);
-  TermOutputToBuffer(&out_);
-}
-
-TEST_F(MessageBoxTest, IsoTerminalLeavesTheSingleFrameLinesBlank) {
-  tui_test::InitTerminal("xterm");
-  Answer({keys::kEnter});
-  MessageBox(ShortText("Iso"), 0);
-  EXPECT_EQ(First().Cells(12, 33, 15), std::string(15, ' '));
-  EXPECT_EQ(First().Cells(12, 48, 1), "\xB7");
-  EXPECT_EQ(First().Cells(13, 33, 1), " ");
-  EXPECT_EQ(First().Cells(15, 33, 1), "\xD4");
+  EXPECT_NE(sent.find("Zaczekaj"), std::string::npos);
 }
 
 TEST_F(MessageBoxTest, ProgressBarFillsCountsAndPercents) {
@@ -268,13 +224,10 @@ TEST_F(MessageBoxTest, ProgressBarFillsCountsAndPercents) {
 
 TEST_F(MessageBoxTest, ClipboardCopyKeepsTheFieldAndSaysSoBriefly) {
   Snapshot before = Capture();
-  std::string sent;
-  TermOutputToBuffer(&sent);
+  Sent();
   ClipboardCopy("Zażółć"_mz, 5);
-  TermFlush();
-  TermOutputToBuffer(&out_);
   EXPECT_EQ(ClipboardText(), "Zażółć"_mz);
-  EXPECT_NE(sent.find("Pobrano do schowka."), std::string::npos);
+  EXPECT_NE(Sent().find("Pobrano do schowka."), std::string::npos);
   EXPECT_EQ(Capture(), Restored(before));
 }
 
