@@ -3,13 +3,12 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include <array>
 #include <string>
 
 #include "base/file_fixture.h"
 #include "base/filecopy.h"
 #include "base/mazovia.h"
-#include "tui_fixture.h"
+#include "form_fixture.h"
 
 namespace {
 
@@ -18,28 +17,7 @@ using file_test::Pattern;
 using file_test::ReadBytes;
 using file_test::WriteBytes;
 
-using Rows = std::array<std::string, 26>;
-
-Rows ScreenRows() {
-  Rows rows;
-  for (int r = 1; r <= 25; ++r) rows[r] = RowText(r).Str();
-  return rows;
-}
-
-// The screen as the first box that waits for a key showed it; the box gets Enter.
-Rows g_seen;
-int g_boxes = 0;
-void LookThenEnter() {
-  if (g_boxes++ == 0) g_seen = ScreenRows();
-  (void)PushKey(keys::kEnter.ch, keys::kEnter.scan);
-}
-
-// The row (1..25) of the seen screen that holds the text; 0 when none does.
-int SeenRow(const ShortText& text) {
-  for (int r = 1; r <= 25; ++r)
-    if (g_seen[r].find(text.Str()) != std::string::npos) return r;
-  return 0;
-}
+using form_test::Seen;
 
 // True if the pieces come one after another in the stream.
 bool InOrder(const std::string& stream, const std::vector<std::string>& pieces) {
@@ -52,27 +30,24 @@ bool InOrder(const std::string& stream, const std::vector<std::string>& pieces) 
   return true;
 }
 
-class FileDialogsTest : public tui_test::TuiTest {
+class FileDialogsTest : public form_test::FormTest {
  protected:
   void SetUp() override {
     ASSERT_TRUE(scratch_.Entered());
-    TuiTest::SetUp();
-    tui_test::InitTerminal("linux");  // special font: bar bytes reach the terminal as drawn
+    FormTest::SetUp();  // special font: bar bytes reach the terminal as drawn
     for (int r = 1; r <= 25; ++r) WriteAt(1, r, ShortText(std::string(80, static_cast<char>('a' + r))));
-    g_seen = Rows{};
-    g_boxes = 0;
-    SetKeyIdleHook(LookThenEnter);
-    before_ = ScreenRows();
+    before_ = form_test::Capture();
+    AnswerBoxes();
     Sent();
   }
-  void TearDown() override {
-    SetKeyIdleHook(nullptr);
-    TuiTest::TearDown();
-  }
-  void ExpectScreenAsBefore() { EXPECT_EQ(ScreenRows(), before_); }
+  // A box that waits gets Enter; Seen() counts the boxes and keeps the first one's screen.
+  static void AnswerBoxes() { form_test::Play({{keys::kEnter}}); }
+  // The row (1..25) of the first box's screen that holds the text; 0 when none does.
+  static int SeenRow(const ShortText& text) { return Seen().empty() ? 0 : Seen().at(0).RowOf(text.View()); }
+  void ExpectScreenAsBefore() { EXPECT_EQ(form_test::Capture().rows, before_.rows); }
 
   file_test::ScratchDir scratch_;
-  Rows before_;
+  form_test::Snapshot before_;
 };
 
 TEST_F(FileDialogsTest, DeleteManyFillsItsBarFileByFile) {
@@ -85,7 +60,7 @@ TEST_F(FileDialogsTest, DeleteManyFillsItsBarFileByFile) {
   for (int cells = 2; cells <= 10; cells += 2) stages.push_back(std::string(cells, '\xDB') + std::string(10 - cells, ' '));
   EXPECT_TRUE(InOrder(sent, stages));
   ExpectScreenAsBefore();
-  EXPECT_EQ(g_boxes, 0);
+  EXPECT_TRUE(Seen().empty());
   EXPECT_EQ(DeleteMany("*.tmp"), 0);
   ExpectScreenAsBefore();
 }
@@ -100,7 +75,7 @@ TEST_F(FileDialogsTest, CopyFileBarCountsBlocksDoneOfAll) {
   for (int done = 1; done <= 4; ++done) stages.push_back("         " + std::to_string(done) + "/4         ");
   EXPECT_TRUE(InOrder(Sent(), stages));
   ExpectScreenAsBefore();
-  EXPECT_EQ(g_boxes, 0);
+  EXPECT_TRUE(Seen().empty());
   // A part appended.
   EXPECT_EQ(CopyFileBar("zrodlo.dat", "cel.dat", CopyOptions{1, 2}), kCopyOk);
   EXPECT_EQ(ReadBytes("cel.dat"), source + source.substr(1, 2));
@@ -118,9 +93,9 @@ TEST_F(FileDialogsTest, CopyFileBarShowsTheFailureOverItsBox) {
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.target);
-    g_boxes = 0;
+    AnswerBoxes();
     EXPECT_EQ(CopyFileBar(c.source, c.target), c.code);
-    EXPECT_EQ(g_boxes, 1);
+    EXPECT_EQ(Seen().size(), 1u);
     const int errorRow = SeenRow("Błąd "_mz + CopyResultText(c.code));
     EXPECT_GT(errorRow, 0);
     const int copyRow = SeenRow("Kopiowanie pliku:"_mz);
@@ -144,18 +119,18 @@ TEST_F(FileDialogsTest, RenameSafeSaysWhatFailed) {
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.to);
-    g_boxes = 0;
+    AnswerBoxes();
     EXPECT_FALSE(RenameSafe(c.from, c.to));
-    EXPECT_EQ(g_boxes, 1);
+    EXPECT_EQ(Seen().size(), 1u);
     EXPECT_GT(SeenRow(c.message), 0);
     EXPECT_EQ(ReadBytes("plik.txt"), "a\r\n");
     ExpectScreenAsBefore();
   }
-  g_boxes = 0;
+  AnswerBoxes();
   EXPECT_TRUE(RenameSafe("plik.txt", "nowy.txt"));
   EXPECT_EQ(ReadBytes("nowy.txt"), "a\r\n");
   EXPECT_FALSE(Exists("plik.txt"));
-  EXPECT_EQ(g_boxes, 0);
+  EXPECT_TRUE(Seen().empty());
 }
 
 TEST_F(FileDialogsTest, DosAndUnixLineEndsBothWays) {
@@ -166,7 +141,7 @@ TEST_F(FileDialogsTest, DosAndUnixLineEndsBothWays) {
   EXPECT_EQ(ReadBytes("plik.txt"), dos);
   EXPECT_TRUE(DosToUnixFile("PLIK.TXT"));  // found on disk whatever the case
   EXPECT_EQ(ReadBytes("plik.txt"), unix);
-  EXPECT_EQ(g_boxes, 0);
+  EXPECT_TRUE(Seen().empty());
   EXPECT_FALSE(DosToUnixFile("brak.txt"));
   EXPECT_GT(SeenRow("Błąd otwarcia pliku !"_mz), 0);
 }
@@ -176,15 +151,15 @@ TEST_F(FileDialogsTest, OpenReadOrWarnNamesThePathItCouldNotOpen) {
   EXPECT_FALSE(OpenReadOrWarn(file, "dane\\brak.txt"));
   const int row = SeenRow("Nie mogę otworzyć do odczytu pliku:"_mz);
   ASSERT_GT(row, 0);
-  EXPECT_NE(g_seen[row + 1].find("dane\\brak.txt"), std::string::npos);
+  EXPECT_NE(Seen().at(0).rows[row + 1].Pos("dane\\brak.txt"), 0);
   ExpectScreenAsBefore();
   WriteBytes("jest.txt", "linia\n");
-  g_boxes = 0;
+  AnswerBoxes();
   ASSERT_TRUE(OpenReadOrWarn(file, "JEST.TXT"));
   ShortText line;
   EXPECT_TRUE(file.ReadLine(line));
   EXPECT_EQ(line, "linia");
-  EXPECT_EQ(g_boxes, 0);
+  EXPECT_TRUE(Seen().empty());
 }
 
 TEST_F(FileDialogsTest, OpenAppendOrWarnAppendsOrWritesAnew) {
@@ -206,15 +181,15 @@ TEST_F(FileDialogsTest, OpenAppendOrWarnAppendsOrWritesAnew) {
     file.Close();
     EXPECT_EQ(ReadBytes(c.path), c.after);
   }
-  EXPECT_EQ(g_boxes, 0);
+  EXPECT_TRUE(Seen().empty());
   for (bool append : {true, false}) {
-    g_boxes = 0;
+    AnswerBoxes();
     FileVar file;
     EXPECT_FALSE(OpenAppendOrWarn(file, "brak\\x.txt", append));
     const int row = SeenRow(append ? "Nie mogę otworzyć w trybie dopisywania pliku:"_mz
                                    : "Nie mogę otworzyć w trybie zapisywania pliku:"_mz);
     ASSERT_GT(row, 0);
-    EXPECT_NE(g_seen[row + 1].find("brak\\x.txt"), std::string::npos);
+    EXPECT_NE(Seen().at(0).rows[row + 1].Pos("brak\\x.txt"), 0);
     ExpectScreenAsBefore();
   }
 }
