@@ -52,30 +52,6 @@ TEST_F(MessageBoxTest, EmptyTextWithCodeZeroIsFourteenWideWithOneEmptyLine) {
                            {s.Cells(15, 33, 16), "\xD4" + std::string(14, '\xCD') + "\xBC"}});
 }
 
-TEST_F(MessageBoxTest, EveryCodeHasItsBottomLineAndWidth) {
-  struct Case {
-    int16_t code;
-    KeyPair key;
-    int width;
-    ShortText bottom;
-  } cases[] = {
-      {0, keys::kEsc, 14, " Wciśnij ╒¿."_mz}, {-1, keys::kEsc, 14, " Wciśnij ╤╥û."_mz},
-      {1, KeyPair{'n', 49}, 36, " Odpowiedz naciskając ╧Ö lub ╧Ü."_mz},
-      {1, KeyPair{'t', 20}, 36, " Odpowiedz naciskając ╧Ö lub ╧Ü."_mz},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.code);
-    Answer({c.key});
-    MessageBox(ShortText("Abc"), c.code);
-    EXPECT_EQ(First().window.right - First().window.left - 1, c.width);
-    int left = (78 - c.width) / 2 + 1;
-    int x = left + (c.width + 2 - c.bottom.Length()) / 2;
-    EXPECT_EQ(First().Cells(13, left + 1, 3), "Abc");
-    EXPECT_EQ(First().Attr(left + 1, 13), 0x4F);
-    EXPECT_EQ(First().Cells(14, x, c.bottom.Length()), c.bottom.Str());
-  }
-}
-
 TEST_F(MessageBoxTest, EachCodeTakesItsKeysLeavesTheRestAndRestoresTheScreen) {
   const KeyPair esc = keys::kEsc, y{'y', 21}, z{'z', 44}, b{'b', 48};
   struct Case {
@@ -132,6 +108,7 @@ TEST_F(MessageBoxTest, EachKindOfBoxSitsWhereItsTextAndPlacePutIt) {
   struct Cell {
     int row, col;
     std::string text;
+    int attr = -1;  // of the first cell, when given
   };
   struct Case {
     const char* name;
@@ -141,6 +118,15 @@ TEST_F(MessageBoxTest, EachKindOfBoxSitsWhereItsTextAndPlacePutIt) {
     WindowRect box;
     std::vector<Cell> cells;
   } cases[] = {
+      // Each code has its bottom line and the width it needs, the body in 0x4F and the bottom line in 0x47.
+      {"code 0", "linux", kAsFilled, [] { MessageBox(ShortText("Abc"), 0); }, {33, 12, 48, 15},
+       {{13, 34, "Abc", 0x4F}, {14, 35, " Wciśnij ╒¿."_mz.Str(), 0x47}}},
+      {"code -1", "linux", kAsFilled, [] { MessageBox(ShortText("Abc"), -1); }, {33, 12, 48, 15},
+       {{13, 34, "Abc", 0x4F}, {14, 34, " Wciśnij ╤╥û."_mz.Str()}}},
+      {"code 1", "linux", kAsFilled, [] { MessageBox(ShortText("Abc"), 1); }, {22, 12, 59, 15},
+       {{13, 23, "Abc", 0x4F}, {14, 25, " Odpowiedz naciskając ╧Ö lub ╧Ü."_mz.Str()}}},
+      {"colour", "linux", kAsFilled, [] { MessageBoxColour(ShortText("Kolor"), 0, 0x1F); }, {33, 12, 48, 15},
+       {{12, 33, "\xDA", 0x1F}, {13, 34, "Kolor", 0x1F}, {14, 36, "Wciśnij ╒¿."_mz.Str(), 0x47}}},
       // The 22nd line holds everything after the 21st break, "@" included.
       {"22 lines and more", "linux", kAsFilled, [&] { MessageBox(manyLines, 0); }, {33, 1, 48, 25},
        {{2, 34, "A"}, {22, 34, "U"}, {23, 34, "V@W@X@Y@Z"}, {24, 35, " Wciśnij ╒¿."_mz.Str()}}},
@@ -160,21 +146,17 @@ TEST_F(MessageBoxTest, EachKindOfBoxSitsWhereItsTextAndPlacePutIt) {
     SCOPED_TRACE(c.name);
     tui_test::InitTerminal(c.term);
     Window(c.caller.left, c.caller.top, c.caller.right, c.caller.bottom);
-    Answer({keys::kEnter});
+    Answer({keys::kEsc});
     c.show();
     const WindowRect& w = First().window;
     ExpectRows<int>({{w.left, c.box.left}, {w.top, c.box.top}, {w.right, c.box.right}, {w.bottom, c.box.bottom}});
-    for (const Cell& cell : c.cells)
+    for (const Cell& cell : c.cells) {
       EXPECT_EQ(First().Cells(cell.row, cell.col, static_cast<int>(cell.text.size())), cell.text) << cell.row;
+      if (cell.attr >= 0) {
+        EXPECT_EQ(First().Attr(cell.col, cell.row), cell.attr) << cell.row;
+      }
+    }
   }
-}
-
-TEST_F(MessageBoxTest, ColourBoxDrawsFrameAndBodyInTheGivenAttribute) {
-  Answer({keys::kEnter});
-  MessageBoxColour(ShortText("Kolor"), 0, 0x1F);
-  EXPECT_EQ(First().Attr(33, 12), 0x1F);
-  EXPECT_EQ(First().Attr(34, 13), 0x1F);
-  EXPECT_EQ(First().Attr(36, 14), 0x47);
 }
 
 TEST_F(MessageBoxTest, BottomBoxWithoutWaitSitsOnRowsTwentyTwoToTwentyFour) {

@@ -1,12 +1,9 @@
 #include "tui/picklist.h"
 
 #include <gtest/gtest.h>
-#include <unistd.h>
-
-#include <cstdio>
-#include <fstream>
 
 #include "base/expect_rows.h"
+#include "base/file_fixture.h"
 #include "form_fixture.h"
 
 namespace {
@@ -181,17 +178,15 @@ TEST_F(PickListTest, ScreenWindowAttributeAndCursorAsFound) {
 }
 
 TEST_F(PickListTest, ChoicesFromAFile) {
-  char name[] = "/tmp/picklistXXXXXX";
-  int fd = mkstemp(name);
-  ASSERT_GE(fd, 0);
-  close(fd);
-  std::ofstream(name) << "COM1\r\nCOM2\nCOM3\n";
+  file_test::ScratchDir scratch;
+  ASSERT_TRUE(scratch.Entered());
+  file_test::WriteBytes("porty.txt", "COM1\r\nCOM2\nCOM3\n");
   Play({Keys("2")});
-  EXPECT_EQ(PickListFile(0, 1, 1, 0, 0, ShortText("Port:"), ShortText(name), ch_, scan_), 2);
+  EXPECT_EQ(PickListFile(0, 1, 1, 0, 0, ShortText("Port:"), ShortText("porty.txt"), ch_, scan_), 2);
   EXPECT_NE(Seen().at(0).rows[13].Pos("\xCF\x87 COM2"), 0);
-  std::remove(name);
+  // A file that cannot be read gives one empty choice.
   Play({{keys::kDown, keys::kEnter}});
-  EXPECT_EQ(PickListFile(0, 1, 1, 0, 0, ShortText("Port:"), ShortText(name), ch_, scan_), 1);
+  EXPECT_EQ(PickListFile(0, 1, 1, 0, 0, ShortText("Port:"), ShortText("brak.txt"), ch_, scan_), 1);
 }
 
 // PickMulti.
