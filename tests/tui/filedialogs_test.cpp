@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <functional>
 #include <string>
 
 #include "base/file_fixture.h"
@@ -81,59 +82,50 @@ TEST_F(FileDialogsTest, CopyFileBarCountsBlocksDoneOfAll) {
   EXPECT_EQ(ReadBytes("cel.dat"), source + source.substr(1, 2));
 }
 
-TEST_F(FileDialogsTest, CopyFileBarShowsTheFailureOverItsBox) {
+TEST_F(FileDialogsTest, EachFailureSaysWhatFailedInOneBoxAndChangesNothing) {
   WriteBytes("zrodlo.dat", Pattern(100));
-  struct Case {
-    const char* source;
-    const char* target;
-    uint8_t code;
-  } cases[] = {
-      {"zrodlo.dat", "/dev/full", kCopyTargetWrite}, {"brak.dat", "cel.dat", kCopySourceOpen},
-      {"zrodlo.dat", "/dev/zero", kCopyCompare},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.target);
-    AnswerBoxes();
-    EXPECT_EQ(CopyFileBar(c.source, c.target), c.code);
-    EXPECT_EQ(Seen().size(), 1u);
-    const int errorRow = SeenRow("Błąd "_mz + CopyResultText(c.code));
-    EXPECT_GT(errorRow, 0);
-    const int copyRow = SeenRow("Kopiowanie pliku:"_mz);
-    EXPECT_GT(copyRow, 0);  // the copy's box stays under the error
-    EXPECT_LT(copyRow, errorRow);
-    ExpectScreenAsBefore();
-  }
-}
-
-TEST_F(FileDialogsTest, RenameSafeSaysWhatFailed) {
-  ::mkdir("katalog", 0777);
   WriteBytes("plik.txt", "a\r\n");
+  ::mkdir("katalog", 0777);
+  FileVar file;
+  const ShortText copying = "Kopiowanie pliku:"_mz;
   struct Case {
-    const char* from;
-    const char* to;
     ShortText message;
+    std::function<bool()> failed;
+    const char* path;    // named on the line under the message, when given
+    ShortText under;     // the box that stays under the message, when given
   } cases[] = {
-      {"brak.txt", "nowy.txt", "Błąd otwarcia pliku !"_mz},
-      {"plik.txt", "brak/nowy.txt", "Błąd otwarcia pliku tymczasowego !"_mz},
-      {"plik.txt", "katalog", "Błąd 21 zmiany nazwy pliku."_mz},  // EISDIR
+      {"Błąd "_mz + CopyResultText(kCopyTargetWrite),
+       [] { return CopyFileBar("zrodlo.dat", "/dev/full") == kCopyTargetWrite; }, nullptr, copying},
+      {"Błąd "_mz + CopyResultText(kCopySourceOpen),
+       [] { return CopyFileBar("brak.dat", "cel.dat") == kCopySourceOpen; }, nullptr, copying},
+      {"Błąd "_mz + CopyResultText(kCopyCompare),
+       [] { return CopyFileBar("zrodlo.dat", "/dev/zero") == kCopyCompare; }, nullptr, copying},
+      {"Błąd otwarcia pliku !"_mz, [] { return !RenameSafe("brak.txt", "nowy.txt"); }, nullptr, {}},
+      {"Błąd otwarcia pliku tymczasowego !"_mz, [] { return !RenameSafe("plik.txt", "brak/nowy.txt"); }, nullptr, {}},
+      {"Błąd 21 zmiany nazwy pliku."_mz, [] { return !RenameSafe("plik.txt", "katalog"); }, nullptr, {}},  // EISDIR
+      {"Błąd otwarcia pliku !"_mz, [] { return !DosToUnixFile("brak.txt"); }, nullptr, {}},
+      {"Nie mogę otworzyć do odczytu pliku:"_mz, [&] { return !OpenReadOrWarn(file, "dane\\brak.txt"); },
+       "dane\\brak.txt", {}},
+      {"Nie mogę otworzyć w trybie dopisywania pliku:"_mz,
+       [&] { return !OpenAppendOrWarn(file, "brak\\x.txt", true); }, "brak\\x.txt", {}},
+      {"Nie mogę otworzyć w trybie zapisywania pliku:"_mz,
+       [&] { return !OpenAppendOrWarn(file, "brak\\x.txt", false); }, "brak\\x.txt", {}},
   };
   for (const Case& c : cases) {
-    SCOPED_TRACE(c.to);
+    SCOPED_TRACE(c.message.Str());
     AnswerBoxes();
-    EXPECT_FALSE(RenameSafe(c.from, c.to));
-    EXPECT_EQ(Seen().size(), 1u);
-    EXPECT_GT(SeenRow(c.message), 0);
+    EXPECT_TRUE(c.failed());
+    ASSERT_EQ(Seen().size(), 1u);
+    const int row = SeenRow(c.message);
+    ASSERT_GT(row, 0);
+    EXPECT_TRUE(c.path == nullptr || Seen().at(0).rows[row + 1].Pos(c.path) > 0);
+    EXPECT_TRUE(c.under.Empty() || (SeenRow(c.under) > 0 && SeenRow(c.under) < row));
     EXPECT_EQ(ReadBytes("plik.txt"), "a\r\n");
     ExpectScreenAsBefore();
   }
-  AnswerBoxes();
-  EXPECT_TRUE(RenameSafe("plik.txt", "nowy.txt"));
-  EXPECT_EQ(ReadBytes("nowy.txt"), "a\r\n");
-  EXPECT_FALSE(Exists("plik.txt"));
-  EXPECT_TRUE(Seen().empty());
 }
 
-TEST_F(FileDialogsTest, DosAndUnixLineEndsBothWays) {
+TEST_F(FileDialogsTest, LineEndsBothWaysAndRenameWithoutABox) {
   const std::string unix = std::string(4095, 'x') + "\n" + std::string(4095, 'y') + "\nz";
   const std::string dos = std::string(4095, 'x') + "\r\n" + std::string(4095, 'y') + "\r\nz";
   WriteBytes("plik.txt", unix);
@@ -141,29 +133,20 @@ TEST_F(FileDialogsTest, DosAndUnixLineEndsBothWays) {
   EXPECT_EQ(ReadBytes("plik.txt"), dos);
   EXPECT_TRUE(DosToUnixFile("PLIK.TXT"));  // found on disk whatever the case
   EXPECT_EQ(ReadBytes("plik.txt"), unix);
+  EXPECT_TRUE(RenameSafe("plik.txt", "nowy.txt"));
+  EXPECT_EQ(ReadBytes("nowy.txt"), unix);
+  EXPECT_FALSE(Exists("plik.txt"));
   EXPECT_TRUE(Seen().empty());
-  EXPECT_FALSE(DosToUnixFile("brak.txt"));
-  EXPECT_GT(SeenRow("Błąd otwarcia pliku !"_mz), 0);
 }
 
-TEST_F(FileDialogsTest, OpenReadOrWarnNamesThePathItCouldNotOpen) {
+TEST_F(FileDialogsTest, OpenOrWarnReadsAppendsOrWritesAnew) {
+  WriteBytes("log.txt", "stare\n");
   FileVar file;
-  EXPECT_FALSE(OpenReadOrWarn(file, "dane\\brak.txt"));
-  const int row = SeenRow("Nie mogę otworzyć do odczytu pliku:"_mz);
-  ASSERT_GT(row, 0);
-  EXPECT_NE(Seen().at(0).rows[row + 1].Pos("dane\\brak.txt"), 0);
-  ExpectScreenAsBefore();
-  WriteBytes("jest.txt", "linia\n");
-  AnswerBoxes();
-  ASSERT_TRUE(OpenReadOrWarn(file, "JEST.TXT"));
+  ASSERT_TRUE(OpenReadOrWarn(file, "LOG.TXT"));
   ShortText line;
   EXPECT_TRUE(file.ReadLine(line));
-  EXPECT_EQ(line, "linia");
-  EXPECT_TRUE(Seen().empty());
-}
-
-TEST_F(FileDialogsTest, OpenAppendOrWarnAppendsOrWritesAnew) {
-  WriteBytes("log.txt", "stare\n");
+  EXPECT_EQ(line, "stare");
+  file.Close();
   struct Case {
     const char* path;
     bool append;
@@ -175,23 +158,12 @@ TEST_F(FileDialogsTest, OpenAppendOrWarnAppendsOrWritesAnew) {
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.path);
-    FileVar file;
     ASSERT_TRUE(OpenAppendOrWarn(file, c.path, c.append));
     ASSERT_EQ(file.Write("nowe\n", 5), 0);
     file.Close();
     EXPECT_EQ(ReadBytes(c.path), c.after);
   }
   EXPECT_TRUE(Seen().empty());
-  for (bool append : {true, false}) {
-    AnswerBoxes();
-    FileVar file;
-    EXPECT_FALSE(OpenAppendOrWarn(file, "brak\\x.txt", append));
-    const int row = SeenRow(append ? "Nie mogę otworzyć w trybie dopisywania pliku:"_mz
-                                   : "Nie mogę otworzyć w trybie zapisywania pliku:"_mz);
-    ASSERT_GT(row, 0);
-    EXPECT_NE(Seen().at(0).rows[row + 1].Pos("brak\\x.txt"), 0);
-    ExpectScreenAsBefore();
-  }
 }
 
 TEST_F(FileDialogsTest, FileManagerCommandComesFromFmgrCfgOrIsMc) {
