@@ -24,9 +24,8 @@ TEST_F(EditMemoTest, EditsLinesAndConfirmsWithF10) {
   EXPECT_TRUE(EditMemo(block, kWindow, false));
   EXPECT_EQ(block, "jedenX\ntrzycztery\n") << "Tab on the last line stays there";
   const Snapshot& s = Seen().at(0);
-  ExpectRows<std::string>({{s.Cells(5, 10, 6), "jeden "}, {s.Cells(6, 10, 4), "dwa "},
-                           {s.Cells(8, 10, 31), "╪╓ü - przemieszczanie kursora ╫"_mz.Str()}});
-  ExpectRows<int>({{s.Attr(10, 5), 0x1F}, {s.Attr(10, 8), 0x47}, {s.x, 6}});  // the cursor after "jeden"
+  ExpectCells(s, {{5, 10, "jeden ", 0x1F}, {6, 10, "dwa "}, {8, 10, "╪╓ü - przemieszczanie kursora ╫"_mz.Str(), 0x47}});
+  EXPECT_EQ(s.x, 6);  // the cursor after "jeden"
 }
 
 TEST_F(EditMemoTest, EscLeavesTheTextAsItWas) {
@@ -43,8 +42,7 @@ TEST_F(EditMemoTest, EnterOnTheLastLineAddsOneAndTheWindowScrolls) {
   Play({Keys("a", {keys::kEnter}), Keys("b", {keys::kEnter}), Keys("c", {keys::kEnter}), Keys("d", {keys::F(10)})});
   EXPECT_TRUE(EditMemo(block, kWindow, false));
   EXPECT_EQ(block, "a\nb\nc\nd\n");
-  ExpectRows<std::string>({{Seen().back().Cells(5, 10, 1), "b"}, {Seen().back().Cells(6, 10, 1), "c"},
-                           {Seen().back().Cells(7, 10, 1), " "}});
+  ExpectCells(Seen().back(), {{5, 10, "b"}, {6, 10, "c"}, {7, 10, " "}});
 }
 
 TEST_F(EditMemoTest, ReadOnlyShowsAndScrollsUntilEsc) {
@@ -96,9 +94,8 @@ TEST_F(AskValueTest, OneFieldEnterAndEsc) {
   EXPECT_EQ(value, ShortText("ABC"));
   const Snapshot& s = Seen().at(0);
   // Three lines of 10: columns 35..46, rows 11..15; the field on the last line.
-  ExpectRows<std::string>({{s.Cells(12, 35, 11), "\xB3Podaj kod:"}, {s.Cells(13, 36, 10), "╫à - pomoc"_mz.Str()},
-                           {s.Cells(14, 36, 11), "AB        \xBA"}});
-  ExpectRows<int>({{s.Attr(36, 14), 0x70}, {s.x, 4}});  // the cursor after "AB", in the box
+  ExpectCells(s, {{12, 35, "\xB3Podaj kod:"}, {13, 36, "╫à - pomoc"_mz.Str()}, {14, 36, "AB        \xBA", 0x70}});
+  EXPECT_EQ(s.x, 4);  // the cursor after "AB", in the box
   Play({Keys("xyz", {keys::kEsc})});
   Snapshot before = Capture();
   EXPECT_FALSE(AskValue(ShortText("Podaj kod:"), value, 10, 8, ShortText(), ShortText()));

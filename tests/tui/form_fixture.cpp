@@ -53,6 +53,15 @@ Snapshot Capture() {
   return s;
 }
 
+void ExpectCells(const Snapshot& s, const std::vector<Cell>& cells) {
+  for (const Cell& cell : cells) {
+    EXPECT_EQ(s.Cells(cell.row, cell.col, static_cast<int>(cell.text.size())), cell.text) << cell.row << "," << cell.col;
+    if (cell.attr >= 0) {
+      EXPECT_EQ(s.Attr(cell.col, cell.row), cell.attr) << cell.row << "," << cell.col;
+    }
+  }
+}
+
 void Play(std::vector<std::vector<KeyPair>> steps) {
   g_script = Script{std::move(steps), {}};
   g_next = 0;

@@ -6,6 +6,7 @@
 #include <array>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <vector>
 
 #include "base/mazovia.h"
@@ -19,11 +20,8 @@ struct Snapshot {
   WindowRect window;
   int x = 0, y = 0;
   unsigned char attr = 0;
-  bool operator==(const Snapshot& o) const {
-    return rows == o.rows && attrs == o.attrs && window.left == o.window.left && window.top == o.window.top &&
-           window.right == o.window.right && window.bottom == o.window.bottom && x == o.x && y == o.y &&
-           attr == o.attr;
-  }
+  auto Tie() const { return std::tie(rows, attrs, window.left, window.top, window.right, window.bottom, x, y, attr); }
+  bool operator==(const Snapshot& o) const { return Tie() == o.Tie(); }
   // count cells of a row from column first.
   std::string Cells(int row, int first, int count) const {
     return std::string(rows[row].View().substr(first - 1, count));
@@ -36,6 +34,14 @@ struct Snapshot {
 };
 
 Snapshot Capture();
+
+// A run of cells that a screen must hold from (row, col), and the attribute of its first cell when given.
+struct Cell {
+  int row, col;
+  std::string text;
+  int attr = -1;
+};
+void ExpectCells(const Snapshot& s, const std::vector<Cell>& cells);
 
 // Runs the steps through the key buffer's idle hook.
 void Play(std::vector<std::vector<KeyPair>> steps);

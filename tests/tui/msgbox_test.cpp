@@ -105,18 +105,13 @@ TEST_F(MessageBoxTest, EachKindOfBoxSitsWhereItsTextAndPlacePutIt) {
   ShortText manyLines;                       // 25 breaks
   for (char c = 'A'; c < 'Z'; ++c) manyLines += ShortText(std::string{c, '@'});
   manyLines += 'Z';
-  struct Cell {
-    int row, col;
-    std::string text;
-    int attr = -1;  // of the first cell, when given
-  };
   struct Case {
     const char* name;
     const char* term;
     WindowRect caller;
     std::function<void()> show;
     WindowRect box;
-    std::vector<Cell> cells;
+    std::vector<form_test::Cell> cells;
   } cases[] = {
       // Each code has its bottom line and the width it needs, the body in 0x4F and the bottom line in 0x47.
       {"code 0", "linux", kAsFilled, [] { MessageBox(ShortText("Abc"), 0); }, {33, 12, 48, 15},
@@ -150,12 +145,7 @@ TEST_F(MessageBoxTest, EachKindOfBoxSitsWhereItsTextAndPlacePutIt) {
     c.show();
     const WindowRect& w = First().window;
     ExpectRows<int>({{w.left, c.box.left}, {w.top, c.box.top}, {w.right, c.box.right}, {w.bottom, c.box.bottom}});
-    for (const Cell& cell : c.cells) {
-      EXPECT_EQ(First().Cells(cell.row, cell.col, static_cast<int>(cell.text.size())), cell.text) << cell.row;
-      if (cell.attr >= 0) {
-        EXPECT_EQ(First().Attr(cell.col, cell.row), cell.attr) << cell.row;
-      }
-    }
+    form_test::ExpectCells(First(), c.cells);
   }
 }
 

@@ -2,13 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include "base/expect_rows.h"
 #include "base/file_fixture.h"
 #include "form_fixture.h"
 
 namespace {
-
-using test_rows::ExpectRows;
 
 using namespace form_test;
 
@@ -32,18 +29,6 @@ class PickListTest : public FormTest {
   }
   unsigned char ch_ = 0, scan_ = 0;
 };
-
-TEST_F(PickListTest, CentredBoxShowsKeyCapsBarAndEscLine) {
-  Play({{keys::kEnter}});
-  EXPECT_EQ(Pick(kThree), 1);
-  const Snapshot& s = Seen().at(0);
-  // 5 lines of 29 (the Esc line is the widest): columns 25..55, rows 10..16.
-  ExpectRows<std::string>({{s.Cells(10, 25, 1), "\xDA"}, {s.Cells(10, 55, 1), "\xB7"}, {s.Cells(11, 26, 8), "Wybierz:"},
-                           {s.Cells(12, 26, 29), "\xCF\x85 Alfa " + std::string(21, ' ')},
-                           {s.Cells(13, 26, 8), "\xCF\x87 Beta "}, {s.Cells(14, 26, 8), "\xCF\x88 Gamma"},
-                           {s.Cells(15, 26, 29), "╤╥û - rezygnacja z wybierania"_mz.Str()}, {s.Cells(16, 25, 1), "\xD4"}});
-  ExpectRows<int>({{s.Attr(26, 12), 0x30}, {s.Attr(54, 12), 0x30}, {s.Attr(26, 13), 0x1F}, {s.Attr(25, 10), 0x1F}});
-}
 
 TEST_F(PickListTest, ColourSchemes) {
   const unsigned char want[] = {0x07, 0x1F, 0x1E, 0x0F, 0x4F, 0x47, 0x4E, 0x0E, 0x6E, 0x07, 0x07};
@@ -94,10 +79,6 @@ TEST_F(PickListTest, KeysMoveChooseOrEndByTheEndMode) {
 }
 
 TEST_F(PickListTest, BoxPlaceAndSize) {
-  struct Cell {
-    int row, col;
-    std::string text;
-  };
   struct Case {
     const char* name;
     ShortText options;
@@ -105,6 +86,11 @@ TEST_F(PickListTest, BoxPlaceAndSize) {
     uint8_t column, row;
     std::vector<Cell> cells;
   } cases[] = {
+      // 5 lines of 29 (the Esc line is the widest): columns 25..55, rows 10..16; the bar in 0x30.
+      {"centred", kThree, 1, 0, 0,
+       {{10, 25, "\xDA", 0x1F}, {10, 55, "\xB7"}, {11, 26, "Wybierz:"},
+        {12, 26, "\xCF\x85 Alfa " + std::string(21, ' '), 0x30}, {12, 54, " ", 0x30}, {13, 26, "\xCF\x87 Beta ", 0x1F},
+        {14, 26, "\xCF\x88 Gamma"}, {15, 26, "╤╥û - rezygnacja z wybierania"_mz.Str()}, {16, 25, "\xD4"}}},
       // Only the title and rows: 4 lines of 8, columns 36..45, rows 10..15.
       {"no Esc line in end mode 0", kThree, 0, 0, 0, {{10, 36, "\xDA"}, {14, 37, "\xCF\x88 Gamma"}, {15, 36, "\xD4"}}},
       {"placed one cell inside", kThree, 0, 10, 5, {{6, 11, "\xDA"}, {7, 12, "Wybierz:"}, {8, 12, "\xCF\x85 Alf"}}},
@@ -120,8 +106,7 @@ TEST_F(PickListTest, BoxPlaceAndSize) {
     SCOPED_TRACE(c.name);
     Play({{keys::kEnter}});
     Pick(c.options, 1, c.endMode, c.column, c.row);
-    for (const Cell& cell : c.cells)
-      EXPECT_EQ(Seen().at(0).Cells(cell.row, cell.col, static_cast<int>(cell.text.size())), cell.text) << cell.row;
+    ExpectCells(Seen().at(0), c.cells);
   }
 }
 
