@@ -98,17 +98,14 @@ TEST_F(EditFieldTest, ShownFieldsStarsAndMasks) {
 }
 
 TEST_F(EditFieldTest, WidthAboveSeventyNineWorksAtSeventyNine) {
-  GotoXY(1, 3);
-  Play({{keys::kEnter}});
-  ShortText text(std::string(100, 'w'));
-  EditField(1, 1, '.', 120, text, key_);
-  EXPECT_EQ(text.Length(), 79);
-  EXPECT_EQ(tui_test::Cells(3, 1, 80), std::string(79, 'w') + " ");
-  Play({{keys::kEnter}});
-  GotoXY(1, 3);
-  text = ShortText();
-  EditField(1, 1, '.', 120, text, key_);
-  EXPECT_EQ(tui_test::Cells(3, 1, 80), std::string(79, '.') + " ");
+  for (const std::string& start : {std::string(100, 'w'), std::string()}) {
+    GotoXY(1, 3);
+    Play({{keys::kEnter}});
+    ShortText text(start);
+    EditField(1, 1, '.', 120, text, key_);
+    EXPECT_EQ(text, ShortText(start.substr(0, 79)));
+    EXPECT_EQ(tui_test::Cells(3, 1, 80), std::string(79, start.empty() ? '.' : 'w') + " ");
+  }
 }
 
 TEST_F(EditFieldTest, Mode11EndsWhenFull) {

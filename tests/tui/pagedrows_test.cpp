@@ -24,18 +24,12 @@ class Numbers {
   }
   bool Read(const Key& from, bool forward, int limit, std::vector<int>& out) const {
     out.clear();
-    const auto after = [&](int v) {
-      if (!from.set) return true;
-      return forward ? (from.inclusive ? v >= from.value : v > from.value)
-                     : (from.inclusive ? v <= from.value : v < from.value);
-    };
-    if (forward) {
-      for (int v : rows)
-        if (after(v) && static_cast<int>(out.size()) < limit) out.push_back(v);
-    } else {
-      for (auto it = rows.rbegin(); it != rows.rend(); ++it)
-        if (after(*it) && static_cast<int>(out.size()) < limit) out.insert(out.begin(), *it);
-    }
+    const auto beyond = [&](int v) { return forward ? v > from.value : v < from.value; };
+    for (int v : rows)
+      if (!from.set || beyond(v) || (from.inclusive && v == from.value)) out.push_back(v);
+    // Reading backwards keeps the rows nearest the key: the last ones.
+    const int extra = static_cast<int>(out.size()) - limit;
+    if (extra > 0) out.erase(forward ? out.end() - extra : out.begin(), forward ? out.end() : out.begin() + extra);
     return true;
   }
   std::vector<int> rows;
