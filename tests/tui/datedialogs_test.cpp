@@ -2,10 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include "base/expect_rows.h"
 #include "base/mazovia.h"
 #include "form_fixture.h"
 
 namespace {
+
+using test_rows::ExpectRows;
 
 using form_test::Capture;
 using form_test::Keys;
@@ -93,11 +96,8 @@ TEST_F(DateDialogTest, EarlyClockAsksForTheDateUntilItIsValidAndSetsIt) {
   again.insert(again.end(), good.begin(), good.end());
   Play({Keys("31-02-2024", {keys::kEnter}), {keys::kEnter}, again});
   SystemClockCheck(kFake);
-  EXPECT_EQ(FakeClock::sets, 1);
-  EXPECT_EQ(FakeClock::year, 2024);
-  EXPECT_EQ(FakeClock::month, 6);
-  EXPECT_EQ(FakeClock::day, 15);
-  EXPECT_EQ(KeysBuffered(), 0);
+  ExpectRows<int>({{FakeClock::sets, 1}, {FakeClock::year, 2024}, {FakeClock::month, 6}, {FakeClock::day, 15},
+                   {KeysBuffered(), 0}});
   EXPECT_EQ(Capture().rows, before);
 }
 

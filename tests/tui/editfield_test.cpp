@@ -2,10 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include "base/expect_rows.h"
 #include "form_fixture.h"
 #include "tui/msgbox.h"
 
 namespace {
+
+using test_rows::ExpectRows;
 
 using namespace form_test;
 
@@ -212,12 +215,9 @@ TEST_F(EditLineTest, ScrollsToKeepTheCursorInView) {
   ShortText out;
   EditLine(false, 1, '.', 5, 254, ShortText(), key_, out);
   EXPECT_EQ(out, ShortText("abcdefgh"));
-  EXPECT_EQ(Seen().at(1).Cells(3, 5, 6), "efgh. ");
-  EXPECT_EQ(Seen().at(1).x, 9);
-  EXPECT_EQ(Seen().at(2).Cells(3, 5, 5), "abcde");
-  EXPECT_EQ(Seen().at(2).x, 5);
-  EXPECT_EQ(Seen().at(3).Cells(3, 5, 5), "defgh");
-  EXPECT_EQ(Seen().at(3).x, 5);
+  ExpectRows<std::string>({{Seen().at(1).Cells(3, 5, 6), "efgh. "}, {Seen().at(2).Cells(3, 5, 5), "abcde"},
+                           {Seen().at(3).Cells(3, 5, 5), "defgh"}});
+  ExpectRows<int>({{Seen().at(1).x, 9}, {Seen().at(2).x, 5}, {Seen().at(3).x, 5}});
 }
 
 TEST_F(EditLineTest, MaximumLengthCapitalsAndKeys) {

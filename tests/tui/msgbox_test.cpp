@@ -89,11 +89,8 @@ TEST_F(MessageBoxTest, CodeTwoLeavesTheBoxUpAndTheCallersRestoreRemovesIt) {
   MessageBox(ShortText("Trwa kasowanie...@[          ]"), 2);
   // No bottom line: one row shorter; the window is the box.
   WindowRect w = CurrentWindow();
-  EXPECT_EQ(w.top, 11);
-  EXPECT_EQ(w.bottom, 14);
   EXPECT_EQ(Cells(12, w.left + 1, 17), "Trwa kasowanie...");
-  EXPECT_EQ(CharAt(w.left, 14), 0xD4);
-  EXPECT_EQ(CurrentAttr(), 0x07);
+  ExpectRows<int>({{w.top, 11}, {w.bottom, 14}, {CharAt(w.left, 14), 0xD4}, {CurrentAttr(), 0x07}});
   ScreenRestore(copy);
   Window(before.window.left, before.window.top, before.window.right, before.window.bottom);
   GotoXY(before.x, before.y);

@@ -50,12 +50,8 @@ TEST_F(OutputTest, KindAndConversionsFollowTheEnvironment) {
   for (const auto& c : cases) {
     SCOPED_TRACE(std::string(c.term) + "/" + c.klote + "/" + c.cp);
     tui_test::InitTerminal(c.term, c.klote, c.cp, c.colours);
-    EXPECT_EQ(Term().kind, c.kind);
-    EXPECT_EQ(Term().outCodePage, c.outCodePage);
-    EXPECT_EQ(Term().outputMode, c.outputMode);
-    EXPECT_EQ(Term().inCodePage, c.inCodePage);
-    EXPECT_EQ(Term().specialFont, c.special);
-    EXPECT_EQ(Term().fewColours, c.few);
+    ExpectRows<int>({{Term().kind, c.kind}, {Term().outCodePage, c.outCodePage}, {Term().outputMode, c.outputMode},
+                     {Term().inCodePage, c.inCodePage}, {Term().specialFont, c.special}, {Term().fewColours, c.few}});
   }
 }
 

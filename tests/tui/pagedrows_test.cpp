@@ -8,7 +8,11 @@
 #include <algorithm>
 #include <vector>
 
+#include "base/expect_rows.h"
+
 namespace {
+
+using test_rows::ExpectRows;
 
 struct Key {
   bool set = false;
@@ -95,14 +99,11 @@ TEST(PagedRowsTest, ReloadKeepsTheScreenAndTheBarOrFallsBack) {
   ASSERT_TRUE(pager.Step(true));  // 11..20, the bar on 12
   list.rows.erase(std::find(list.rows.begin(), list.rows.end(), 15));
   pager.Reload();
-  EXPECT_EQ(pager.Rows().front(), 11);
-  EXPECT_EQ(*pager.Current(), 12);
-  EXPECT_EQ(pager.Rows().back(), 21);
+  ExpectRows<int>({{pager.Rows().front(), 11}, {*pager.Current(), 12}, {pager.Rows().back(), 21}});
   // Everything from the screen on is gone: the list starts again from the top.
   list.rows.resize(5);
   pager.Reload();
-  EXPECT_EQ(pager.Rows().front(), 1);
-  EXPECT_EQ(*pager.Current(), 2);
+  ExpectRows<int>({{pager.Rows().front(), 1}, {*pager.Current(), 2}});
 }
 
 }  // namespace

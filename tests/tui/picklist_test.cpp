@@ -2,10 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include "base/expect_rows.h"
 #include "base/file_fixture.h"
 #include "form_fixture.h"
 
 namespace {
+
+using test_rows::ExpectRows;
 
 using namespace form_test;
 
@@ -130,11 +133,10 @@ TEST_F(PickListTest, TwentyFiveChoicesGoOnInASecondBox) {
   const Snapshot& first = Seen().at(0);
   const Snapshot& second = Seen().at(1);
   // First box: title and 21 rows in 22 lines, the Esc line over the bottom frame.
+  // Choice 21 has the key-cap of letter K.
   EXPECT_EQ(first.Cells(1, 25, 1), "\xDA");
-  EXPECT_EQ(first.RowOf("Wybierz:"), 2);
-  EXPECT_EQ(first.RowOf("\xCF\x10 n21"), 23) << "choice 21 has the key-cap of letter K";
-  EXPECT_EQ(first.RowOf("╤╥û - rezygnacja z wybierania"_mz.View()), 24);
-  EXPECT_EQ(first.RowOf("n22"), 0);
+  ExpectRows<int>({{first.RowOf("Wybierz:"), 2}, {first.RowOf("\xCF\x10 n21"), 23},
+                   {first.RowOf("╤╥û - rezygnacja z wybierania"_mz.View()), 24}, {first.RowOf("n22"), 0}});
   // End goes to the further box: its title and choices 22 to 25.
   EXPECT_NE(second.RowOf("Wybierz dalej:"), 0);
   EXPECT_EQ(second.RowsWith(" n2") - second.RowsWith(" n2 "), 4);
