@@ -66,21 +66,6 @@ TEST_F(MessageBoxTest, EachCodeTakesItsKeysLeavesTheRestAndRestoresTheScreen) {
   }
 }
 
-TEST_F(MessageBoxTest, CodeTwoLeavesTheBoxUpAndTheCallersRestoreRemovesIt) {
-  Snapshot before = Capture();
-  ScreenCopyPtr copy;
-  ScreenSave(copy);
-  MessageBox(ShortText("Trwa kasowanie...@[          ]"), 2);
-  // No bottom line: one row shorter; the window is the box.
-  WindowRect w = CurrentWindow();
-  EXPECT_EQ(Cells(12, w.left + 1, 17), "Trwa kasowanie...");
-  ExpectRows<int>({{w.top, 11}, {w.bottom, 14}, {CharAt(w.left, 14), 0xD4}, {CurrentAttr(), 0x07}});
-  ScreenRestore(copy);
-  Window(before.window.left, before.window.top, before.window.right, before.window.bottom);
-  GotoXY(before.x, before.y);
-  EXPECT_EQ(Capture(), Restored(before));
-}
-
 TEST_F(MessageBoxTest, EachKindOfBoxSitsWhereItsTextAndPlacePutIt) {
   const WindowRect kAsFilled{3, 4, 60, 20};  // the window that FillBackground leaves
   ShortText manyLines;                       // 25 breaks
@@ -156,29 +141,38 @@ TEST_F(MessageBoxTest, TimedBottomBoxWritesItsWaitLineOverTheBottomFrame) {
   EXPECT_NE(sent.find("Zaczekaj"), std::string::npos);
 }
 
-TEST_F(MessageBoxTest, ProgressBarFillsCountsAndPercents) {
+TEST_F(MessageBoxTest, CodeTwoLeavesTheBoxUpForItsProgressBarUntilTheCallerRestores) {
   struct Case {
     const char* text;
     long done, total;
     const char* shown;
+    int top;  // of a box without a bottom line: one row shorter, ending on row 14
   } cases[] = {
-      {"Trwa kasowanie...@[          ]", 3, 10, "\xDB\xDB\xDB       "},
-      {"Liczenie@[          /          ]", 42, 1000, "        42/1000      "}, {"Zapis [   %]", 1, 3, " 33"},
-      {"Koniec [          ]", 12, 10, "\xDB\xDB\xDB\xDB\xDB\xDB\xDB\xDB\xDB\xDB"},
+      {"Trwa kasowanie...@[          ]", 3, 10, "\xDB\xDB\xDB       ", 11},
+      {"Liczenie@[          /          ]", 42, 1000, "        42/1000      ", 11}, {"Zapis [   %]", 1, 3, " 33", 12},
+      {"Koniec [          ]", 12, 10, "\xDB\xDB\xDB\xDB\xDB\xDB\xDB\xDB\xDB\xDB", 12},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.text);
-    ShortText text(c.text);
+    const Snapshot before = Capture();
+    const ShortText text(c.text);
     ScreenCopyPtr copy;
     ScreenSave(copy);
     MessageBox(text, 2);
+    // The window is the box.
+    const WindowRect w = CurrentWindow();
+    const ShortText firstLine = text.Copy(1, text.Pos('@') > 0 ? text.Pos('@') - 1 : text.Length());
+    EXPECT_EQ(Cells(w.top + 1, w.left + 1, firstLine.Length()), firstLine.Str());
+    ExpectRows<int>({{w.top, c.top}, {w.bottom, 14}, {CharAt(w.left, 14), 0xD4}, {CurrentAttr(), 0x07}});
     ProgressBar bar = FindProgressBar(text);
     ASSERT_NE(bar.kind, ProgressBar::kNone);
     ShowProgress(bar, c.done, c.total);
-    WindowRect w = CurrentWindow();
     EXPECT_EQ(Cells(w.top + bar.y - 1, w.left + bar.x - 1, 1), "[");
     EXPECT_EQ(Cells(w.top + bar.y - 1, w.left + bar.x, static_cast<int>(strlen(c.shown))), c.shown);
     ScreenRestore(copy);
+    Window(before.window.left, before.window.top, before.window.right, before.window.bottom);
+    GotoXY(before.x, before.y);
+    EXPECT_EQ(Capture(), Restored(before));
   }
   EXPECT_EQ(FindProgressBar(ShortText("Bez paska [x]")).kind, ProgressBar::kNone);
 }
