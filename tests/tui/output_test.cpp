@@ -110,36 +110,26 @@ TEST_F(OutputTest, EachKindShowsKeyCapsLettersAndControlBytesItsWay) {
   }
 }
 
-TEST_F(OutputTest, AttributesBecomeAnsiColoursOncePerRun) {
-  tui_test::InitTerminal("linux");
-  Sent();
-  TextAttr(0x1E);  // yellow on blue
-  WriteAt(1, 1, ShortText("ab"));
-  WriteAt(3, 1, ShortText("cd"));  // continues where the cursor is: no move, no colour
-  TextAttr(0x4F);
-  WriteAt(5, 1, ShortText("e"));
-  TextAttr(0x07);
-  WriteAt(10, 2, ShortText("f"));
-  // The cursor was already at 1, 1 and ends where the logical cursor is.
-  // A colour change says only what changed; losing bold needs a reset.
-  EXPECT_EQ(Sent(), "\x1b[0;33;44;1mabcd\x1b[37;41me\x1b[2;10H\x1b[0;37;40mf");
-}
-
-TEST_F(OutputTest, ColourChangesSayOnlyWhatChanged) {
+TEST_F(OutputTest, ColourAndCursorChangesSayOnlyWhatChanged) {
   struct Step {
     unsigned char attr;
-    const char* sgr;
+    int x, y;
+    const char* text;
+    const char* sent;
   } steps[] = {
-      {0x07, "\x1b[0;37;40m"}, {0x17, "\x1b[44m"},         {0x1F, "\x1b[1m"},  {0x1E, "\x1b[33m"},
-      {0x4E, "\x1b[41m"},      {0x47, "\x1b[0;37;41m"},    {0xC7, "\x1b[5m"},  {0x07, "\x1b[0;37;40m"}, {0x07, ""},
+      // Text that goes on where the cursor is needs no move and no colour.
+      {0x1E, 1, 1, "ab", "\x1b[0;33;44;1mab"}, {0x1E, 3, 1, "cd", "cd"}, {0x4F, 5, 1, "e", "\x1b[37;41me"},
+      // A move says where; losing bold or blink needs a reset.
+      {0x07, 10, 2, "f", "\x1b[2;10H\x1b[0;37;40mf"}, {0x17, 11, 2, "x", "\x1b[44mx"}, {0x1F, 12, 2, "x", "\x1b[1mx"},
+      {0x1E, 13, 2, "x", "\x1b[33mx"}, {0x4E, 14, 2, "x", "\x1b[41mx"}, {0x47, 15, 2, "x", "\x1b[0;37;41mx"},
+      {0xC7, 16, 2, "x", "\x1b[5mx"}, {0x07, 17, 2, "x", "\x1b[0;37;40mx"}, {0x07, 18, 2, "x", "x"},
   };
   tui_test::InitTerminal("linux");
   Sent();
-  int x = 1;
   for (const auto& s : steps) {
     TextAttr(s.attr);
-    WriteAt(x++, 1, ShortText("x"));
-    EXPECT_EQ(Sent(), std::string(s.sgr) + "x") << int(s.attr);
+    WriteAt(s.x, s.y, ShortText(s.text));
+    EXPECT_EQ(Sent(), s.sent) << int(s.attr);
   }
 }
 
