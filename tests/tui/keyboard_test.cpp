@@ -104,6 +104,10 @@ TEST_F(KeyboardTest, Utf8LettersFromTheTerminalBecomeMazoviaWithTheirScans) {
   std::vector<KeyPair> want = {KeyOfByte('Z'), KeyOfByte('a')};
   for (int i = 0; i < 18; ++i) want.push_back({static_cast<unsigned char>(mazovia.At(i + 1)), KeyOfByte(under[i]).scan});
   EXPECT_EQ(KeysFromBytes("ZaęĘąĄćĆóÓśŚłŁżŻźŹńŃ"), want);
+  // Bytes already in the key buffer combine the same way.
+  (void)PushKey(0xC4, 32);
+  (void)PushKey(0x99, 0);
+  EXPECT_EQ(ReadKeyRaw(), want[2]);
   // Another two-byte letter is not Polish, nor is a lead byte before a plain one: the bytes come as they are.
   EXPECT_EQ(KeysFromBytes("\xC3\xA9\xC4x"), (std::vector<KeyPair>{{0xC3, 46}, KeyOfByte(0xA9), {0xC4, 32}, {'x', 45}}));
 }
