@@ -50,7 +50,7 @@ TEST_F(MessageBoxTest, EachCodeTakesItsKeysLeavesTheRestAndRestoresTheScreen) {
       {0, {{'a', 30}, keys::F(2), {' ', 57}, keys::kEnter, b}, false, {b}},
       // Code -1 lets any other key through; Esc ends it and takes the rest.
       {-1, {z, y}, false, {z, y}}, {-1, {esc, y}, false, {}},
-      // A timed box shows its wait line and leaves typed keys alone.
+      // A timed box leaves typed keys alone.
       {20, {{'q', 16}}, false, {{'q', 16}}}, {3, {esc}, false, {esc}},
   };
   for (const auto& c : cases) {
