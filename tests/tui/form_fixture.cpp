@@ -70,14 +70,9 @@ void Play(std::vector<std::vector<KeyPair>> steps) {
 
 const std::vector<Snapshot>& Seen() { return g_script.seen; }
 
-std::vector<KeyPair> Typed(const std::string& text) {
+std::vector<KeyPair> Keys(const std::string& text, std::vector<KeyPair> after) {
   std::vector<KeyPair> keys;
   for (unsigned char c : text) keys.push_back(KeyOfByte(c));
-  return keys;
-}
-
-std::vector<KeyPair> Keys(const std::string& text, std::vector<KeyPair> after) {
-  std::vector<KeyPair> keys = Typed(text);
   keys.insert(keys.end(), after.begin(), after.end());
   return keys;
 }

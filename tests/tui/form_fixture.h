@@ -47,9 +47,7 @@ void ExpectCells(const Snapshot& s, const std::vector<Cell>& cells);
 void Play(std::vector<std::vector<KeyPair>> steps);
 // Seen()[i] is the screen before step i was pushed.
 const std::vector<Snapshot>& Seen();
-// The keys of typed ASCII text.
-std::vector<KeyPair> Typed(const std::string& text);
-// A step of typed text followed by keys.
+// A step of typed ASCII text followed by keys.
 std::vector<KeyPair> Keys(const std::string& text, std::vector<KeyPair> after = {});
 
 class FormTest : public tui_test::TuiTest {
