@@ -2,23 +2,17 @@
 
 #include <gtest/gtest.h>
 
+#include "base/expect_rows.h"
 #include "base/mazovia.h"
-#include "tui_fixture.h"
+#include "form_fixture.h"
 
 namespace {
 
-// Every row of the screen as the first box showed it.
-std::string g_screenSeen;
-void LookThenEnter() {
-  g_screenSeen.clear();
-  for (int r = 1; r <= 25; ++r) g_screenSeen += RowText(r).Str();
-  SetKeyIdleHook(nullptr);
-  (void)PushKey(13, 28);
-}
+using test_rows::ExpectRows;
 
-void TypeKeys(const char* text) {
-  for (const char* p = text; *p; ++p) (void)PushKey(static_cast<unsigned char>(*p), 0);
-}
+using form_test::Capture;
+using form_test::Keys;
+using form_test::Play;
 
 // A machine clock whose date the test sets and reads.
 struct FakeClock {
@@ -40,25 +34,20 @@ struct FakeClock {
 };
 constexpr ClockAccess kFake{FakeClock::Read, FakeClock::Set};
 
-class DateDialogTest : public tui_test::TuiTest {
+class DateDialogTest : public form_test::FormTest {
  protected:
-  void TearDown() override {
-    SetKeyIdleHook(nullptr);
-    DiscardPendingKeys();
-    TuiTest::TearDown();
+  // Whether the screen of the first box showed the text.
+  static bool Seen(const ShortText& text) {
+    return !form_test::Seen().empty() && form_test::Seen().at(0).RowOf(text.View()) > 0;
   }
-  static bool Seen(const ShortText& text) { return g_screenSeen.find(text.Str()) != std::string::npos; }
 };
 
 TEST_F(DateDialogTest, GoodDatesAndTimesPassWithoutABox) {
-  std::string before;
-  for (int r = 1; r <= 25; ++r) before += RowText(r).Str();
+  const auto before = Capture().rows;
   EXPECT_TRUE(DateValidWithMessage(ShortText("29-02-2000"), 10));
   EXPECT_TRUE(DateValidWithMessage(ShortText("01-01-96"), 8));
   EXPECT_TRUE(TimeValidWithMessage(ShortText("24.00")));
-  std::string after;
-  for (int r = 1; r <= 25; ++r) after += RowText(r).Str();
-  EXPECT_EQ(before, after);
+  EXPECT_EQ(Capture().rows, before);
 }
 
 TEST_F(DateDialogTest, RefusedDateExplainsTheLayoutOfItsLengthAndKeepsTheColour) {
@@ -73,7 +62,7 @@ TEST_F(DateDialogTest, RefusedDateExplainsTheLayoutOfItsLengthAndKeepsTheColour)
   for (const auto& c : cases) {
     SCOPED_TRACE(c.date);
     TextAttr(0x1E);
-    SetKeyIdleHook(LookThenEnter);
+    Play({{keys::kEnter}});
     EXPECT_FALSE(DateValidWithMessage(ShortText(c.date), c.length));
     EXPECT_EQ(CurrentAttr(), 0x1E);
     EXPECT_TRUE(Seen("Nieprawidłowo podana data."_mz));
@@ -84,7 +73,7 @@ TEST_F(DateDialogTest, RefusedDateExplainsTheLayoutOfItsLengthAndKeepsTheColour)
 }
 
 TEST_F(DateDialogTest, RefusedTimeExplainsTheLayout) {
-  SetKeyIdleHook(LookThenEnter);
+  Play({{keys::kEnter}});
   EXPECT_FALSE(TimeValidWithMessage(ShortText("24.01")));
   EXPECT_TRUE(Seen("Nieprawidłowo podany czas."_mz));
   EXPECT_TRUE(Seen("może być przedstawiane tylko jako czas po godzinie zero."_mz));
@@ -100,59 +89,39 @@ TEST_F(DateDialogTest, ClockFrom1995OnIsLeftAlone) {
 TEST_F(DateDialogTest, EarlyClockAsksForTheDateUntilItIsValidAndSetsIt) {
   FakeClock::Reset(1980);
   WriteAt(1, 12, ShortText("tlo"));
-  std::string before;
-  for (int r = 1; r <= 25; ++r) before += RowText(r).Str();
-  TypeKeys("31-02-2024\r");  // refused: the layout box takes the next Enter
-  (void)PushKey(13, 28);
-  for (int i = 0; i < 10; ++i) (void)PushKey(8, 14);
-  // The key buffer holds 32 keys: the good date comes when the rest is read.
-  SetKeyIdleHook([] {
-    SetKeyIdleHook(nullptr);
-    TypeKeys("15-06-2024\r");
-  });
+  const auto before = Capture().rows;
+  // Refused: the layout box takes the next Enter, and the field is emptied for the good date.
+  std::vector<KeyPair> again(10, keys::kBackspace);
+  const std::vector<KeyPair> good = Keys("15-06-2024", {keys::kEnter});
+  again.insert(again.end(), good.begin(), good.end());
+  Play({Keys("31-02-2024", {keys::kEnter}), {keys::kEnter}, again});
   SystemClockCheck(kFake);
-  EXPECT_EQ(FakeClock::sets, 1);
-  EXPECT_EQ(FakeClock::year, 2024);
-  EXPECT_EQ(FakeClock::month, 6);
-  EXPECT_EQ(FakeClock::day, 15);
-  EXPECT_EQ(KeysBuffered(), 0);
-  std::string after;
-  for (int r = 1; r <= 25; ++r) after += RowText(r).Str();
-  EXPECT_EQ(before, after);
+  ExpectRows<int>({{FakeClock::sets, 1}, {FakeClock::year, 2024}, {FakeClock::month, 6}, {FakeClock::day, 15},
+                   {KeysBuffered(), 0}});
+  EXPECT_EQ(Capture().rows, before);
 }
 
 TEST_F(DateDialogTest, ClockThatForgetsTheDateIsReported) {
   FakeClock::Reset(1980);
   FakeClock::keeps = false;
-  TypeKeys("15-06-2024\r");
-  SetKeyIdleHook(LookThenEnter);
+  Play({Keys("15-06-2024", {keys::kEnter}), {keys::kEnter}});
   SystemClockCheck(kFake);
-  EXPECT_TRUE(Seen("Twój komputer źle zapamiętuje daty."_mz));
+  EXPECT_NE(form_test::Seen().at(1).RowOf("Twój komputer źle zapamiętuje daty."_mz.View()), 0);
 }
 
 TEST(DateDialogDeathTest, EscOrAnUnreadableDateEndsTheProgram) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
-  EXPECT_EXIT(
-      {
-        std::string sink;
-        TermOutputToBuffer(&sink);
-        tui_test::InitTerminal("xterm");
-        FakeClock::Reset(1980);
-        (void)PushKey(27, 1);
-        SystemClockCheck(kFake);
-      },
-      ::testing::ExitedWithCode(0), "");
-  EXPECT_EXIT(
-      {
-        std::string sink;
-        TermOutputToBuffer(&sink);
-        tui_test::InitTerminal("xterm");
-        FakeClock::Reset(2000);
-        FakeClock::readable = false;
-        (void)PushKey(13, 28);
-        SystemClockCheck(kFake);
-      },
-      ::testing::ExitedWithCode(0), "");
+  const auto check = [](int year, bool readable, KeyPair key) {
+    std::string sink;
+    TermOutputToBuffer(&sink);
+    tui_test::InitTerminal("xterm");
+    FakeClock::Reset(year);
+    FakeClock::readable = readable;
+    (void)PushKey(key.ch, key.scan);
+    SystemClockCheck(kFake);
+  };
+  EXPECT_EXIT(check(1980, true, keys::kEsc), ::testing::ExitedWithCode(0), "");
+  EXPECT_EXIT(check(2000, false, keys::kEnter), ::testing::ExitedWithCode(0), "");
 }
 
 }  // namespace

@@ -2,10 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include "base/expect_rows.h"
 #include "form_fixture.h"
 #include "tui/msgbox.h"
 
 namespace {
+
+using test_rows::ExpectRows;
 
 using namespace form_test;
 
@@ -28,7 +31,7 @@ class EditFieldTest : public form_test::FormTest {
   ShortText Edit(int mode, int width, const ShortText& start, std::vector<KeyPair> keys, unsigned char fill = ' ',
                  int endMode = 1) {
     GotoXY(5, 3);
-    Play({keys, {keys::kEnter}});
+    Play(keys.empty() ? std::vector<std::vector<KeyPair>>{{keys::kEnter}} : std::vector{keys, {keys::kEnter}});
     ShortText text = start;
     EditField(mode, endMode, fill, width, text, key_);
     return text;
@@ -37,57 +40,58 @@ class EditFieldTest : public form_test::FormTest {
   unsigned char key_ = 0;
 };
 
-TEST_F(EditFieldTest, ModesTakeTheirBytes) {
+TEST_F(EditFieldTest, EditsGiveTheTextOfTheirMode) {
+  const KeyPair home = keys::kHome, left = keys::kLeft, right = keys::kRight, del = keys::kDel, bs = keys::kBackspace;
   struct Case {
     int mode, width;
-    const char* typed;
+    const char* start;
+    std::vector<KeyPair> keys;
+    unsigned char fill;
     const char* want;
   } cases[] = {
-      {1, 10, "Ab 1,;", "Ab 1,;"}, {2, 8, "311299", "31.12.99"}, {3, 10, "a1b2-.", "12"}, {4, 10, "1-2,5,3", "12.53"},
-      {4, 10, "--1", "-1"}, {5, 12, "a b/X_-.9*", "ab/X_-.9"}, {6, 10, "3,14", "3.14"}, {7, 8, "010203", "01-02-03"},
-      {7, 10, "3112a2001", "31-12-2001"}, {8, 10, "abc", "ABC"}, {9, 10, "1-2", "12"}, {9, 10, "-12.5", "-125"},
-      {10, 10, "1,2-3.", "1,23"}, {12, 15, "PL1234567890", "PL123-456-78-90"},
-      {12, 17, "DEx1234567890ab", "DE123-456-78-90ab"}, {13, 10, "+1,5a", "+1.5"}, {14, 10, "1.234", "1.23"},
-      {14, 10, "12,3456", "12.34"}, {15, 10, "Tajne", "Tajne"}, {16, 10, "a-b1_Z", "ab1Z"},
+      // What each mode takes of typed bytes.
+      {1, 10, "", Keys("Ab 1,;"), ' ', "Ab 1,;"}, {2, 8, "", Keys("311299"), ' ', "31.12.99"},
+      {3, 10, "", Keys("a1b2-."), ' ', "12"}, {4, 10, "", Keys("1-2,5,3"), ' ', "12.53"},
+      {4, 10, "", Keys("--1"), ' ', "-1"}, {5, 12, "", Keys("a b/X_-.9*"), ' ', "ab/X_-.9"},
+      {6, 10, "", Keys("3,14"), ' ', "3.14"}, {7, 8, "", Keys("010203"), ' ', "01-02-03"},
+      {7, 10, "", Keys("3112a2001"), ' ', "31-12-2001"}, {8, 10, "", Keys("abc"), ' ', "ABC"},
+      {9, 10, "", Keys("1-2"), ' ', "12"}, {9, 10, "", Keys("-12.5"), ' ', "-125"},
+      {10, 10, "", Keys("1,2-3."), ' ', "1,23"}, {12, 15, "", Keys("PL1234567890"), ' ', "PL123-456-78-90"},
+      {12, 17, "", Keys("DEx1234567890ab"), ' ', "DE123-456-78-90ab"}, {13, 10, "", Keys("+1,5a"), ' ', "+1.5"},
+      {14, 10, "", Keys("1.234"), ' ', "1.23"}, {14, 10, "", Keys("12,3456"), ' ', "12.34"},
+      {15, 10, "", Keys("Tajne"), ' ', "Tajne"}, {16, 10, "", Keys("a-b1_Z"), ' ', "ab1Z"},
+      // Mazovia letters, and capitals.
+      {1, 10, "", {{0x86, 30}, {0x92, 38}}, ' ', "\x86\x92"}, {8, 10, "", {{0x86, 30}, {'z', 44}}, ' ', "\x8FZ"},
+      {16, 10, "", {{0x86, 30}, {'z', 44}}, ' ', "z"},
+      // Mode 14 refuses a third decimal but not a digit before the point.
+      {14, 10, "1.23", Keys("4"), ' ', "1.23"}, {14, 10, "1.23", {home, {'5', 6}}, ' ', "51.23"},
+      {4, 10, "1.23", Keys("4."), ' ', "1.234"},
+      // Fixed formats: Backspace and Del clear a cell to the fill and never touch a separator; typing over a
+      // filled field passes the separators; Ctrl+Backspace empties it and starts again at its beginning.
+      {7, 8, "", {}, '_', "__-__-__"}, {7, 8, "", Keys("0102"), '_', "01-02-__"},
+      {7, 8, "01-02-03", {bs}, '_', "01-02-0_"}, {7, 8, "01-02-03", {left, left, bs}, '_', "01-0_-03"},
+      {2, 8, "01.02.03", {home, right, right, del}, '_', "01._2.03"},
+      {7, 8, "01-02-03", {home, {'1', 2}, {'1', 2}, {'1', 2}}, ' ', "11-12-03"},
+      {7, 8, "01-02-03", {kCtrlBackspace, {'9', 10}}, '_', "9_-__-__"},
+      // The editing keys of a free field four wide.
+      {1, 4, "abc", {left, left, del}, ' ', "ac"}, {1, 4, "abc", {home, {'x', 45}}, ' ', "xabc"},
+      {1, 4, "abc", {bs}, ' ', "ab"}, {1, 4, "abc", {home, bs, del}, ' ', "bc"},
+      {1, 4, "abc", {home, keys::kEnd, {'d', 32}}, ' ', "abcd"}, {1, 4, "abc", {right, right, {'d', 32}}, ' ', "abcd"},
+      {1, 4, "abc", {kCtrlBackspace, {'z', 44}}, ' ', "z"}, {1, 4, "abcdef", {}, ' ', "abcd"},
+      {1, 4, "abcd", {{'e', 18}}, ' ', "abcd"},
   };
   for (const auto& c : cases) {
-    SCOPED_TRACE(c.typed);
-    EXPECT_EQ(Edit(c.mode, c.width, ShortText(), form_test::Typed(c.typed)), ShortText(c.want)) << c.mode;
+    SCOPED_TRACE(::testing::Message() << c.mode << " " << c.start << " " << c.want);
+    EXPECT_EQ(Edit(c.mode, c.width, ShortText(c.start), c.keys, c.fill), ShortText(c.want));
     EXPECT_EQ(key_, 13);
   }
 }
 
-TEST_F(EditFieldTest, MazoviaLettersAndCapitals) {
-  EXPECT_EQ(Edit(1, 10, ShortText(), {{0x86, 30}, {0x92, 38}}), ShortText("\x86\x92"));
-  EXPECT_EQ(Edit(8, 10, ShortText(), {{0x86, 30}, {'z', 44}}), ShortText("\x8FZ"));
-  EXPECT_EQ(Edit(16, 10, ShortText(), {{0x86, 30}, {'z', 44}}), ShortText("z"));
-}
-
-TEST_F(EditFieldTest, Mode14RefusesAThirdDecimalButNotADigitBeforeThePoint) {
-  EXPECT_EQ(Edit(14, 10, ShortText("1.23"), Keys("4")), ShortText("1.23"));
-  EXPECT_EQ(Edit(14, 10, ShortText("1.23"), {keys::kHome, {'5', 6}}), ShortText("51.23"));
-  EXPECT_EQ(Edit(4, 10, ShortText("1.23"), Keys("4.")), ShortText("1.234"));
-}
-
-TEST_F(EditFieldTest, Mode15ShowsStarsAndReturnsTheText) {
-  EXPECT_EQ(Edit(15, 8, ShortText(), Keys("haslo")), ShortText("haslo"));
+TEST_F(EditFieldTest, ShownFieldsStarsAndMasks) {
+  Edit(15, 8, ShortText(), Keys("haslo"));
   EXPECT_EQ(Shown(8), "*****   ");
-}
-
-TEST_F(EditFieldTest, FixedFormatMasksAndSeparators) {
-  EXPECT_EQ(Edit(7, 8, ShortText(), {}, '_'), ShortText("__-__-__"));
+  Edit(7, 8, ShortText(), {}, '_');
   EXPECT_EQ(Shown(8), "__-__-__");
-  EXPECT_EQ(Edit(7, 8, ShortText(), Keys("0102"), '_'), ShortText("01-02-__"));
-  // Backspace and Del clear a cell to the fill and never touch a separator.
-  EXPECT_EQ(Edit(7, 8, ShortText("01-02-03"), {keys::kBackspace}, '_'), ShortText("01-02-0_"));
-  EXPECT_EQ(Edit(7, 8, ShortText("01-02-03"), {keys::kLeft, keys::kLeft, keys::kBackspace}, '_'),
-            ShortText("01-0_-03"));
-  EXPECT_EQ(Edit(2, 8, ShortText("01.02.03"), {keys::kHome, keys::kRight, keys::kRight, keys::kDel}, '_'),
-            ShortText("01._2.03"));
-  // The cursor passes over separators when typing over a filled field.
-  EXPECT_EQ(Edit(7, 8, ShortText("01-02-03"), {keys::kHome, {'1', 2}, {'1', 2}, {'1', 2}}), ShortText("11-12-03"));
-  // Ctrl+Backspace empties the field and starts again at its beginning.
-  EXPECT_EQ(Edit(7, 8, ShortText("01-02-03"), {kCtrlBackspace, {'9', 10}}, '_'), ShortText("9_-__-__"));
   EXPECT_EQ(FieldMask(12, '.', 16), ShortText(".....-...-..-..."));
   EXPECT_EQ(FieldMask(1, '.', 3), ShortText("..."));
   GotoXY(1, 5);
@@ -96,35 +100,15 @@ TEST_F(EditFieldTest, FixedFormatMasksAndSeparators) {
   EXPECT_EQ(WhereX(), 1);
 }
 
-TEST_F(EditFieldTest, EditingKeysOfAFreeField) {
-  struct Case {
-    const char* start;
-    std::vector<KeyPair> keys;
-    const char* want;
-  } cases[] = {
-      {"abc", {keys::kLeft, keys::kLeft, keys::kDel}, "ac"}, {"abc", {keys::kHome, {'x', 45}}, "xabc"},
-      {"abc", {keys::kBackspace}, "ab"}, {"abc", {keys::kHome, keys::kBackspace, keys::kDel}, "bc"},
-      {"abc", {keys::kHome, keys::kEnd, {'d', 32}}, "abcd"}, {"abc", {keys::kRight, keys::kRight, {'d', 32}}, "abcd"},
-      {"abc", {kCtrlBackspace, {'z', 44}}, "z"}, {"abcdef", {}, "abcd"}, {"abcd", {{'e', 18}}, "abcd"},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.start);
-    EXPECT_EQ(Edit(1, 4, ShortText(c.start), c.keys), ShortText(c.want));
-  }
-}
-
 TEST_F(EditFieldTest, WidthAboveSeventyNineWorksAtSeventyNine) {
-  GotoXY(1, 3);
-  Play({{keys::kEnter}});
-  ShortText text(std::string(100, 'w'));
-  EditField(1, 1, '.', 120, text, key_);
-  EXPECT_EQ(text.Length(), 79);
-  EXPECT_EQ(tui_test::Cells(3, 1, 80), std::string(79, 'w') + " ");
-  Play({{keys::kEnter}});
-  GotoXY(1, 3);
-  text = ShortText();
-  EditField(1, 1, '.', 120, text, key_);
-  EXPECT_EQ(tui_test::Cells(3, 1, 80), std::string(79, '.') + " ");
+  for (const std::string& start : {std::string(100, 'w'), std::string()}) {
+    GotoXY(1, 3);
+    Play({{keys::kEnter}});
+    ShortText text(start);
+    EditField(1, 1, '.', 120, text, key_);
+    EXPECT_EQ(text, ShortText(start.substr(0, 79)));
+    EXPECT_EQ(tui_test::Cells(3, 1, 80), std::string(79, start.empty() ? '.' : 'w') + " ");
+  }
 }
 
 TEST_F(EditFieldTest, Mode11EndsWhenFull) {
@@ -186,9 +170,7 @@ TEST_F(EditFieldTest, CheckedDateAsksAndStartsAgain) {
   Play({Keys("0102", {keys::kEnter}), Keys("n"), Keys("03", {keys::kEnter})});
   EditFieldChecked(7, 1, ' ', 8, ShortText(), key_, out);
   EXPECT_EQ(out, ShortText("01-02-03"));
-  bool asked = false;
-  for (int r = 1; r <= 25; ++r) asked = asked || Seen().at(1).rows[r].Pos("Taka data jest niepoprawna. Czy tak ma b"_mz.View()) > 0;
-  EXPECT_TRUE(asked);
+  EXPECT_NE(Seen().at(1).RowOf("Taka data jest niepoprawna. Czy tak ma b"_mz.View()), 0);
   EXPECT_EQ(CurrentAttr(), 0x70);
   // "yes" keeps the incomplete date; F2 is never asked about.
   Play({Keys("01", {keys::kEnter}), Keys("t")});
@@ -233,12 +215,9 @@ TEST_F(EditLineTest, ScrollsToKeepTheCursorInView) {
   ShortText out;
   EditLine(false, 1, '.', 5, 254, ShortText(), key_, out);
   EXPECT_EQ(out, ShortText("abcdefgh"));
-  EXPECT_EQ(Seen().at(1).Cells(3, 5, 6), "efgh. ");
-  EXPECT_EQ(Seen().at(1).x, 9);
-  EXPECT_EQ(Seen().at(2).Cells(3, 5, 5), "abcde");
-  EXPECT_EQ(Seen().at(2).x, 5);
-  EXPECT_EQ(Seen().at(3).Cells(3, 5, 5), "defgh");
-  EXPECT_EQ(Seen().at(3).x, 5);
+  ExpectRows<std::string>({{Seen().at(1).Cells(3, 5, 6), "efgh. "}, {Seen().at(2).Cells(3, 5, 5), "abcde"},
+                           {Seen().at(3).Cells(3, 5, 5), "defgh"}});
+  ExpectRows<int>({{Seen().at(1).x, 9}, {Seen().at(2).x, 5}, {Seen().at(3).x, 5}});
 }
 
 TEST_F(EditLineTest, MaximumLengthCapitalsAndKeys) {

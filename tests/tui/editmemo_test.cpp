@@ -1,13 +1,9 @@
 #include "tui/editmemo.h"
 
 #include <gtest/gtest.h>
-#include <unistd.h>
-
-#include <cstdio>
-#include <fstream>
-#include <sstream>
 
 #include "base/expect_rows.h"
+#include "base/file_fixture.h"
 #include "form_fixture.h"
 #include "tui/askvalue.h"
 
@@ -20,30 +16,7 @@ using namespace form_test;
 constexpr KeyPair kCtrlBackspace{127, 14};
 const MemoWindow kWindow{10, 5, 40, 8};  // three rows of text, the keys on row 8
 
-std::string ReadAll(const std::string& path) {
-  std::ifstream in(path);
-  std::stringstream s;
-  s << in.rdbuf();
-  return s.str();
-}
-
-class EditMemoTest : public form_test::FormTest {
- protected:
-  void TearDown() override {
-    if (!path_.empty()) std::remove(path_.c_str());
-    std::remove((path_ + ".$$$").c_str());
-    FormTest::TearDown();
-  }
-  std::string TempFile(const std::string& content) {
-    char name[] = "/tmp/memoXXXXXX";
-    int fd = mkstemp(name);
-    close(fd);
-    path_ = name;
-    std::ofstream(path_) << content;
-    return path_;
-  }
-  std::string path_;
-};
+class EditMemoTest : public FormTest {};
 
 TEST_F(EditMemoTest, EditsLinesAndConfirmsWithF10) {
   std::string block = "jeden\ndwa\n";
@@ -51,9 +24,8 @@ TEST_F(EditMemoTest, EditsLinesAndConfirmsWithF10) {
   EXPECT_TRUE(EditMemo(block, kWindow, false));
   EXPECT_EQ(block, "jedenX\ntrzycztery\n") << "Tab on the last line stays there";
   const Snapshot& s = Seen().at(0);
-  ExpectRows<std::string>({{s.Cells(5, 10, 6), "jeden "}, {s.Cells(6, 10, 4), "dwa "},
-                           {s.Cells(8, 10, 31), "╪╓ü - przemieszczanie kursora ╫"_mz.Str()}});
-  ExpectRows<int>({{s.Attr(10, 5), 0x1F}, {s.Attr(10, 8), 0x47}, {s.x, 6}});  // the cursor after "jeden"
+  ExpectCells(s, {{5, 10, "jeden ", 0x1F}, {6, 10, "dwa "}, {8, 10, "╪╓ü - przemieszczanie kursora ╫"_mz.Str(), 0x47}});
+  EXPECT_EQ(s.x, 6);  // the cursor after "jeden"
 }
 
 TEST_F(EditMemoTest, EscLeavesTheTextAsItWas) {
@@ -70,8 +42,7 @@ TEST_F(EditMemoTest, EnterOnTheLastLineAddsOneAndTheWindowScrolls) {
   Play({Keys("a", {keys::kEnter}), Keys("b", {keys::kEnter}), Keys("c", {keys::kEnter}), Keys("d", {keys::F(10)})});
   EXPECT_TRUE(EditMemo(block, kWindow, false));
   EXPECT_EQ(block, "a\nb\nc\nd\n");
-  ExpectRows<std::string>({{Seen().back().Cells(5, 10, 1), "b"}, {Seen().back().Cells(6, 10, 1), "c"},
-                           {Seen().back().Cells(7, 10, 1), " "}});
+  ExpectCells(Seen().back(), {{5, 10, "b"}, {6, 10, "c"}, {7, 10, " "}});
 }
 
 TEST_F(EditMemoTest, ReadOnlyShowsAndScrollsUntilEsc) {
@@ -85,18 +56,20 @@ TEST_F(EditMemoTest, ReadOnlyShowsAndScrollsUntilEsc) {
 }
 
 TEST_F(EditMemoTest, FileIsWrittenBackOnlyOnF10AndLongLinesKeepTheirTail) {
-  std::string longLine(100, 'q');
-  std::string path = TempFile("pierwsza\n" + longLine + "\n");
+  file_test::ScratchDir scratch;
+  ASSERT_TRUE(scratch.Entered());
+  const std::string longLine(100, 'q');
+  file_test::WriteBytes("notatka.txt", "pierwsza\n" + longLine + "\n");
   Play({{keys::kDown, keys::kDown, keys::kEsc}});
-  EXPECT_FALSE(EditMemo(ShortText(path.c_str()), kWindow, false));
-  EXPECT_EQ(ReadAll(path), "pierwsza\n" + longLine + "\n");
+  EXPECT_FALSE(EditMemo(ShortText("notatka.txt"), kWindow, false));
+  EXPECT_EQ(file_test::ReadBytes("notatka.txt"), "pierwsza\n" + longLine + "\n");
   Play({Keys("!", {keys::kDown, keys::kDown, keys::F(10)})});
-  EXPECT_TRUE(EditMemo(ShortText(path.c_str()), kWindow, false));
-  EXPECT_EQ(ReadAll(path), "pierwsza!\n" + longLine + "\n");
-  std::remove(path.c_str());
+  EXPECT_TRUE(EditMemo(ShortText("notatka.txt"), kWindow, false));
+  EXPECT_EQ(file_test::ReadBytes("notatka.txt"), "pierwsza!\n" + longLine + "\n");
+  EXPECT_EQ(file_test::Listing(), "notatka.txt ") << "no work file is left behind";
   Play({Keys("nowa", {keys::F(10)})});
-  EXPECT_TRUE(EditMemo(ShortText(path.c_str()), kWindow, false));
-  EXPECT_EQ(ReadAll(path), "nowa\n");
+  EXPECT_TRUE(EditMemo(ShortText("nowy.txt"), kWindow, false));
+  EXPECT_EQ(file_test::ReadBytes("nowy.txt"), "nowa\n");
 }
 
 TEST_F(EditMemoTest, ScreenWindowAttributeAndCursorAsFound) {
@@ -112,14 +85,7 @@ TEST_F(EditMemoTest, ScreenWindowAttributeAndCursorAsFound) {
 
 // AskValue.
 
-class AskValueTest : public form_test::FormTest {
- protected:
-  static bool SeenText(const Snapshot& s, std::string_view text) {
-    for (int r = 1; r <= 25; ++r)
-      if (s.rows[r].Pos(text) > 0) return true;
-    return false;
-  }
-};
+class AskValueTest : public FormTest {};
 
 TEST_F(AskValueTest, OneFieldEnterAndEsc) {
   ShortText value("AB");
@@ -128,11 +94,8 @@ TEST_F(AskValueTest, OneFieldEnterAndEsc) {
   EXPECT_EQ(value, ShortText("ABC"));
   const Snapshot& s = Seen().at(0);
   // Three lines of 10: columns 35..46, rows 11..15; the field on the last line.
-  EXPECT_EQ(s.Cells(12, 35, 11), "\xB3Podaj kod:");
-  EXPECT_EQ(s.Cells(13, 36, 10), "╫à - pomoc"_mz.Str());
-  EXPECT_EQ(s.Cells(14, 36, 11), "AB        \xBA");
-  EXPECT_EQ(s.Attr(36, 14), 0x70);
-  EXPECT_EQ(s.x, 4);  // after "AB", in the box
+  ExpectCells(s, {{12, 35, "\xB3Podaj kod:"}, {13, 36, "╫à - pomoc"_mz.Str()}, {14, 36, "AB        \xBA", 0x70}});
+  EXPECT_EQ(s.x, 4);  // the cursor after "AB", in the box
   Play({Keys("xyz", {keys::kEsc})});
   Snapshot before = Capture();
   EXPECT_FALSE(AskValue(ShortText("Podaj kod:"), value, 10, 8, ShortText(), ShortText()));
@@ -145,12 +108,12 @@ TEST_F(AskValueTest, F1PicksAnExampleOrShowsTheHelp) {
   Play({{keys::F(1)}, Keys("3"), {keys::kEnter}});
   EXPECT_TRUE(AskValue(ShortText("Wzorzec:"), value, 20, 1, ShortText("Pomoc"), ShortText("Jeden,Dwa,\"Trzy, cztery\"")));
   EXPECT_EQ(value, ShortText("Trzy, cztery"));
-  EXPECT_TRUE(SeenText(Seen().at(0), "╫à - lista przykładowych wartości"_mz.View()));
-  EXPECT_TRUE(SeenText(Seen().at(1), "Lista przykładowych wartości:"_mz.View()));
-  EXPECT_TRUE(SeenText(Seen().at(1), "\xCF\x88 Trzy, cztery"));
+  EXPECT_NE(Seen().at(0).RowOf("╫à - lista przykładowych wartości"_mz.View()), 0);
+  EXPECT_NE(Seen().at(1).RowOf("Lista przykładowych wartości:"_mz.View()), 0);
+  EXPECT_NE(Seen().at(1).RowOf("\xCF\x88 Trzy, cztery"), 0);
   Play({{keys::F(1)}, {keys::kEnter}, Keys("x", {keys::kEnter})});
   EXPECT_TRUE(AskValue(ShortText("Wzorzec:"), value, 20, 1, ShortText("Tekst pomocy"), ShortText()));
-  EXPECT_TRUE(SeenText(Seen().at(1), "Tekst pomocy"));
+  EXPECT_NE(Seen().at(1).RowOf("Tekst pomocy"), 0);
   EXPECT_EQ(value, ShortText("Trzy, czteryx"));
 }
 
@@ -160,8 +123,8 @@ TEST_F(AskValueTest, TwoFieldsFromAndTo) {
   EXPECT_TRUE(AskValueRange(ShortText("Zakres:"), from, to, 6, 3, ShortText(), ShortText()));
   EXPECT_EQ(from, ShortText("102"));
   EXPECT_EQ(to, ShortText("95"));
-  EXPECT_TRUE(SeenText(Seen().at(0), "od: 1     "));
-  EXPECT_TRUE(SeenText(Seen().at(0), "do: 9     "));
+  EXPECT_NE(Seen().at(0).RowOf("od: 1     "), 0);
+  EXPECT_NE(Seen().at(0).RowOf("do: 9     "), 0);
   Play({Keys("7", {keys::kDown, keys::kEsc})});
   EXPECT_FALSE(AskValueRange(ShortText("Zakres:"), from, to, 6, 3, ShortText(), ShortText()));
   EXPECT_EQ(from, ShortText("102"));

@@ -3,13 +3,13 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include <array>
+#include <functional>
 #include <string>
 
 #include "base/file_fixture.h"
 #include "base/filecopy.h"
 #include "base/mazovia.h"
-#include "tui_fixture.h"
+#include "form_fixture.h"
 
 namespace {
 
@@ -18,28 +18,7 @@ using file_test::Pattern;
 using file_test::ReadBytes;
 using file_test::WriteBytes;
 
-using Rows = std::array<std::string, 26>;
-
-Rows ScreenRows() {
-  Rows rows;
-  for (int r = 1; r <= 25; ++r) rows[r] = RowText(r).Str();
-  return rows;
-}
-
-// The screen as the first box that waits for a key showed it; the box gets Enter.
-Rows g_seen;
-int g_boxes = 0;
-void LookThenEnter() {
-  if (g_boxes++ == 0) g_seen = ScreenRows();
-  (void)PushKey(keys::kEnter.ch, keys::kEnter.scan);
-}
-
-// The row (1..25) of the seen screen that holds the text; 0 when none does.
-int SeenRow(const ShortText& text) {
-  for (int r = 1; r <= 25; ++r)
-    if (g_seen[r].find(text.Str()) != std::string::npos) return r;
-  return 0;
-}
+using form_test::Seen;
 
 // True if the pieces come one after another in the stream.
 bool InOrder(const std::string& stream, const std::vector<std::string>& pieces) {
@@ -52,27 +31,24 @@ bool InOrder(const std::string& stream, const std::vector<std::string>& pieces) 
   return true;
 }
 
-class FileDialogsTest : public tui_test::TuiTest {
+class FileDialogsTest : public form_test::FormTest {
  protected:
   void SetUp() override {
     ASSERT_TRUE(scratch_.Entered());
-    TuiTest::SetUp();
-    tui_test::InitTerminal("linux");  // special font: bar bytes reach the terminal as drawn
+    FormTest::SetUp();  // special font: bar bytes reach the terminal as drawn
     for (int r = 1; r <= 25; ++r) WriteAt(1, r, ShortText(std::string(80, static_cast<char>('a' + r))));
-    g_seen = Rows{};
-    g_boxes = 0;
-    SetKeyIdleHook(LookThenEnter);
-    before_ = ScreenRows();
+    before_ = form_test::Capture();
+    AnswerBoxes();
     Sent();
   }
-  void TearDown() override {
-    SetKeyIdleHook(nullptr);
-    TuiTest::TearDown();
-  }
-  void ExpectScreenAsBefore() { EXPECT_EQ(ScreenRows(), before_); }
+  // A box that waits gets Enter; Seen() counts the boxes and keeps the first one's screen.
+  static void AnswerBoxes() { form_test::Play({{keys::kEnter}}); }
+  // The row (1..25) of the first box's screen that holds the text; 0 when none does.
+  static int SeenRow(const ShortText& text) { return Seen().empty() ? 0 : Seen().at(0).RowOf(text.View()); }
+  void ExpectScreenAsBefore() { EXPECT_EQ(form_test::Capture().rows, before_.rows); }
 
   file_test::ScratchDir scratch_;
-  Rows before_;
+  form_test::Snapshot before_;
 };
 
 TEST_F(FileDialogsTest, DeleteManyFillsItsBarFileByFile) {
@@ -85,7 +61,7 @@ TEST_F(FileDialogsTest, DeleteManyFillsItsBarFileByFile) {
   for (int cells = 2; cells <= 10; cells += 2) stages.push_back(std::string(cells, '\xDB') + std::string(10 - cells, ' '));
   EXPECT_TRUE(InOrder(sent, stages));
   ExpectScreenAsBefore();
-  EXPECT_EQ(g_boxes, 0);
+  EXPECT_TRUE(Seen().empty());
   EXPECT_EQ(DeleteMany("*.tmp"), 0);
   ExpectScreenAsBefore();
 }
@@ -100,65 +76,56 @@ TEST_F(FileDialogsTest, CopyFileBarCountsBlocksDoneOfAll) {
   for (int done = 1; done <= 4; ++done) stages.push_back("         " + std::to_string(done) + "/4         ");
   EXPECT_TRUE(InOrder(Sent(), stages));
   ExpectScreenAsBefore();
-  EXPECT_EQ(g_boxes, 0);
+  EXPECT_TRUE(Seen().empty());
   // A part appended.
   EXPECT_EQ(CopyFileBar("zrodlo.dat", "cel.dat", CopyOptions{1, 2}), kCopyOk);
   EXPECT_EQ(ReadBytes("cel.dat"), source + source.substr(1, 2));
 }
 
-TEST_F(FileDialogsTest, CopyFileBarShowsTheFailureOverItsBox) {
+TEST_F(FileDialogsTest, EachFailureSaysWhatFailedInOneBoxAndChangesNothing) {
   WriteBytes("zrodlo.dat", Pattern(100));
-  struct Case {
-    const char* source;
-    const char* target;
-    uint8_t code;
-  } cases[] = {
-      {"zrodlo.dat", "/dev/full", kCopyTargetWrite}, {"brak.dat", "cel.dat", kCopySourceOpen},
-      {"zrodlo.dat", "/dev/zero", kCopyCompare},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.target);
-    g_boxes = 0;
-    EXPECT_EQ(CopyFileBar(c.source, c.target), c.code);
-    EXPECT_EQ(g_boxes, 1);
-    const int errorRow = SeenRow("Błąd "_mz + CopyResultText(c.code));
-    EXPECT_GT(errorRow, 0);
-    const int copyRow = SeenRow("Kopiowanie pliku:"_mz);
-    EXPECT_GT(copyRow, 0);  // the copy's box stays under the error
-    EXPECT_LT(copyRow, errorRow);
-    ExpectScreenAsBefore();
-  }
-}
-
-TEST_F(FileDialogsTest, RenameSafeSaysWhatFailed) {
-  ::mkdir("katalog", 0777);
   WriteBytes("plik.txt", "a\r\n");
+  ::mkdir("katalog", 0777);
+  FileVar file;
+  const ShortText copying = "Kopiowanie pliku:"_mz;
   struct Case {
-    const char* from;
-    const char* to;
     ShortText message;
+    std::function<bool()> failed;
+    const char* path;    // named on the line under the message, when given
+    ShortText under;     // the box that stays under the message, when given
   } cases[] = {
-      {"brak.txt", "nowy.txt", "Błąd otwarcia pliku !"_mz},
-      {"plik.txt", "brak/nowy.txt", "Błąd otwarcia pliku tymczasowego !"_mz},
-      {"plik.txt", "katalog", "Błąd 21 zmiany nazwy pliku."_mz},  // EISDIR
+      {"Błąd "_mz + CopyResultText(kCopyTargetWrite),
+       [] { return CopyFileBar("zrodlo.dat", "/dev/full") == kCopyTargetWrite; }, nullptr, copying},
+      {"Błąd "_mz + CopyResultText(kCopySourceOpen),
+       [] { return CopyFileBar("brak.dat", "cel.dat") == kCopySourceOpen; }, nullptr, copying},
+      {"Błąd "_mz + CopyResultText(kCopyCompare),
+       [] { return CopyFileBar("zrodlo.dat", "/dev/zero") == kCopyCompare; }, nullptr, copying},
+      {"Błąd otwarcia pliku !"_mz, [] { return !RenameSafe("brak.txt", "nowy.txt"); }, nullptr, {}},
+      {"Błąd otwarcia pliku tymczasowego !"_mz, [] { return !RenameSafe("plik.txt", "brak/nowy.txt"); }, nullptr, {}},
+      {"Błąd 21 zmiany nazwy pliku."_mz, [] { return !RenameSafe("plik.txt", "katalog"); }, nullptr, {}},  // EISDIR
+      {"Błąd otwarcia pliku !"_mz, [] { return !DosToUnixFile("brak.txt"); }, nullptr, {}},
+      {"Nie mogę otworzyć do odczytu pliku:"_mz, [&] { return !OpenReadOrWarn(file, "dane\\brak.txt"); },
+       "dane\\brak.txt", {}},
+      {"Nie mogę otworzyć w trybie dopisywania pliku:"_mz,
+       [&] { return !OpenAppendOrWarn(file, "brak\\x.txt", true); }, "brak\\x.txt", {}},
+      {"Nie mogę otworzyć w trybie zapisywania pliku:"_mz,
+       [&] { return !OpenAppendOrWarn(file, "brak\\x.txt", false); }, "brak\\x.txt", {}},
   };
   for (const Case& c : cases) {
-    SCOPED_TRACE(c.to);
-    g_boxes = 0;
-    EXPECT_FALSE(RenameSafe(c.from, c.to));
-    EXPECT_EQ(g_boxes, 1);
-    EXPECT_GT(SeenRow(c.message), 0);
+    SCOPED_TRACE(c.message.Str());
+    AnswerBoxes();
+    EXPECT_TRUE(c.failed());
+    ASSERT_EQ(Seen().size(), 1u);
+    const int row = SeenRow(c.message);
+    ASSERT_GT(row, 0);
+    EXPECT_TRUE(c.path == nullptr || Seen().at(0).rows[row + 1].Pos(c.path) > 0);
+    EXPECT_TRUE(c.under.Empty() || (SeenRow(c.under) > 0 && SeenRow(c.under) < row));
     EXPECT_EQ(ReadBytes("plik.txt"), "a\r\n");
     ExpectScreenAsBefore();
   }
-  g_boxes = 0;
-  EXPECT_TRUE(RenameSafe("plik.txt", "nowy.txt"));
-  EXPECT_EQ(ReadBytes("nowy.txt"), "a\r\n");
-  EXPECT_FALSE(Exists("plik.txt"));
-  EXPECT_EQ(g_boxes, 0);
 }
 
-TEST_F(FileDialogsTest, DosAndUnixLineEndsBothWays) {
+TEST_F(FileDialogsTest, LineEndsBothWaysAndRenameWithoutABox) {
   const std::string unix = std::string(4095, 'x') + "\n" + std::string(4095, 'y') + "\nz";
   const std::string dos = std::string(4095, 'x') + "\r\n" + std::string(4095, 'y') + "\r\nz";
   WriteBytes("plik.txt", unix);
@@ -166,29 +133,20 @@ TEST_F(FileDialogsTest, DosAndUnixLineEndsBothWays) {
   EXPECT_EQ(ReadBytes("plik.txt"), dos);
   EXPECT_TRUE(DosToUnixFile("PLIK.TXT"));  // found on disk whatever the case
   EXPECT_EQ(ReadBytes("plik.txt"), unix);
-  EXPECT_EQ(g_boxes, 0);
-  EXPECT_FALSE(DosToUnixFile("brak.txt"));
-  EXPECT_GT(SeenRow("Błąd otwarcia pliku !"_mz), 0);
+  EXPECT_TRUE(RenameSafe("plik.txt", "nowy.txt"));
+  EXPECT_EQ(ReadBytes("nowy.txt"), unix);
+  EXPECT_FALSE(Exists("plik.txt"));
+  EXPECT_TRUE(Seen().empty());
 }
 
-TEST_F(FileDialogsTest, OpenReadOrWarnNamesThePathItCouldNotOpen) {
+TEST_F(FileDialogsTest, OpenOrWarnReadsAppendsOrWritesAnew) {
+  WriteBytes("log.txt", "stare\n");
   FileVar file;
-  EXPECT_FALSE(OpenReadOrWarn(file, "dane\\brak.txt"));
-  const int row = SeenRow("Nie mogę otworzyć do odczytu pliku:"_mz);
-  ASSERT_GT(row, 0);
-  EXPECT_NE(g_seen[row + 1].find("dane\\brak.txt"), std::string::npos);
-  ExpectScreenAsBefore();
-  WriteBytes("jest.txt", "linia\n");
-  g_boxes = 0;
-  ASSERT_TRUE(OpenReadOrWarn(file, "JEST.TXT"));
+  ASSERT_TRUE(OpenReadOrWarn(file, "LOG.TXT"));
   ShortText line;
   EXPECT_TRUE(file.ReadLine(line));
-  EXPECT_EQ(line, "linia");
-  EXPECT_EQ(g_boxes, 0);
-}
-
-TEST_F(FileDialogsTest, OpenAppendOrWarnAppendsOrWritesAnew) {
-  WriteBytes("log.txt", "stare\n");
+  EXPECT_EQ(line, "stare");
+  file.Close();
   struct Case {
     const char* path;
     bool append;
@@ -200,23 +158,12 @@ TEST_F(FileDialogsTest, OpenAppendOrWarnAppendsOrWritesAnew) {
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.path);
-    FileVar file;
     ASSERT_TRUE(OpenAppendOrWarn(file, c.path, c.append));
     ASSERT_EQ(file.Write("nowe\n", 5), 0);
     file.Close();
     EXPECT_EQ(ReadBytes(c.path), c.after);
   }
-  EXPECT_EQ(g_boxes, 0);
-  for (bool append : {true, false}) {
-    g_boxes = 0;
-    FileVar file;
-    EXPECT_FALSE(OpenAppendOrWarn(file, "brak\\x.txt", append));
-    const int row = SeenRow(append ? "Nie mogę otworzyć w trybie dopisywania pliku:"_mz
-                                   : "Nie mogę otworzyć w trybie zapisywania pliku:"_mz);
-    ASSERT_GT(row, 0);
-    EXPECT_NE(g_seen[row + 1].find("brak\\x.txt"), std::string::npos);
-    ExpectScreenAsBefore();
-  }
+  EXPECT_TRUE(Seen().empty());
 }
 
 TEST_F(FileDialogsTest, FileManagerCommandComesFromFmgrCfgOrIsMc) {

@@ -8,6 +8,12 @@ namespace form_test {
 
 namespace {
 
+// Steps of keys and the screens seen before each.
+struct Script {
+  std::vector<std::vector<KeyPair>> steps;
+  std::vector<Snapshot> seen;
+};
+
 Script g_script;
 std::size_t g_next = 0;
 
@@ -22,6 +28,18 @@ void NextStep() {
 
 }  // namespace
 
+int Snapshot::RowOf(std::string_view text) const {
+  for (int r = 1; r <= 25; ++r)
+    if (rows[r].Pos(text) > 0) return r;
+  return 0;
+}
+
+int Snapshot::RowsWith(std::string_view text) const {
+  int count = 0;
+  for (int r = 1; r <= 25; ++r) count += rows[r].Pos(text) > 0;
+  return count;
+}
+
 Snapshot Capture() {
   Snapshot s;
   for (int r = 1; r <= 25; ++r) {
@@ -35,6 +53,15 @@ Snapshot Capture() {
   return s;
 }
 
+void ExpectCells(const Snapshot& s, const std::vector<Cell>& cells) {
+  for (const Cell& cell : cells) {
+    EXPECT_EQ(s.Cells(cell.row, cell.col, static_cast<int>(cell.text.size())), cell.text) << cell.row << "," << cell.col;
+    if (cell.attr >= 0) {
+      EXPECT_EQ(s.Attr(cell.col, cell.row), cell.attr) << cell.row << "," << cell.col;
+    }
+  }
+}
+
 void Play(std::vector<std::vector<KeyPair>> steps) {
   g_script = Script{std::move(steps), {}};
   g_next = 0;
@@ -43,14 +70,9 @@ void Play(std::vector<std::vector<KeyPair>> steps) {
 
 const std::vector<Snapshot>& Seen() { return g_script.seen; }
 
-std::vector<KeyPair> Typed(const std::string& text) {
+std::vector<KeyPair> Keys(const std::string& text, std::vector<KeyPair> after) {
   std::vector<KeyPair> keys;
   for (unsigned char c : text) keys.push_back(KeyOfByte(c));
-  return keys;
-}
-
-std::vector<KeyPair> Keys(const std::string& text, std::vector<KeyPair> after) {
-  std::vector<KeyPair> keys = Typed(text);
   keys.insert(keys.end(), after.begin(), after.end());
   return keys;
 }

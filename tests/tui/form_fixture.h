@@ -5,6 +5,8 @@
 
 #include <array>
 #include <string>
+#include <string_view>
+#include <tuple>
 #include <vector>
 
 #include "base/mazovia.h"
@@ -18,32 +20,34 @@ struct Snapshot {
   WindowRect window;
   int x = 0, y = 0;
   unsigned char attr = 0;
-  bool operator==(const Snapshot& o) const {
-    return rows == o.rows && attrs == o.attrs && window.left == o.window.left && window.top == o.window.top &&
-           window.right == o.window.right && window.bottom == o.window.bottom && x == o.x && y == o.y &&
-           attr == o.attr;
-  }
+  auto Tie() const { return std::tie(rows, attrs, window.left, window.top, window.right, window.bottom, x, y, attr); }
+  bool operator==(const Snapshot& o) const { return Tie() == o.Tie(); }
   // count cells of a row from column first.
   std::string Cells(int row, int first, int count) const {
     return std::string(rows[row].View().substr(first - 1, count));
   }
   unsigned char Attr(int col, int row) const { return attrs[row].At(col); }
+  // The first row (1..25) that holds text; 0 when none does.
+  int RowOf(std::string_view text) const;
+  // How many rows hold text.
+  int RowsWith(std::string_view text) const;
 };
 
 Snapshot Capture();
 
-// Steps of keys; seen[i] is the screen before step i was pushed.
-struct Script {
-  std::vector<std::vector<KeyPair>> steps;
-  std::vector<Snapshot> seen;
+// A run of cells that a screen must hold from (row, col), and the attribute of its first cell when given.
+struct Cell {
+  int row, col;
+  std::string text;
+  int attr = -1;
 };
+void ExpectCells(const Snapshot& s, const std::vector<Cell>& cells);
 
-// Runs the script through the key buffer's idle hook.
+// Runs the steps through the key buffer's idle hook.
 void Play(std::vector<std::vector<KeyPair>> steps);
+// Seen()[i] is the screen before step i was pushed.
 const std::vector<Snapshot>& Seen();
-// The keys of typed ASCII text.
-std::vector<KeyPair> Typed(const std::string& text);
-// A step of typed text followed by keys.
+// A step of typed ASCII text followed by keys.
 std::vector<KeyPair> Keys(const std::string& text, std::vector<KeyPair> after = {});
 
 class FormTest : public tui_test::TuiTest {

@@ -45,43 +45,28 @@ class KeyboardTest : public tui_test::TuiTest {
 };
 
 TEST_F(KeyboardTest, BufferHoldsThirtyTwoKeysAndDropsTheRest) {
-  for (int i = 0; i < 32; ++i) EXPECT_TRUE(PushKey(static_cast<unsigned char>('a' + i % 26), 30));
+  (void)PushKey('b', 48);
+  EXPECT_TRUE(PushKeyFront('a', 30));  // before the waiting key
+  for (int i = 2; i < 32; ++i) EXPECT_TRUE(PushKey(static_cast<unsigned char>('a' + i % 26), 30));
   EXPECT_FALSE(PushKey('x', 45));
   EXPECT_FALSE(PushKeyFront('y', 21));
   EXPECT_TRUE(KeyPressed());
-  EXPECT_EQ(ReadKeyRaw().ch, 'a');
+  EXPECT_EQ(ReadKeyRaw(), (KeyPair{'a', 30}));
   EXPECT_TRUE(PushKey('z', 44));  // room again after one read
-  for (int i = 1; i < 32; ++i) EXPECT_EQ(ReadKeyRaw().ch, 'a' + i % 26);
+  EXPECT_EQ(ReadKeyRaw(), (KeyPair{'b', 48}));
+  for (int i = 2; i < 32; ++i) EXPECT_EQ(ReadKeyRaw().ch, 'a' + i % 26);
   EXPECT_EQ(ReadKeyRaw(), (KeyPair{'z', 44}));
   EXPECT_FALSE(KeyPressed());
 }
 
-TEST_F(KeyboardTest, PushFrontComesBeforeWaitingKeys) {
-  (void)PushKey('b', 48);
-  (void)PushKeyFront('a', 30);
-  EXPECT_EQ(ReadKeyRaw(), (KeyPair{'a', 30}));
-  EXPECT_EQ(ReadKeyRaw(), (KeyPair{'b', 48}));
-}
-
-TEST_F(KeyboardTest, NoInputAtAllReadsAsEsc) { EXPECT_EQ(ReadKeyRaw(), keys::kEsc); }
-
-TEST_F(KeyboardTest, FixedTranslations) {
-  struct Case {
-    KeyPair in, out;
-  } cases[] = {
-      {{5, 18}, {10, 28}},   {{22, 47}, {224, 79}}, {{2, 48}, {127, 14}},  {{0, 6}, {224, 147}},
-      {{28, 43}, {224, 147}}, {{0, 165}, {0, 15}},   {{0, 20}, {0, 15}},    {{'a', 30}, {'a', 30}},
-      {{0, 59}, {0, 59}},
-  };
-  for (const auto& c : cases) EXPECT_EQ(Translate({c.in}), c.out) << int(c.in.ch) << "," << int(c.in.scan);
-}
-
-TEST_F(KeyboardTest, GravePrefixGivesKeysATerminalCannotSend) {
+TEST_F(KeyboardTest, FixedTranslationsAndTheGravePrefixForKeysATerminalCannotSend) {
   const KeyPair g{0x60, 41}, a{'a', 30}, s{'S', 31}, c{'c', 46};
   struct Case {
     std::vector<KeyPair> in;
     KeyPair out;
   } cases[] = {
+      {{{5, 18}}, {10, 28}}, {{{22, 47}}, {224, 79}}, {{{2, 48}}, {127, 14}}, {{{0, 6}}, {224, 147}},
+      {{{28, 43}}, {224, 147}}, {{{0, 165}}, {0, 15}}, {{{0, 20}}, {0, 15}}, {{a}, a}, {{keys::F(1)}, keys::F(1)},
       {{g, keys::kUp}, {224, 141}}, {{g, keys::kDown}, {224, 145}}, {{g, keys::kIns}, {224, 146}},
       {{g, keys::kDel}, {224, 147}}, {{g, keys::kBackspace}, {127, 14}}, {{g, keys::F(1)}, keys::F(11)},
       {{g, keys::F(2)}, keys::F(12)}, {{g, keys::kPgUp}, {0, 153}}, {{g, keys::kPgDn}, {0, 161}},
@@ -99,27 +84,6 @@ TEST_F(KeyboardTest, GravePrefixGivesKeysATerminalCannotSend) {
   }
 }
 
-TEST_F(KeyboardTest, Utf8PolishLettersBecomeMazoviaWithTheirScans) {
-  tui_test::InitTerminal("xterm", "", "UTF");
-  struct Case {
-    unsigned char lead, leadScan, next;
-    KeyPair out;
-  } cases[] = {
-      {0xC4, 32, 0x99, {0x91, 18}}, {0xC4, 32, 0x98, {0x90, 18}}, {0xC4, 32, 0x85, {0x86, 30}},
-      {0xC4, 32, 0x84, {0x8F, 30}}, {0xC4, 32, 0x87, {0x8D, 46}}, {0xC4, 32, 0x86, {0x95, 46}},
-      {0xC3, 46, 0xB3, {0xA2, 24}}, {0xC3, 46, 0x93, {0xA3, 24}}, {0xC5, 18, 0x9B, {0x9E, 31}},
-      {0xC5, 18, 0x9A, {0x98, 31}}, {0xC5, 18, 0x82, {0x92, 38}}, {0xC5, 18, 0x81, {0x9C, 38}},
-      {0xC5, 18, 0xBC, {0xA7, 44}}, {0xC5, 18, 0xBB, {0xA1, 44}}, {0xC5, 18, 0xBA, {0xA6, 45}},
-      {0xC5, 18, 0xB9, {0xA0, 45}}, {0xC5, 18, 0x84, {0xA4, 49}}, {0xC5, 18, 0x83, {0xA5, 49}},
-  };
-  for (const auto& c : cases) EXPECT_EQ(Translate({{c.lead, c.leadScan}, {c.next, 0}}), c.out) << int(c.next);
-  // An unmatched pair comes back byte by byte.
-  (void)PushKey(0xC4, 32);
-  (void)PushKey('x', 45);
-  EXPECT_EQ(ReadKeyRaw(), (KeyPair{0xC4, 32}));
-  EXPECT_EQ(ReadKeyRaw(), (KeyPair{'x', 45}));
-}
-
 TEST_F(KeyboardTest, SingleByteInputPagesGiveMazoviaLettersFromTheTerminal) {
   tui_test::InitTerminal("xterm");
   EXPECT_EQ(KeysFromBytes("\xB1\xAF\xE6x"), (std::vector<KeyPair>{{0x86, 30}, {0xA1, 44}, {0x8D, 46}, {'x', 45}}));
@@ -132,14 +96,20 @@ TEST_F(KeyboardTest, SingleByteInputPagesGiveMazoviaLettersFromTheTerminal) {
   EXPECT_EQ(KeysFromBytes("\xA5\xBD"), (std::vector<KeyPair>{{0x86, 6}, {0xA1, 13}}));
 }
 
-TEST_F(KeyboardTest, Utf8LettersFromTheTerminal) {
+TEST_F(KeyboardTest, Utf8LettersFromTheTerminalBecomeMazoviaWithTheirScans) {
   tui_test::InitTerminal("xterm", "", "UTF");
-  EXPECT_EQ(KeysFromBytes("Zażółć"), (std::vector<KeyPair>{{'Z', 44}, {'a', 30}, {0xA7, 44}, {0xA2, 24}, {0x92, 38}, {0x8D, 46}}));
-  // Another two-byte letter is not Polish: both bytes come as they are.
-  std::vector<KeyPair> other = KeysFromBytes("\xC3\xA9");
-  ASSERT_EQ(other.size(), 2u);
-  EXPECT_EQ(other[0], (KeyPair{0xC3, 46}));
-  EXPECT_EQ(other[1].ch, 0xA9);
+  // Each Polish letter takes the scan of the Latin letter under it on the keyboard.
+  const ShortText mazovia = "ęĘąĄćĆóÓśŚłŁżŻźŹńŃ"_mz;
+  const std::string under = "eeaaccoossllzzxxnn";
+  std::vector<KeyPair> want = {KeyOfByte('Z'), KeyOfByte('a')};
+  for (int i = 0; i < 18; ++i) want.push_back({static_cast<unsigned char>(mazovia.At(i + 1)), KeyOfByte(under[i]).scan});
+  EXPECT_EQ(KeysFromBytes("ZaęĘąĄćĆóÓśŚłŁżŻźŹńŃ"), want);
+  // Bytes already in the key buffer combine the same way.
+  (void)PushKey(0xC4, 32);
+  (void)PushKey(0x99, 0);
+  EXPECT_EQ(ReadKeyRaw(), want[2]);
+  // Another two-byte letter is not Polish, nor is a lead byte before a plain one: the bytes come as they are.
+  EXPECT_EQ(KeysFromBytes("\xC3\xA9\xC4x"), (std::vector<KeyPair>{{0xC3, 46}, KeyOfByte(0xA9), {0xC4, 32}, {'x', 45}}));
 }
 
 TEST_F(KeyboardTest, EscapeSequencesAndTheGravePrefixFromTheTerminal) {
@@ -230,41 +200,6 @@ TEST(KeyCodes, EveryKeyOfTheTable) {
   };
   for (const auto& c : cases)
     EXPECT_EQ(KeyCodeOf(c.key), c.code) << int(c.key.ch) << "," << int(c.key.scan);
-}
-
-}  // namespace
-
-namespace {
-
-TEST(DecodeKeyAlt, RxvtEscBeforeASequenceIsAltWithThatKey) {
-  struct Case {
-    const char* bytes;
-    int consumed;
-    KeyPair key;
-  } cases[] = {
-      {"\x1b\x1b[11~", 6, {0, 104}},    // rxvt Alt+F1
-      {"\x1b\x1b[21~", 6, {0, 113}},    // Alt+F10
-      {"\x1b\x1b[24~", 6, {0, 140}},    // Alt+F12
-      {"\x1b\x1bOA", 4, {0, 152}},      // Alt+Up
-      {"\x1b\x1b[3~", 5, {0, 163}},     // Alt+Del
-      {"\x1b\x1b[99~", 6, {}},          // nothing known: dropped whole
-      {"\x1b\x1bx", 1, {27, 1}},        // Esc, then Alt+x from the rest
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(::testing::PrintToString(std::string(c.bytes)));
-    KeyDecodeResult r = DecodeKey(c.bytes, 0, KeyTerminal::kRxvt);
-    EXPECT_EQ(r.consumed, c.consumed);
-    if (c.key.scan != 0) {
-      EXPECT_EQ(r.key, c.key);
-    } else {
-      EXPECT_EQ(r.status, KeyDecodeStatus::kIgnored);
-    }
-  }
-  EXPECT_EQ(DecodeKey("\x1b\x1b", 0, KeyTerminal::kRxvt).status, KeyDecodeStatus::kIncomplete);
-  EXPECT_EQ(DecodeKey("\x1b\x1b", kKeyEscapeWaitMs, KeyTerminal::kRxvt).key, (KeyPair{27, 1}));
-  EXPECT_EQ(DecodeKey("\x1b\x1b[1", 0, KeyTerminal::kRxvt).status, KeyDecodeStatus::kIncomplete);
-  // xterm's Alt has numbers of its own: there two ESCs are the Esc key first.
-  EXPECT_EQ(DecodeKey("\x1b\x1b[11~", 0, KeyTerminal::kXterm).key, (KeyPair{27, 1}));
 }
 
 }  // namespace

@@ -41,6 +41,9 @@ const SequenceCase kSequences[] = {
     // Alt with a key.
     {"\x1bx", X, {0, 45}},      {"\x1b" "e", X, {0, 18}},   {"\x1bN", X, {0, 49}},      {"\x1b" "1", X, {0, 120}},
     {"\x1b" "0", X, {0, 129}},
+    // rxvt's Esc before a sequence is Alt with that key.
+    {"\x1b\x1b[11~", R, {0, 104}}, {"\x1b\x1b[21~", R, {0, 113}}, {"\x1b\x1b[24~", R, {0, 140}},
+    {"\x1b\x1bOA", R, {0, 152}},   {"\x1b\x1b[3~", R, {0, 163}},
 };
 
 TEST(DecodeKey, CompleteSequencesGiveOneKey) {
@@ -54,12 +57,17 @@ TEST(DecodeKey, CompleteSequencesGiveOneKey) {
 }
 
 TEST(DecodeKey, SequencesCutShortWaitThenFallBack) {
-  for (const char* prefix : {"\x1b", "\x1b[", "\x1b[2", "\x1b[21", "\x1b[1;", "\x1b[1;5", "\x1bO", "\x1b[["}) {
-    EXPECT_EQ(DecodeKey(prefix, 0).status, KeyDecodeStatus::kIncomplete) << testing::PrintToString(std::string(prefix));
-    const KeyDecodeResult late = DecodeKey(prefix, kKeyEscapeWaitMs);
-    EXPECT_EQ(late.status, KeyDecodeStatus::kKey) << testing::PrintToString(std::string(prefix));
+  const std::pair<const char*, KeyTerminal> prefixes[] = {
+      {"\x1b", X},   {"\x1b[", X}, {"\x1b[2", X},   {"\x1b[21", X}, {"\x1b[1;", X},
+      {"\x1b[1;5", X}, {"\x1bO", X}, {"\x1b[[", X}, {"\x1b\x1b", R}, {"\x1b\x1b[1", R},
+  };
+  for (auto [prefix, terminal] : prefixes) {
+    SCOPED_TRACE(testing::PrintToString(std::string(prefix)));
+    EXPECT_EQ(DecodeKey(prefix, 0, terminal).status, KeyDecodeStatus::kIncomplete);
+    EXPECT_EQ(DecodeKey(prefix, kKeyEscapeWaitMs, terminal).status, KeyDecodeStatus::kKey);
   }
   EXPECT_EQ(DecodeKey("\x1b", kKeyEscapeWaitMs).key, (KeyPair{27, 1}));
+  EXPECT_EQ(DecodeKey("\x1b\x1b", kKeyEscapeWaitMs, R).key, (KeyPair{27, 1}));
   // Alt+O (the Polish ó) is ESC O with nothing behind it.
   EXPECT_EQ(DecodeKey("\x1bO", kKeyEscapeWaitMs).key, (KeyPair{0, 24}));
 }
@@ -76,13 +84,22 @@ TEST(DecodeKey, KeysFollowingEachOtherAreTakenOneAtATime) {
   }
   const std::vector<KeyPair> expected = {{0, 68}, {'a', 30}, {27, 1}, {224, 72}};
   EXPECT_EQ(keys, expected);
+  // On rxvt an Esc before a plain key is the Esc key first; Alt with the key comes from the rest.
+  const KeyDecodeResult esc = DecodeKey("\x1b\x1bx", 0, R);
+  EXPECT_EQ(esc.consumed, 1);
+  EXPECT_EQ(esc.key, (KeyPair{27, 1}));
 }
 
 TEST(DecodeKey, UnknownSequencesAreDroppedWhole) {
-  for (const char* bytes : {"\x1b[99~", "\x1b[200~", "\x1b[1;5X", "\x1bOz", "\x1b[[Z", "\x1b[?1;2c"}) {
-    const KeyDecodeResult r = DecodeKey(bytes, 0);
-    EXPECT_EQ(r.status, KeyDecodeStatus::kIgnored) << testing::PrintToString(std::string(bytes));
-    EXPECT_EQ(r.consumed, static_cast<int>(std::string(bytes).size())) << testing::PrintToString(std::string(bytes));
+  const std::pair<const char*, KeyTerminal> unknown[] = {
+      {"\x1b[99~", X}, {"\x1b[200~", X}, {"\x1b[1;5X", X}, {"\x1bOz", X}, {"\x1b[[Z", X}, {"\x1b[?1;2c", X},
+      {"\x1b\x1b[99~", R},
+  };
+  for (auto [bytes, terminal] : unknown) {
+    SCOPED_TRACE(testing::PrintToString(std::string(bytes)));
+    const KeyDecodeResult r = DecodeKey(bytes, 0, terminal);
+    EXPECT_EQ(r.status, KeyDecodeStatus::kIgnored);
+    EXPECT_EQ(r.consumed, static_cast<int>(std::string(bytes).size()));
   }
   // Endless parameters are given up on without waiting for ever.
   const std::string flood = "\x1b[" + std::string(40, '1');

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
+#include <functional>
 #include <vector>
 
 #include "base/mazovia.h"
@@ -35,179 +35,94 @@ class MessageBoxTest : public form_test::FormTest {
   }
 };
 
-TEST_F(MessageBoxTest, EmptyTextWithCodeZeroIsFourteenWideWithOneEmptyLine) {
-  Answer({keys::kEnter});
-  EXPECT_FALSE(MessageBox(ShortText(), 0));
-  // Left (78 - 14) / 2 + 1 = 33, top 12, bottom 15, 16 columns wide.
-  const Snapshot& s = First();
-  // An empty line writes nothing in the body colour; the bottom line's row outside its text keeps the frame
-  // colour; the cursor waits in the lower right corner.
-  ExpectRows<int>({{s.window.left, 33}, {s.window.right, 48}, {s.window.top, 12}, {s.window.bottom, 15},
-                   {s.Attr(33, 12), 0x4E}, {s.Attr(34, 13), 0x4E}, {s.Attr(35, 14), 0x47}, {s.Attr(34, 14), 0x4E},
-                   {s.x, 16}, {s.y, 4}});
-  ExpectRows<std::string>({{s.Cells(12, 33, 16), "\xDA" + std::string(14, '\xC4') + "\xB7"},
-                           {s.Cells(13, 33, 16), "\xB3" + std::string(14, ' ') + "\xBA"},
-                           {s.Cells(14, 33, 16), std::string("\xB3 ") + " Wciśnij ╒¿."_mz.Str() + " \xBA"},
-                           {s.Cells(15, 33, 16), "\xD4" + std::string(14, '\xCD') + "\xBC"}});
-}
-
-TEST_F(MessageBoxTest, EveryCodeHasItsBottomLineAndWidth) {
+TEST_F(MessageBoxTest, EachCodeTakesItsKeysLeavesTheRestAndRestoresTheScreen) {
+  const KeyPair esc = keys::kEsc, y{'y', 21}, z{'z', 44}, b{'b', 48};
   struct Case {
     int16_t code;
-    KeyPair key;
-    int width;
-    ShortText bottom;
+    std::vector<KeyPair> pushed;
+    bool yes;
+    std::vector<KeyPair> left;
   } cases[] = {
-      {0, keys::kEsc, 14, " Wciśnij ╒¿."_mz}, {-1, keys::kEsc, 14, " Wciśnij ╤╥û."_mz},
-      {1, KeyPair{'n', 49}, 36, " Odpowiedz naciskając ╧Ö lub ╧Ü."_mz},
-      {1, KeyPair{'t', 20}, 36, " Odpowiedz naciskając ╧Ö lub ╧Ü."_mz},
+      // Yes or no: Enter or T is yes, Esc or N is no, other keys are ignored.
+      {1, {keys::kEnter}, true, {}}, {1, {esc}, false, {}}, {1, {{'T', 20}}, true, {}}, {1, {{'N', 49}}, false, {}},
+      {1, {{'x', 45}, {'1', 2}, {'t', 20}}, true, {}}, {1, {keys::F(1), {'n', 49}}, false, {}},
+      // Code 0 waits for Enter or Esc only.
+      {0, {{'a', 30}, keys::F(2), {' ', 57}, keys::kEnter, b}, false, {b}},
+      // Code -1 lets any other key through; Esc ends it and takes the rest.
+      {-1, {z, y}, false, {z, y}}, {-1, {esc, y}, false, {}},
+      // A timed box leaves typed keys alone.
+      {20, {{'q', 16}}, false, {{'q', 16}}}, {3, {esc}, false, {esc}},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.code);
-    Answer({c.key});
-    MessageBox(ShortText("Abc"), c.code);
-    EXPECT_EQ(First().window.right - First().window.left - 1, c.width);
-    int left = (78 - c.width) / 2 + 1;
-    int x = left + (c.width + 2 - c.bottom.Length()) / 2;
-    EXPECT_EQ(First().Cells(13, left + 1, 3), "Abc");
-    EXPECT_EQ(First().Attr(left + 1, 13), 0x4F);
-    EXPECT_EQ(First().Cells(14, x, c.bottom.Length()), c.bottom.Str());
+    for (KeyPair k : c.pushed) (void)PushKey(k.ch, k.scan);
+    Snapshot before = Capture();
+    EXPECT_EQ(MessageBox(ShortText("Jeden@Dwa@Trzy"), c.code), c.yes);
+    EXPECT_EQ(Capture(), Restored(before));
+    std::vector<KeyPair> left;
+    while (KeysBuffered() > 0) left.push_back(ReadKeyRaw());
+    EXPECT_EQ(left, c.left);
   }
 }
 
-TEST_F(MessageBoxTest, TimedBoxShowsItsWaitLineAndLeavesTypedKeysAlone) {
-  (void)PushKey('q', 16);
-  Snapshot before = Capture();
-  MessageBox(ShortText("Krótko"), 20);
-  EXPECT_EQ(Capture(), Restored(before));
-  EXPECT_EQ(KeysBuffered(), 1);
-  EXPECT_EQ(ReadKeyRaw(), (KeyPair{'q', 16}));
-}
-
-TEST_F(MessageBoxTest, YesNoTakesEnterAsYesAndEscAsNoAndIgnoresOtherKeys) {
+TEST_F(MessageBoxTest, EachKindOfBoxSitsWhereItsTextAndPlacePutIt) {
+  const WindowRect kAsFilled{3, 4, 60, 20};  // the window that FillBackground leaves
+  ShortText manyLines;                       // 25 breaks
+  for (char c = 'A'; c < 'Z'; ++c) manyLines += ShortText(std::string{c, '@'});
+  manyLines += 'Z';
   struct Case {
-    std::vector<KeyPair> keys;
-    bool yes;
+    const char* name;
+    const char* term;
+    WindowRect caller;
+    std::function<void()> show;
+    WindowRect box;
+    std::vector<form_test::Cell> cells;
   } cases[] = {
-      {{keys::kEnter}, true}, {{keys::kEsc}, false}, {{KeyPair{'T', 20}}, true}, {{KeyPair{'N', 49}}, false},
-      {{KeyPair{'x', 45}, KeyPair{'1', 2}, KeyPair{'t', 20}}, true}, {{keys::F(1), KeyPair{'n', 49}}, false},
+      // Empty text: 14 wide with one empty line. An empty line writes nothing in the body colour; the bottom
+      // line's row outside its text keeps the frame colour.
+      {"empty text", "linux", kAsFilled, [] { MessageBox(ShortText(), 0); }, {33, 12, 48, 15},
+       {{12, 33, "\xDA" + std::string(14, '\xC4') + "\xB7", 0x4E}, {13, 33, "\xB3" + std::string(14, ' ') + "\xBA"},
+        {13, 34, " ", 0x4E}, {14, 33, std::string("\xB3 ") + " Wciśnij ╒¿."_mz.Str() + " \xBA"}, {14, 34, " ", 0x4E},
+        {14, 35, " ", 0x47}, {15, 33, "\xD4" + std::string(14, '\xCD') + "\xBC"}}},
+      // Each code has its bottom line and the width it needs, the body in 0x4F and the bottom line in 0x47.
+      {"code 0", "linux", kAsFilled, [] { MessageBox(ShortText("Abc"), 0); }, {33, 12, 48, 15},
+       {{13, 34, "Abc", 0x4F}, {14, 35, " Wciśnij ╒¿."_mz.Str(), 0x47}}},
+      {"code -1", "linux", kAsFilled, [] { MessageBox(ShortText("Abc"), -1); }, {33, 12, 48, 15},
+       {{13, 34, "Abc", 0x4F}, {14, 34, " Wciśnij ╤╥û."_mz.Str()}}},
+      {"code 1", "linux", kAsFilled, [] { MessageBox(ShortText("Abc"), 1); }, {22, 12, 59, 15},
+       {{13, 23, "Abc", 0x4F}, {14, 25, " Odpowiedz naciskając ╧Ö lub ╧Ü."_mz.Str()}}},
+      {"colour", "linux", kAsFilled, [] { MessageBoxColour(ShortText("Kolor"), 0, 0x1F); }, {33, 12, 48, 15},
+       {{12, 33, "\xDA", 0x1F}, {13, 34, "Kolor", 0x1F}, {14, 36, "Wciśnij ╒¿."_mz.Str(), 0x47}}},
+      // The 22nd line holds everything after the 21st break, "@" included.
+      {"22 lines and more", "linux", kAsFilled, [&] { MessageBox(manyLines, 0); }, {33, 1, 48, 25},
+       {{2, 34, "A"}, {22, 34, "U"}, {23, 34, "V@W@X@Y@Z"}, {24, 35, " Wciśnij ╒¿."_mz.Str()}}},
+      {"a line cut at 78", "linux", kAsFilled, [] { MessageBox(ShortText(std::string(100, 'x')), 0); }, {1, 12, 80, 15},
+       {{13, 2, std::string(78, 'x') + "\xBA"}}},
+      {"one cell inside the window", "linux", {10, 5, 30, 9}, [] { MessageBoxHere(ShortText("Obok pola"), 0, 0x4F); },
+       {11, 6, 26, 9}, {{7, 12, "Obok pola"}}},
+      {"moved back from the edges", "linux", {75, 24, 80, 25},
+       [] { MessageBoxHere(ShortText("Obok pola"), 0, 0x4F); }, {65, 22, 80, 25}, {{23, 66, "Obok pola"}}},
+      {"bottom line of 76", "linux", kAsFilled, [] { MessageBoxBottom(ShortText(std::string(90, 'y')), 0); },
+       {2, 21, 79, 24}, {{22, 3, std::string(76, 'y') + "\xBA"}}},
+      // An ISO terminal leaves the single frame lines blank.
+      {"iso frame", "xterm", {}, [] { MessageBox(ShortText("Iso"), 0); }, {33, 12, 48, 15},
+       {{12, 33, std::string(15, ' ') + "\xB7"}, {13, 33, " "}, {15, 33, "\xD4"}}},
   };
   for (const auto& c : cases) {
-    for (KeyPair k : c.keys) (void)PushKey(k.ch, k.scan);
-    EXPECT_EQ(MessageBox(ShortText("Czy?"), 1), c.yes);
-    EXPECT_EQ(KeysBuffered(), 0);
+    SCOPED_TRACE(c.name);
+    tui_test::InitTerminal(c.term);
+    Window(c.caller.left, c.caller.top, c.caller.right, c.caller.bottom);
+    Answer({keys::kEsc});
+    c.show();
+    const WindowRect& w = First().window;
+    ExpectRows<int>({{w.left, c.box.left}, {w.top, c.box.top}, {w.right, c.box.right}, {w.bottom, c.box.bottom}});
+    // The cursor waits in the lower right corner.
+    ExpectRows<int>({{First().x, w.right - w.left + 1}, {First().y, w.bottom - w.top + 1}});
+    form_test::ExpectCells(First(), c.cells);
   }
 }
 
-TEST_F(MessageBoxTest, CodeZeroWaitsForEnterOrEscOnly) {
-  for (KeyPair k : {KeyPair{'a', 30}, keys::F(2), KeyPair{' ', 57}, keys::kEnter, KeyPair{'b', 48}})
-    (void)PushKey(k.ch, k.scan);
-  MessageBox(ShortText("x"), 0);
-  EXPECT_EQ(KeysBuffered(), 1);
-  EXPECT_EQ(ReadKeyRaw(), (KeyPair{'b', 48}));
-}
-
-TEST_F(MessageBoxTest, CodeMinusOneLetsAnyOtherKeyThroughAndEscDiscardsTheRest) {
-  (void)PushKey('z', 44);
-  (void)PushKey('y', 21);
-  EXPECT_FALSE(MessageBox(ShortText("Uwaga"), -1));
-  EXPECT_EQ(ReadKeyRaw(), (KeyPair{'z', 44}));
-  EXPECT_EQ(ReadKeyRaw(), (KeyPair{'y', 21}));
-  (void)PushKey(27, 1);
-  (void)PushKey('y', 21);
-  EXPECT_FALSE(MessageBox(ShortText("Uwaga"), -1));
-  EXPECT_EQ(KeysBuffered(), 0);
-}
-
-TEST_F(MessageBoxTest, EveryCodeButTwoRestoresScreenWindowAndCursorAndLeavesAttributeNormal) {
-  for (int16_t code : {0, -1, 1, 3}) {
-    SCOPED_TRACE(code);
-    Snapshot before = Capture();
-    (void)PushKey(27, 1);
-    MessageBox(ShortText("Jeden@Dwa@Trzy"), code);
-    DiscardPendingKeys();
-    EXPECT_EQ(Capture(), Restored(before));
-  }
-}
-
-TEST_F(MessageBoxTest, CodeTwoLeavesTheBoxUpAndTheCallersRestoreRemovesIt) {
-  Snapshot before = Capture();
-  ScreenCopyPtr copy;
-  ScreenSave(copy);
-  MessageBox(ShortText("Trwa kasowanie...@[          ]"), 2);
-  // No bottom line: one row shorter; the window is the box.
-  WindowRect w = CurrentWindow();
-  EXPECT_EQ(w.top, 11);
-  EXPECT_EQ(w.bottom, 14);
-  EXPECT_EQ(Cells(12, w.left + 1, 17), "Trwa kasowanie...");
-  EXPECT_EQ(CharAt(w.left, 14), 0xD4);
-  EXPECT_EQ(CurrentAttr(), 0x07);
-  ScreenRestore(copy);
-  Window(before.window.left, before.window.top, before.window.right, before.window.bottom);
-  GotoXY(before.x, before.y);
-  EXPECT_EQ(Capture(), Restored(before));
-}
-
-TEST_F(MessageBoxTest, TwentyTwoAndMoreBreaksShowTwentyTwoLinesTheLastWithTheRest) {
-  ShortText text;
-  for (int i = 0; i < 25; ++i) {
-    text.Append(static_cast<char>('A' + i));
-    text.Append('@');
-  }
-  text.Append('Z');
-  Answer({keys::kEnter});
-  MessageBox(text, 0);
-  EXPECT_EQ(First().window.top, 1);
-  EXPECT_EQ(First().window.bottom, 25);
-  EXPECT_EQ(First().Cells(2, 34, 1), "A");
-  EXPECT_EQ(First().Cells(22, 34, 1), "U");
-  // The 22nd line holds everything after the 21st break, "@" included.
-  EXPECT_EQ(First().Cells(23, 34, 9), "V@W@X@Y@Z");
-  EXPECT_EQ(First().window.right - First().window.left - 1, 14);
-  EXPECT_EQ(First().Cells(24, 35, 12), " Wciśnij ╒¿."_mz.Str());
-}
-
-TEST_F(MessageBoxTest, LongLinesAreCutAtSeventyEight) {
-  ShortText text(std::string(100, 'x'));
-  Answer({keys::kEnter});
-  MessageBox(text, 0);
-  EXPECT_EQ(First().window.left, 1);
-  EXPECT_EQ(First().window.right, 80);
-  EXPECT_EQ(First().Cells(13, 2, 78), std::string(78, 'x'));
-  EXPECT_EQ(First().Cells(13, 80, 1), "\xBA");
-}
-
-TEST_F(MessageBoxTest, ColourBoxDrawsFrameAndBodyInTheGivenAttribute) {
-  Answer({keys::kEnter});
-  MessageBoxColour(ShortText("Kolor"), 0, 0x1F);
-  EXPECT_EQ(First().Attr(33, 12), 0x1F);
-  EXPECT_EQ(First().Attr(34, 13), 0x1F);
-  EXPECT_EQ(First().Attr(36, 14), 0x47);
-}
-
-TEST_F(MessageBoxTest, HereBoxOpensInsideTheWindowAndMovesBackFromTheEdges) {
-  Window(10, 5, 30, 9);
-  Answer({keys::kEnter});
-  MessageBoxHere(ShortText("Obok pola"), 0, 0x4F);
-  EXPECT_EQ(First().window.left, 11);
-  EXPECT_EQ(First().window.top, 6);
-  EXPECT_EQ(First().window.right, 11 + 15);
-  Window(75, 24, 80, 25);
-  Answer({keys::kEnter});
-  MessageBoxHere(ShortText("Obok pola"), 0, 0x4F);
-  EXPECT_EQ(First().window.right, 80);
-  EXPECT_EQ(First().window.bottom, 25);
-  EXPECT_EQ(First().window.top, 22);
-}
-
-TEST_F(MessageBoxTest, BottomBoxSitsOnRowsTwentyOneOrTwentyTwoToTwentyFour) {
-  Answer({keys::kEnter});
-  MessageBoxBottom(ShortText(std::string(90, 'y')), 0);
-  EXPECT_EQ(First().window.left, 2);
-  EXPECT_EQ(First().window.top, 21);
-  EXPECT_EQ(First().window.bottom, 24);
-  EXPECT_EQ(First().Cells(22, 3, 77), std::string(76, 'y') + "\xBA");
-
+TEST_F(MessageBoxTest, BottomBoxWithoutWaitSitsOnRowsTwentyTwoToTwentyFour) {
   ScreenCopyPtr copy;
   ScreenSave(copy);
   MessageBoxBottom(ShortText("Notka"), 2);
@@ -217,64 +132,56 @@ TEST_F(MessageBoxTest, BottomBoxSitsOnRowsTwentyOneOrTwentyTwoToTwentyFour) {
 }
 
 TEST_F(MessageBoxTest, TimedBottomBoxWritesItsWaitLineOverTheBottomFrame) {
-  std::string sent;
-  TermOutputToBuffer(&sent);
-  tui_test::InitTerminal("linux");
+  Sent();
   MessageBoxBottom(ShortText("Notka"), 10);
-  TermFlush();
   // Row 24 receives the wait line where the frame was.
+  const std::string sent = Sent();
   EXPECT_NE(sent.find("\x1b[24;"), std::string::npos);
-  std::size_t row24 = sent.find("Zaczekaj");
-  ASSERT_NE(row24, std::string::npos);
-  TermOutputToBuffer(&out_);
+  EXPECT_NE(sent.find("Zaczekaj"), std::string::npos);
 }
 
-TEST_F(MessageBoxTest, IsoTerminalLeavesTheSingleFrameLinesBlank) {
-  tui_test::InitTerminal("xterm");
-  Answer({keys::kEnter});
-  MessageBox(ShortText("Iso"), 0);
-  EXPECT_EQ(First().Cells(12, 33, 15), std::string(15, ' '));
-  EXPECT_EQ(First().Cells(12, 48, 1), "\xB7");
-  EXPECT_EQ(First().Cells(13, 33, 1), " ");
-  EXPECT_EQ(First().Cells(15, 33, 1), "\xD4");
-}
-
-TEST_F(MessageBoxTest, ProgressBarFillsCountsAndPercents) {
+TEST_F(MessageBoxTest, CodeTwoLeavesTheBoxUpForItsProgressBarUntilTheCallerRestores) {
   struct Case {
     const char* text;
     long done, total;
     const char* shown;
+    int top;  // of a box without a bottom line: one row shorter, ending on row 14
   } cases[] = {
-      {"Trwa kasowanie...@[          ]", 3, 10, "\xDB\xDB\xDB       "},
-      {"Liczenie@[          /          ]", 42, 1000, "        42/1000      "}, {"Zapis [   %]", 1, 3, " 33"},
-      {"Koniec [          ]", 12, 10, "\xDB\xDB\xDB\xDB\xDB\xDB\xDB\xDB\xDB\xDB"},
+      {"Trwa kasowanie...@[          ]", 3, 10, "\xDB\xDB\xDB       ", 11},
+      {"Liczenie@[          /          ]", 42, 1000, "        42/1000      ", 11}, {"Zapis [   %]", 1, 3, " 33", 12},
+      {"Koniec [          ]", 12, 10, "\xDB\xDB\xDB\xDB\xDB\xDB\xDB\xDB\xDB\xDB", 12},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.text);
-    ShortText text(c.text);
+    const Snapshot before = Capture();
+    const ShortText text(c.text);
     ScreenCopyPtr copy;
     ScreenSave(copy);
     MessageBox(text, 2);
+    // The window is the box.
+    const WindowRect w = CurrentWindow();
+    const ShortText firstLine = text.Copy(1, text.Pos('@') > 0 ? text.Pos('@') - 1 : text.Length());
+    EXPECT_EQ(Cells(w.top + 1, w.left + 1, firstLine.Length()), firstLine.Str());
+    ExpectRows<int>({{w.top, c.top}, {w.bottom, 14}, {CharAt(w.left, 14), 0xD4}, {CurrentAttr(), 0x07}});
     ProgressBar bar = FindProgressBar(text);
     ASSERT_NE(bar.kind, ProgressBar::kNone);
     ShowProgress(bar, c.done, c.total);
-    WindowRect w = CurrentWindow();
     EXPECT_EQ(Cells(w.top + bar.y - 1, w.left + bar.x - 1, 1), "[");
     EXPECT_EQ(Cells(w.top + bar.y - 1, w.left + bar.x, static_cast<int>(strlen(c.shown))), c.shown);
     ScreenRestore(copy);
+    Window(before.window.left, before.window.top, before.window.right, before.window.bottom);
+    GotoXY(before.x, before.y);
+    EXPECT_EQ(Capture(), Restored(before));
   }
   EXPECT_EQ(FindProgressBar(ShortText("Bez paska [x]")).kind, ProgressBar::kNone);
 }
 
 TEST_F(MessageBoxTest, ClipboardCopyKeepsTheFieldAndSaysSoBriefly) {
   Snapshot before = Capture();
-  std::string sent;
-  TermOutputToBuffer(&sent);
+  Sent();
   ClipboardCopy("Zażółć"_mz, 5);
-  TermFlush();
-  TermOutputToBuffer(&out_);
   EXPECT_EQ(ClipboardText(), "Zażółć"_mz);
-  EXPECT_NE(sent.find("Pobrano do schowka."), std::string::npos);
+  EXPECT_NE(Sent().find("Pobrano do schowka."), std::string::npos);
   EXPECT_EQ(Capture(), Restored(before));
 }
 

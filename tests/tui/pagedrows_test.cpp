@@ -8,7 +8,11 @@
 #include <algorithm>
 #include <vector>
 
+#include "base/expect_rows.h"
+
 namespace {
+
+using test_rows::ExpectRows;
 
 struct Key {
   bool set = false;
@@ -24,18 +28,12 @@ class Numbers {
   }
   bool Read(const Key& from, bool forward, int limit, std::vector<int>& out) const {
     out.clear();
-    const auto after = [&](int v) {
-      if (!from.set) return true;
-      return forward ? (from.inclusive ? v >= from.value : v > from.value)
-                     : (from.inclusive ? v <= from.value : v < from.value);
-    };
-    if (forward) {
-      for (int v : rows)
-        if (after(v) && static_cast<int>(out.size()) < limit) out.push_back(v);
-    } else {
-      for (auto it = rows.rbegin(); it != rows.rend(); ++it)
-        if (after(*it) && static_cast<int>(out.size()) < limit) out.insert(out.begin(), *it);
-    }
+    const auto beyond = [&](int v) { return forward ? v > from.value : v < from.value; };
+    for (int v : rows)
+      if (!from.set || beyond(v) || (from.inclusive && v == from.value)) out.push_back(v);
+    // Reading backwards keeps the rows nearest the key: the last ones.
+    const int extra = static_cast<int>(out.size()) - limit;
+    if (extra > 0) out.erase(forward ? out.end() - extra : out.begin(), forward ? out.end() : out.begin() + extra);
     return true;
   }
   std::vector<int> rows;
@@ -101,14 +99,11 @@ TEST(PagedRowsTest, ReloadKeepsTheScreenAndTheBarOrFallsBack) {
   ASSERT_TRUE(pager.Step(true));  // 11..20, the bar on 12
   list.rows.erase(std::find(list.rows.begin(), list.rows.end(), 15));
   pager.Reload();
-  EXPECT_EQ(pager.Rows().front(), 11);
-  EXPECT_EQ(*pager.Current(), 12);
-  EXPECT_EQ(pager.Rows().back(), 21);
+  ExpectRows<int>({{pager.Rows().front(), 11}, {*pager.Current(), 12}, {pager.Rows().back(), 21}});
   // Everything from the screen on is gone: the list starts again from the top.
   list.rows.resize(5);
   pager.Reload();
-  EXPECT_EQ(pager.Rows().front(), 1);
-  EXPECT_EQ(*pager.Current(), 2);
+  ExpectRows<int>({{pager.Rows().front(), 1}, {*pager.Current(), 2}});
 }
 
 }  // namespace

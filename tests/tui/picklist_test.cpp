@@ -1,12 +1,9 @@
 #include "tui/picklist.h"
 
 #include <gtest/gtest.h>
-#include <unistd.h>
-
-#include <cstdio>
-#include <fstream>
 
 #include "base/expect_rows.h"
+#include "base/file_fixture.h"
 #include "form_fixture.h"
 
 namespace {
@@ -27,7 +24,7 @@ ShortText Numbered(int count) {
   return t;
 }
 
-class PickListTest : public form_test::FormTest {
+class PickListTest : public FormTest {
  protected:
   int16_t Pick(const ShortText& options, int16_t initial = 1, int16_t endMode = 1, uint8_t column = 0,
                uint8_t row = 0, const ShortText& title = ShortText("Wybierz:")) {
@@ -36,113 +33,98 @@ class PickListTest : public form_test::FormTest {
   unsigned char ch_ = 0, scan_ = 0;
 };
 
-TEST_F(PickListTest, CentredBoxShowsKeyCapsBarAndEscLine) {
-  Play({{keys::kEnter}});
-  EXPECT_EQ(Pick(kThree), 1);
-  const Snapshot& s = Seen().at(0);
-  // 5 lines of 29 (the Esc line is the widest): columns 25..55, rows 10..16.
-  ExpectRows<std::string>({{s.Cells(10, 25, 1), "\xDA"}, {s.Cells(10, 55, 1), "\xB7"}, {s.Cells(11, 26, 8), "Wybierz:"},
-                           {s.Cells(12, 26, 29), "\xCF\x85 Alfa " + std::string(21, ' ')},
-                           {s.Cells(13, 26, 8), "\xCF\x87 Beta "}, {s.Cells(14, 26, 8), "\xCF\x88 Gamma"},
-                           {s.Cells(15, 26, 29), "╤╥û - rezygnacja z wybierania"_mz.Str()}, {s.Cells(16, 25, 1), "\xD4"}});
-  ExpectRows<int>({{s.Attr(26, 12), 0x30}, {s.Attr(54, 12), 0x30}, {s.Attr(26, 13), 0x1F}, {s.Attr(25, 10), 0x1F}});
-  EXPECT_EQ(ch_, 13);
-}
-
 TEST_F(PickListTest, ColourSchemes) {
   const unsigned char want[] = {0x07, 0x1F, 0x1E, 0x0F, 0x4F, 0x47, 0x4E, 0x0E, 0x6E, 0x07, 0x07};
   for (int i = 0; i < 11; ++i) EXPECT_EQ(PickListAttr(static_cast<uint8_t>(i)), want[i]) << i;
   EXPECT_EQ(PickListAttr(255), 0x07);
 }
 
-TEST_F(PickListTest, InitialChoiceOutOfRangeStartsOnTheFirstRow) {
-  for (int16_t initial : {0, -1, 4, 1000}) {
-    Play({{keys::kEnter}});
-    EXPECT_EQ(Pick(kThree, initial), 1) << initial;
+TEST_F(PickListTest, KeysMoveChooseOrEndByTheEndMode) {
+  const std::string wide = std::string(120, 'x') + "@y";
+  struct Case {
+    ShortText options;
+    int16_t initial, endMode;
+    std::vector<KeyPair> keys;
+    int16_t want;
+    KeyPair ended;
+  } cases[] = {
+      // Moves stop at the ends.
+      {kThree, 1, 1, {keys::kDown, keys::kDown, keys::kDown, keys::kDown, keys::kEnter}, 3, keys::kEnter},
+      {kThree, 1, 1, {keys::kUp, keys::kUp, keys::kEnter}, 1, keys::kEnter},
+      {kThree, 1, 1, {keys::kEnd, keys::kUp, keys::kEnter}, 2, keys::kEnter},
+      {kThree, 1, 1, {keys::kEnd, keys::kHome, keys::kEnter}, 1, keys::kEnter},
+      {kThree, 1, 1, {keys::kTab, keys::kEnter}, 2, keys::kEnter}, {ShortText(), 1, 1, {keys::kEnter}, 1, keys::kEnter},
+      {ShortText(wide), 1, 1, {keys::kDown, keys::kEnter}, 2, keys::kEnter},
+      // An initial choice out of range starts on the first row.
+      {kThree, 0, 1, {keys::kEnter}, 1, keys::kEnter}, {kThree, -1, 1, {keys::kEnter}, 1, keys::kEnter},
+      {kThree, 4, 1, {keys::kEnter}, 1, keys::kEnter}, {kThree, 1000, 1, {keys::kEnter}, 1, keys::kEnter},
+      {kThree, 3, 1, {keys::kEnter}, 3, keys::kEnter},
+      // End mode 0 ignores Esc and Left; 1 ends on Esc; 2 on Left and Right too.
+      {kThree, 1, 0, {keys::kEsc, keys::kLeft, keys::kDown, keys::kEnter}, 2, keys::kEnter},
+      {kThree, 2, 1, {keys::kLeft, keys::kEsc}, 0, keys::kEsc}, {kThree, 3, 2, {keys::kLeft}, 3, keys::kLeft},
+      {kThree, 1, 2, {keys::kDown, keys::kRight}, 2, keys::kRight},
+      // A digit or key-cap letter of a choice ends the list at once; any other does nothing.
+      {kThree, 1, 1, Keys("3", {keys::kEnter}), 3, KeyOfByte('3')},
+      {Numbered(12), 1, 1, Keys("0", {keys::kEnter}), 10, KeyOfByte('0')},
+      {Numbered(12), 1, 1, Keys("a", {keys::kEnter}), 11, KeyOfByte('a')},
+      {Numbered(12), 1, 1, Keys("B", {keys::kEnter}), 12, KeyOfByte('B')},
+      {Numbered(26), 1, 1, Keys("p", {keys::kEnter}), 26, KeyOfByte('p')},
+      {kThree, 1, 1, Keys("5", {keys::kEnter}), 1, keys::kEnter},
+      {kThree, 1, 1, Keys("a", {keys::kEnter}), 1, keys::kEnter},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(::testing::PrintToString(c.options.Str().substr(0, 12)) + " " + std::to_string(c.initial));
+    KeyboardReset();  // a key that chooses leaves the Enter behind it
+    Play({c.keys});
+    EXPECT_EQ(Pick(c.options, c.initial, c.endMode), c.want);
+    EXPECT_EQ((KeyPair{ch_, scan_}), c.ended);
   }
-  Play({{keys::kEnter}});
-  EXPECT_EQ(Pick(kThree, 3), 3);
-  // An initial choice beyond the first box opens the box that holds it.
+}
+
+TEST_F(PickListTest, BoxPlaceAndSize) {
+  struct Case {
+    const char* name;
+    ShortText options;
+    int16_t endMode;
+    uint8_t column, row;
+    std::vector<Cell> cells;
+  } cases[] = {
+      // 5 lines of 29 (the Esc line is the widest): columns 25..55, rows 10..16; the bar in 0x30.
+      {"centred", kThree, 1, 0, 0,
+       {{10, 25, "\xDA", 0x1F}, {10, 55, "\xB7"}, {11, 26, "Wybierz:"},
+        {12, 26, "\xCF\x85 Alfa " + std::string(21, ' '), 0x30}, {12, 54, " ", 0x30}, {13, 26, "\xCF\x87 Beta ", 0x1F},
+        {14, 26, "\xCF\x88 Gamma"}, {15, 26, "╤╥û - rezygnacja z wybierania"_mz.Str()}, {16, 25, "\xD4"}}},
+      // Only the title and rows: 4 lines of 8, columns 36..45, rows 10..15.
+      {"no Esc line in end mode 0", kThree, 0, 0, 0, {{10, 36, "\xDA"}, {14, 37, "\xCF\x88 Gamma"}, {15, 36, "\xD4"}}},
+      {"placed one cell inside", kThree, 0, 10, 5, {{6, 11, "\xDA"}, {7, 12, "Wybierz:"}, {8, 12, "\xCF\x85 Alf"}}},
+      {"moved back from the corner", kThree, 0, 78, 24, {{25, 80, "\xBC"}}},
+      {"no options", ShortText(), 1, 0, 0, {{13, 26, "\xCF\x85 "}}},
+      // As wide as the screen allows: 78 inside.
+      {"wide", ShortText(std::string(120, 'x') + "@y"), 1, 0, 0,
+       {{10, 1, "\xDA"}, {12, 2, "\xCF\x85 " + std::string(75, 'x')}}},
+      // The key-caps of 10 and 11: the digit 0 and the letter A.
+      {"key-caps", Numbered(11), 0, 0, 0, {{17, 37, "\xCF\x94 n10"}, {18, 37, "\xCF\xF4 n11"}}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    Play({{keys::kEnter}});
+    Pick(c.options, 1, c.endMode, c.column, c.row);
+    ExpectCells(Seen().at(0), c.cells);
+  }
+}
+
+TEST_F(PickListTest, InitialChoiceBeyondTheFirstBoxOpensTheBoxThatHoldsIt) {
   Play({{keys::kEnter}});
   EXPECT_EQ(Pick(Numbered(25), 23), 23);
-  EXPECT_NE(Seen().at(0).rows[10].Pos("Wybierz dalej:"), 0);
+  EXPECT_EQ(Seen().at(0).RowOf("Wybierz dalej:"), 10);
   EXPECT_EQ(Seen().at(0).Attr(27, 12), 0x30) << "the bar on 23, the second row of that box";
 }
 
 TEST_F(PickListTest, TitleOfThreeLinesLeavesNineteenRowsInABox) {
   Play({{keys::kPgDn}, {keys::kPgUp, keys::kEnter}});
   EXPECT_EQ(Pick(Numbered(25), 1, 0, 0, 0, ShortText("A@B@C")), 1);
-  int first = 0, further = 0;
-  for (int r = 1; r <= 25; ++r) {
-    first += Seen().at(0).rows[r].Pos("\xCF") > 0;
-    further += Seen().at(1).rows[r].Pos("\xCF") > 0;
-  }
-  EXPECT_EQ(first, 19);
-  EXPECT_EQ(further, 6);
-}
-
-TEST_F(PickListTest, MovesStopAtTheEnds) {
-  struct Case {
-    std::vector<KeyPair> keys;
-    int16_t want;
-  } cases[] = {
-      {{keys::kDown, keys::kDown, keys::kDown, keys::kDown, keys::kEnter}, 3},
-      {{keys::kUp, keys::kUp, keys::kEnter}, 1}, {{keys::kEnd, keys::kUp, keys::kEnter}, 2},
-      {{keys::kEnd, keys::kHome, keys::kEnter}, 1}, {{keys::kTab, keys::kEnter}, 2},
-  };
-  for (const auto& c : cases) {
-    Play({c.keys});
-    EXPECT_EQ(Pick(kThree), c.want);
-  }
-}
-
-TEST_F(PickListTest, EndModes) {
-  Play({{keys::kEsc, keys::kLeft, keys::kDown, keys::kEnter}});
-  EXPECT_EQ(Pick(kThree, 1, 0), 2) << "end mode 0 ignores Esc and Left";
-  EXPECT_EQ(ch_, 13);
-  Play({{keys::kLeft, keys::kEsc}});
-  EXPECT_EQ(Pick(kThree, 2, 1), 0);
-  EXPECT_EQ(ch_, 27);
-  EXPECT_EQ(scan_, 1);
-  Play({{keys::kDown, keys::kRight}});
-  EXPECT_EQ(Pick(kThree, 1, 2), 2);
-  EXPECT_EQ(ch_, 224);
-  EXPECT_EQ(scan_, 77);
-  Play({{keys::kLeft}});
-  EXPECT_EQ(Pick(kThree, 3, 2), 3);
-  EXPECT_EQ(scan_, 75);
-}
-
-TEST_F(PickListTest, EndModeZeroHasNoEscLine) {
-  Play({{keys::kEnter}});
-  Pick(kThree, 1, 0);
-  // Only the title and rows: 4 lines of 8, columns 36..45, rows 10..15.
-  EXPECT_EQ(Seen().at(0).Cells(10, 36, 1), "\xDA");
-  EXPECT_EQ(Seen().at(0).Cells(14, 37, 8), "\xCF\x88 Gamma");
-  EXPECT_EQ(Seen().at(0).Cells(15, 36, 1), "\xD4");
-}
-
-TEST_F(PickListTest, DigitAndLetterKeysChooseAtOnce) {
-  struct Case {
-    int count;
-    std::string key;
-    int16_t want;
-  } cases[] = {{3, "3", 3}, {12, "0", 10}, {12, "a", 11}, {12, "B", 12}, {26, "p", 26}, {3, "5", 1}, {3, "a", 1}};
-  for (const auto& c : cases) {
-    KeyboardReset();  // a key that chooses leaves the Enter behind it
-    Play({Keys(c.key, {keys::kEnter})});
-    EXPECT_EQ(Pick(Numbered(c.count)), c.want) << c.key;
-  }
-  // The key-caps of 10 and 11: the digit 0 and the letter A.
-  Play({{keys::kEnter}});
-  Pick(Numbered(11), 1, 0);
-  const Snapshot& s = Seen().at(0);
-  bool zero = false, letterA = false;
-  for (int r = 1; r <= 25; ++r) {
-    zero = zero || s.rows[r].Pos("\xCF\x94 n10") > 0;
-    letterA = letterA || s.rows[r].Pos("\xCF\xF4 n11") > 0;
-  }
-  EXPECT_TRUE(zero && letterA);
+  EXPECT_EQ(Seen().at(0).RowsWith("\xCF"), 19);
+  EXPECT_EQ(Seen().at(1).RowsWith("\xCF"), 6);
 }
 
 TEST_F(PickListTest, TwentyFiveChoicesGoOnInASecondBox) {
@@ -151,34 +133,24 @@ TEST_F(PickListTest, TwentyFiveChoicesGoOnInASecondBox) {
   const Snapshot& first = Seen().at(0);
   const Snapshot& second = Seen().at(1);
   // First box: title and 21 rows in 22 lines, the Esc line over the bottom frame.
+  // Choice 21 has the key-cap of letter K.
   EXPECT_EQ(first.Cells(1, 25, 1), "\xDA");
-  EXPECT_NE(first.rows[2].Pos("Wybierz:"), 0);
-  EXPECT_NE(first.rows[23].Pos("\xCF\x10 n21"), 0) << "choice 21 has the key-cap of letter K";
-  EXPECT_NE(first.rows[24].Pos("╤╥û - rezygnacja z wybierania"_mz.View()), 0);
-  EXPECT_EQ(first.rows[24].Pos("n22"), 0);
+  ExpectRows<int>({{first.RowOf("Wybierz:"), 2}, {first.RowOf("\xCF\x10 n21"), 23},
+                   {first.RowOf("╤╥û - rezygnacja z wybierania"_mz.View()), 24}, {first.RowOf("n22"), 0}});
   // End goes to the further box: its title and choices 22 to 25.
-  bool further = false;
-  for (int r = 1; r <= 25; ++r) further = further || second.rows[r].Pos("Wybierz dalej:") > 0;
-  EXPECT_TRUE(further);
-  int rowsShown = 0;
-  for (int r = 1; r <= 25; ++r) rowsShown += second.rows[r].Pos(" n2") > 0 && second.rows[r].Pos(" n2 ") == 0;
-  EXPECT_EQ(rowsShown, 4);
+  EXPECT_NE(second.RowOf("Wybierz dalej:"), 0);
+  EXPECT_EQ(second.RowsWith(" n2") - second.RowsWith(" n2 "), 4);
   // Up from the further box's first row comes back to the first box.
   EXPECT_EQ(Seen().size(), 3u);
-  EXPECT_NE(Seen().at(2).rows[23].Pos("n21"), 0);
+  EXPECT_EQ(Seen().at(2).RowOf("n21"), 23);
 }
 
 TEST_F(PickListTest, HelpAfterByteSevenOpensOnF1) {
   Play({{keys::F(1)}, {keys::kEnter}, {keys::kDown, keys::kEnter}});
   EXPECT_EQ(Pick(kThree, 1, 1, 0, 0, ShortText("Tytu\x92\x07Pomoc do listy")), 2);
-  bool title = false, help = false;
-  for (int r = 1; r <= 25; ++r) {
-    title = title || Seen().at(0).rows[r].Pos("Tytu\x92 ") > 0;
-    help = help || Seen().at(1).rows[r].Pos("Pomoc do listy") > 0;
-  }
-  EXPECT_TRUE(title);
-  EXPECT_TRUE(help);
-  EXPECT_EQ(Seen().at(0).rows[11].Pos("\x07"), 0);
+  EXPECT_NE(Seen().at(0).RowOf("Tytu\x92 "), 0);
+  EXPECT_NE(Seen().at(1).RowOf("Pomoc do listy"), 0);
+  EXPECT_EQ(Seen().at(0).RowOf("\x07"), 0);
 }
 
 TEST_F(PickListTest, ScreenWindowAttributeAndCursorAsFound) {
@@ -192,101 +164,68 @@ TEST_F(PickListTest, ScreenWindowAttributeAndCursorAsFound) {
   EXPECT_TRUE(Capture() == before);
 }
 
-TEST_F(PickListTest, PlacedBoxOpensOneCellInside) {
-  Play({{keys::kEnter}});
-  Pick(kThree, 1, 0, 10, 5);
-  const Snapshot& s = Seen().at(0);
-  EXPECT_EQ(s.Cells(6, 11, 1), "\xDA");
-  EXPECT_EQ(s.Cells(7, 12, 8), "Wybierz:");
-  EXPECT_EQ(s.Cells(8, 12, 6), "\xCF\x85 Alf");
-  // Near the corner of the screen it moves left and up as far as it must.
-  Play({{keys::kEnter}});
-  Pick(kThree, 1, 0, 78, 24);
-  EXPECT_EQ(Seen().at(0).Cells(25, 80, 1), "\xBC");
-}
-
-TEST_F(PickListTest, EmptyOptionsAndWideOptions) {
-  Play({{keys::kEnter}});
-  EXPECT_EQ(Pick(ShortText()), 1);
-  EXPECT_EQ(Seen().at(0).Cells(13, 26, 3), "\xCF\x85 ");
-  Play({{keys::kDown, keys::kEnter}});
-  EXPECT_EQ(Pick(ShortText(std::string(120, 'x') + "@y")), 2);
-  // The box is as wide as the screen allows: 78 inside.
-  EXPECT_EQ(Seen().at(0).Cells(10, 1, 1), "\xDA");
-  EXPECT_EQ(Seen().at(0).Cells(12, 2, 78), "\xCF\x85 " + std::string(75, 'x'));
-}
-
 TEST_F(PickListTest, ChoicesFromAFile) {
-  char name[] = "/tmp/picklistXXXXXX";
-  int fd = mkstemp(name);
-  ASSERT_GE(fd, 0);
-  close(fd);
-  std::ofstream(name) << "COM1\r\nCOM2\nCOM3\n";
+  file_test::ScratchDir scratch;
+  ASSERT_TRUE(scratch.Entered());
+  file_test::WriteBytes("porty.txt", "COM1\r\nCOM2\nCOM3\n");
   Play({Keys("2")});
-  EXPECT_EQ(PickListFile(0, 1, 1, 0, 0, ShortText("Port:"), ShortText(name), ch_, scan_), 2);
+  EXPECT_EQ(PickListFile(0, 1, 1, 0, 0, ShortText("Port:"), ShortText("porty.txt"), ch_, scan_), 2);
   EXPECT_NE(Seen().at(0).rows[13].Pos("\xCF\x87 COM2"), 0);
-  std::remove(name);
+  // A file that cannot be read gives one empty choice.
   Play({{keys::kDown, keys::kEnter}});
-  EXPECT_EQ(PickListFile(0, 1, 1, 0, 0, ShortText("Port:"), ShortText(name), ch_, scan_), 1);
+  EXPECT_EQ(PickListFile(0, 1, 1, 0, 0, ShortText("Port:"), ShortText("brak.txt"), ch_, scan_), 1);
 }
 
 // PickMulti.
 
-class PickMultiTest : public form_test::FormTest {};
+class PickMultiTest : public FormTest {
+ protected:
+  uint32_t Multi(int16_t endMode, const ShortText& options, const ShortText& title = ShortText("Co:")) {
+    return PickMulti(0, 1, endMode, 0, 0, title, options, out_, marks_);
+  }
+  KeyPair out_;
+  uint32_t marks_ = 0;
+};
 
 TEST_F(PickMultiTest, MarksPlusMinusToggleAndF10) {
-  KeyPair out;
-  uint32_t marks = 0;
   Play({Keys("+", {keys::kDown, keys::kEnter, keys::kDown}), Keys("+-", {keys::kDown}), Keys("+", {keys::F(10)})});
-  EXPECT_EQ(PickMulti(1, 1, 1, 0, 0, ShortText("Co:"), ShortText("a@b@c@d"), out, marks), 0b1011u);
-  EXPECT_EQ(marks, 0b1011u);
-  EXPECT_EQ(out, keys::F(10));
+  EXPECT_EQ(Multi(1, ShortText("a@b@c@d")), 0b1011u);
+  EXPECT_EQ(marks_, 0b1011u);
+  EXPECT_EQ(out_, keys::F(10));
   // The bar row in 0x30, others in 0x70, a marked row with its mark.
   const Snapshot& s = Seen().at(1);
-  int barRow = 0, markedRows = 0;
-  for (int r = 1; r <= 25; ++r) {
-    if (s.rows[r].Pos(" \xFB a") > 0) ++markedRows;
-    if (s.rows[r].Pos(" \xFB b") > 0) ++markedRows;
-    if (s.rows[r].Pos("   c") > 0) barRow = r;
-  }
-  EXPECT_EQ(markedRows, 2);
+  EXPECT_EQ(s.RowsWith(" \xFB a") + s.RowsWith(" \xFB b"), 2);
+  const int barRow = s.RowOf("   c");
   ASSERT_NE(barRow, 0);
   EXPECT_EQ(s.Attr(40, barRow), 0x30);
   EXPECT_EQ(s.Attr(40, barRow - 1), 0x70);
 }
 
 TEST_F(PickMultiTest, EscCancelsUnlessEndModeZero) {
-  KeyPair out;
-  uint32_t marks = 0b10;
+  marks_ = 0b10;
   Play({Keys("+", {keys::kEsc})});
-  EXPECT_EQ(PickMulti(0, 1, 1, 0, 0, ShortText("Co:"), ShortText("a@b"), out, marks), 0u);
-  EXPECT_EQ(marks, 0b10u);
+  EXPECT_EQ(Multi(1, ShortText("a@b")), 0u);
+  EXPECT_EQ(marks_, 0b10u);
   Play({Keys("+", {keys::kEsc, keys::F(10)})});
-  EXPECT_EQ(PickMulti(0, 1, 0, 0, 0, ShortText("Co:"), ShortText("a@b"), out, marks), 0b11u);
+  EXPECT_EQ(Multi(0, ShortText("a@b")), 0b11u);
   Play({{keys::kDown, keys::kEnter, keys::kRight}});
-  EXPECT_EQ(PickMulti(0, 1, 2, 0, 0, ShortText("Co:"), ShortText("a@b"), out, marks), 0b01u);
-  EXPECT_EQ(out, keys::kRight);
+  EXPECT_EQ(Multi(2, ShortText("a@b")), 0b01u);
+  EXPECT_EQ(out_, keys::kRight);
 }
 
 TEST_F(PickMultiTest, ColumnsAlignUnderTheHeader) {
-  KeyPair out;
-  uint32_t marks = 0;
   Play({{keys::F(10)}});
-  PickMulti(0, 1, 1, 0, 0, ShortText("Nazwa \x9D Nr"), ShortText("Ab \x9D 1@Cdefgh \x9D 22"), out, marks);
+  Multi(1, ShortText("Ab \x9D 1@Cdefgh \x9D 22"), ShortText("Nazwa \x9D Nr"));
   const Snapshot& s = Seen().at(0);
-  int header = 0;
-  for (int r = 1; r <= 25; ++r)
-    if (s.rows[r].Pos("   Nazwa  \x9D Nr") > 0) header = r;
+  const int header = s.RowOf("   Nazwa  \x9D Nr");
   ASSERT_NE(header, 0);
   EXPECT_NE(s.rows[header + 1].Pos("   Ab     \x9D 1"), 0);
   EXPECT_NE(s.rows[header + 2].Pos("   Cdefgh \x9D 22"), 0);
 }
 
 TEST_F(PickMultiTest, AtMostTwentyOneRows) {
-  KeyPair out;
-  uint32_t marks = 0;
   Play({{keys::kEnd, keys::kEnter, keys::F(10)}});
-  EXPECT_EQ(PickMulti(0, 1, 1, 0, 0, ShortText("Co:"), Numbered(30), out, marks), 1u << 20);
+  EXPECT_EQ(Multi(1, Numbered(30)), 1u << 20);
 }
 
 }  // namespace

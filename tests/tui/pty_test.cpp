@@ -1,7 +1,7 @@
 // Keys typed on a real pseudo-terminal reach ReadKeyRaw after TermInit has
 // set it up: Enter as 13, and Ctrl+C, Ctrl+V and Ctrl+S as keys of their own.
-#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <pty.h>
 #include <stdlib.h>
 #include <sys/wait.h>
 #include <termios.h>
@@ -14,14 +14,9 @@
 
 namespace {
 
-// In a child on the terminal's slave side: reads count keys and writes their
+// In the child on the terminal's slave side: reads count keys and writes their
 // pairs to the pipe, then whether the settings were given back at the end.
-[[noreturn]] void ReadKeysOnTerminal(const char* slaveName, int pipeOut, int count) {
-  setsid();
-  int slave = open(slaveName, O_RDWR);
-  if (slave < 0) _exit(2);
-  dup2(slave, STDIN_FILENO);
-  dup2(slave, STDOUT_FILENO);
+[[noreturn]] void ReadKeysOnTerminal(int pipeOut, int count) {
   setenv("TERM", "xterm", 1);
   TermInputFromFd(STDIN_FILENO);  // other tests of this process may have turned input off
   TermOutputToFd(STDOUT_FILENO);
@@ -42,16 +37,13 @@ namespace {
 }
 
 TEST(PseudoTerminal, RawKeysReachTheKeyReader) {
-  int master = posix_openpt(O_RDWR | O_NOCTTY);
-  ASSERT_GE(master, 0);
-  ASSERT_EQ(grantpt(master), 0);
-  ASSERT_EQ(unlockpt(master), 0);
-  std::string slaveName = ptsname(master);
   int fds[2];
   ASSERT_EQ(pipe(fds), 0);
   const std::string typed = "\r\x03\x16\x13" "a\x1b[A";
-  pid_t child = fork();
-  if (child == 0) ReadKeysOnTerminal(slaveName.c_str(), fds[1], 6);
+  int master = -1;
+  const pid_t child = forkpty(&master, nullptr, nullptr, nullptr);  // the child's own terminal, its session's
+  ASSERT_GE(child, 0);
+  if (child == 0) ReadKeysOnTerminal(fds[1], 6);
   close(fds[1]);
   unsigned char ready = 0;  // the child has set the terminal up before the keys come
   ASSERT_EQ(read(fds[0], &ready, 1), 1);

@@ -1,6 +1,8 @@
 // The logical screen: window, cursor, writes and copies, read from the shadows.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "base/mazovia.h"
 #include "base/expect_rows.h"
 #include "tui_fixture.h"
@@ -68,15 +70,10 @@ TEST_F(ScreenTest, WritesAreCutAtTheWindowAndNothingOutsideIsTouched) {
   PutCh(0, 1, 'z');
   PutCh(1, 6, 'z');
   PutCh(10, 5, 'q');
-  for (int r = 1; r <= 25; ++r) {
-    for (int c = 1; c <= 80; ++c) {
-      bool written = (r == 6 && c >= 18 && c <= 20) || (r == 10 && c == 20);
-      if (!written) {
-        EXPECT_EQ(CharAt(c, r), ' ') << c << "," << r;
-      }
-    }
-  }
   EXPECT_EQ(CharAt(20, 10), 'q');
+  std::string screen;
+  for (int r = 1; r <= 25; ++r) screen += RowText(r).Str();
+  EXPECT_EQ(std::count(screen.begin(), screen.end(), ' '), 2000 - 4) << "nothing but abc and q is written";
   Window(1, 1, 80, 25);
   WriteAt(1, 25, ShortText(std::string(100, 'w')));
   EXPECT_EQ(Cells(25, 1, 80), std::string(80, 'w'));
