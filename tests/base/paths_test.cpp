@@ -8,10 +8,13 @@
 #include <fstream>
 #include <string>
 
+#include "base/expect_rows.h"
 #include "base/file_fixture.h"
 #include "base/filevar.h"
 
 namespace {
+
+using test_rows::ExpectRows;
 
 // Runs each test in a fresh temporary directory as the current directory.
 class PathsTest : public file_test::ScratchDirTest {
@@ -24,26 +27,18 @@ class PathsTest : public file_test::ScratchDirTest {
   static void Touch(const std::string& path) { std::ofstream(path) << "x"; }
 };
 
-TEST_F(PathsTest, FileNameKeepsTheCaseFoundOnDisk) {
+TEST_F(PathsTest, FileNameKeepsTheCaseFoundOnDiskAndTheDirectoryFoldsToLowerCase) {
   ::mkdir("dane", 0777);
-  Touch("dane/konfigur.txt");
-  EXPECT_EQ(PathToUnix("dane\\Konfigur.TXT").Str(), "dane/konfigur.txt");
-  EXPECT_EQ(PathToUnix("DANE\\KONFIGUR.TXT").Str(), "dane/konfigur.txt");
-  Touch("dane/WYDRUK.TXT");
-  EXPECT_EQ(PathToUnix("dane\\wydruk.txt").Str(), "dane/WYDRUK.TXT");
-  Touch("dane/MiXed.txt");
-  EXPECT_EQ(PathToUnix("Dane\\MiXed.txt").Str(), "dane/MiXed.txt");
-  // Neither exact nor upper nor lower case exists: the name stays as given.
-  EXPECT_EQ(PathToUnix("dane\\mixed.TXT").Str(), "dane/mixed.TXT");
-  EXPECT_EQ(PathToUnix("dane\\Nowy.Txt").Str(), "dane/Nowy.Txt");
-}
-
-TEST_F(PathsTest, DirectoryPartFoldsToLowerCase) {
-  EXPECT_EQ(PathToUnix("").Str(), "");
-  EXPECT_EQ(PathToUnix("DANE\\12\\Naglowki").Str(), "dane/12/Naglowki");
-  EXPECT_EQ(PathToUnix("Srvfisk/1").Str(), "srvfisk/1");
-  EXPECT_EQ(PathToUnix("DANE\\").Str(), "dane/");
-  EXPECT_EQ(PathToUnix("/Usr/Bin/mc").Str(), "/usr/bin/mc");
+  for (const char* name : {"dane/konfigur.txt", "dane/WYDRUK.TXT", "dane/MiXed.txt"}) Touch(name);
+  // Where neither the exact nor the upper nor the lower case exists, the name stays as given.
+  ExpectRows<ShortText>({
+      {PathToUnix("dane\\Konfigur.TXT"), "dane/konfigur.txt"}, {PathToUnix("DANE\\KONFIGUR.TXT"), "dane/konfigur.txt"},
+      {PathToUnix("dane\\wydruk.txt"), "dane/WYDRUK.TXT"}, {PathToUnix("Dane\\MiXed.txt"), "dane/MiXed.txt"},
+      {PathToUnix("dane\\mixed.TXT"), "dane/mixed.TXT"}, {PathToUnix("dane\\Nowy.Txt"), "dane/Nowy.Txt"},
+      {PathToUnix(""), ""}, {PathToUnix("DANE\\12\\Naglowki"), "dane/12/Naglowki"},
+      {PathToUnix("Srvfisk/1"), "srvfisk/1"}, {PathToUnix("DANE\\"), "dane/"},
+      {PathToUnix("/Usr/Bin/mc"), "/usr/bin/mc"},
+  });
 }
 
 TEST_F(PathsTest, ExchangeDrivesUseTheDirectoriesOfFloppdirCfg) {
