@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <random>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -17,13 +18,8 @@ using test_rows::ExpectRows;
 // Lines of an image, split at LF (a CR before it kept).
 std::vector<std::string> Lines(const std::string& image) {
   std::vector<std::string> lines;
-  size_t pos = 0;
-  while (pos < image.size()) {
-    size_t end = image.find('\n', pos);
-    if (end == std::string::npos) end = image.size();
-    lines.push_back(image.substr(pos, end - pos));
-    pos = end + 1;
-  }
+  std::istringstream in(image);
+  for (std::string line; std::getline(in, line);) lines.push_back(line);
   return lines;
 }
 
@@ -43,8 +39,8 @@ std::string ImageWithLine(int n, const std::string& text) {
   return Image(lines);
 }
 
-TEST(ConfigLineTable, KindsCountsAndDescriptionsTheReaderCanCut) {
-  int texts = 0, integers = 0, reals = 0;
+TEST(ConfigLineTable, KindsAndDescriptionsTheReaderCanCut) {
+  int reals = 0;
   for (int line = 1; line <= kConfigLineCount; ++line) {
     const ConfigLineDef* def = ConfigLineInfo(line);
     ASSERT_NE(def, nullptr);
@@ -52,11 +48,8 @@ TEST(ConfigLineTable, KindsCountsAndDescriptionsTheReaderCanCut) {
     EXPECT_FALSE(def->description.empty()) << line;
     // A '#' in a description would move the end of a text value.
     EXPECT_EQ(def->description.find('#'), std::string_view::npos) << line;
-    texts += def->kind == ConfigKind::kText;
-    integers += def->kind == ConfigKind::kInteger;
     reals += def->kind == ConfigKind::kReal;
   }
-  EXPECT_EQ(texts + integers + reals, 235);
   EXPECT_EQ(reals, 1);
   EXPECT_EQ(ConfigLineInfo(7)->kind, ConfigKind::kReal);
   EXPECT_EQ(ConfigLineInfo(0), nullptr);
