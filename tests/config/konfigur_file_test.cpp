@@ -33,13 +33,15 @@ class ConfigFileTest : public config_test::ConfigDirTest {
   static std::string Written(const ConfigValues& values) { return FormatKonfigur(values, false); }
 };
 
-TEST_F(ConfigFileTest, MissingFileGivesTheDefaults) {
-  const ConfigReadResult result = Read();
-  EXPECT_EQ(result.source, ConfigSource::kMissing);
+TEST_F(ConfigFileTest, MissingFileGivesTheDefaultsAndItsFirstWriteMakesNoBackup) {
+  EXPECT_EQ(Read().source, ConfigSource::kMissing);
   EXPECT_EQ(ConfigSettings(), ConfigValues::Defaults());
   EXPECT_EQ(ConfigInt(190), 13);
   EXPECT_EQ(ConfigDocumentName(18), "Mm +");
   EXPECT_TRUE(ConfigDocumentName(19).Empty());
+  ASSERT_EQ(ConfigWrite(ConfigInt(kConfigLineNipMask)), 0);
+  EXPECT_EQ(ReadBytes("dane/konfigur.txt"), Written(ConfigValues::Defaults()));
+  EXPECT_FALSE(Exists("dane/konf_old.txt"));
 }
 
 TEST_F(ConfigFileTest, EmptyFileGivesZeroValuesAndNormalisedLists) {
@@ -106,13 +108,6 @@ TEST_F(ConfigFileTest, OlderFileIsWrittenWhole) {
   expected.SetNumber(2, 1);
   NormalizeConfig(expected);
   EXPECT_EQ(ReadBytes("dane/konfigur.txt"), Written(expected));
-}
-
-TEST_F(ConfigFileTest, FirstWriteWithoutAFileMakesNoBackup) {
-  Read();
-  ASSERT_EQ(ConfigWrite(ConfigInt(kConfigLineNipMask)), 0);
-  EXPECT_EQ(ReadBytes("dane/konfigur.txt"), Written(ConfigValues::Defaults()));
-  EXPECT_FALSE(Exists("dane/konf_old.txt"));
 }
 
 TEST_F(ConfigFileTest, FailedWriteLeavesTheOldFile) {
