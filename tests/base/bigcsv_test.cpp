@@ -5,8 +5,11 @@
 #include <vector>
 
 #include "base/bigcsv.h"
+#include "base/expect_rows.h"
 
 namespace {
+
+using test_rows::ExpectRows;
 
 // A full-size list buffer holding text.
 std::vector<char> Buffer(std::string_view text) {
@@ -25,18 +28,13 @@ ShortText Field(const std::vector<char>& b, int index) {
 
 TEST(BigCsv, CountAndFields) {
   auto b = Buffer("a,\"b,c\",,d");
-  EXPECT_EQ(BigCsvFieldCount(b), 4);
-  EXPECT_EQ(Field(b, 1), "a");
-  EXPECT_EQ(Field(b, 2), "b,c");
-  EXPECT_EQ(Field(b, 3), "");
-  EXPECT_EQ(Field(b, 4), "d");
+  ExpectRows<ShortText>({{Field(b, 1), "a"}, {Field(b, 2), "b,c"}, {Field(b, 3), ""}, {Field(b, 4), "d"}});
+  ExpectRows<int>({{BigCsvFieldCount(b), 4}, {BigCsvFieldCount(Buffer("")), 0},
+                   {BigCsvFieldCount(Buffer("x;'a;b';y"), ';', '\''), 3}, {BigCsvFieldCount(Buffer("a,")), 2}});
   ShortText out = "stale";
   EXPECT_FALSE(BigCsvField(b, 5, ',', '"', out));
   EXPECT_EQ(out, "");
   EXPECT_FALSE(BigCsvField(b, 0, ',', '"', out));
-  EXPECT_EQ(BigCsvFieldCount(Buffer("")), 0);
-  EXPECT_EQ(BigCsvFieldCount(Buffer("x;'a;b';y"), ';', '\''), 3);
-  EXPECT_EQ(BigCsvFieldCount(Buffer("a,")), 2);
 }
 
 TEST(BigCsv, LongFieldIsCutAt255) {
