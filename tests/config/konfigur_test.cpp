@@ -108,9 +108,6 @@ TEST(ConfigParse, OlderFileLeavesLaterLinesAtZero) {
   EXPECT_EQ(values.Number(2), 1);
   EXPECT_EQ(values.Number(190), 0);  // its default 13 is not used past the end
   EXPECT_TRUE(values.Text(217).Empty());
-  NormalizeConfig(values);
-  EXPECT_EQ(values.Text(217), ShortText(ConfigLineInfo(217)->defaultValue));
-  EXPECT_EQ(values.Text(138), ",\" przelewem\",\"przel.dla odb.\"");
 }
 
 TEST(ConfigParse, EmptyImageAndLineEnds) {
