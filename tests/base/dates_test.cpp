@@ -42,16 +42,13 @@ TEST(DateLayout, PartsSortSwap) {
 }
 
 TEST(DateLayout, NumbersYearAndMonth) {
-  DatePartValues p = DateParts("04-03-2000");
-  EXPECT_EQ(p.day, 4);
-  EXPECT_EQ(p.month, 3);
-  EXPECT_EQ(p.year, 2000);
-  p = DateParts("xx-03-96");
-  EXPECT_EQ(p.day, 1) << "a part that does not convert is 1";
-  EXPECT_EQ(p.year, 1996);
-  p = DateParts("");
-  EXPECT_EQ(p.day + p.month + p.year, 3);
-  EXPECT_EQ(DateNumber("04-03-2000"), 20000304);
+  // The parts as one number yyyymmdd; a part that does not convert is 1.
+  const auto parts = [](const char* date) {
+    const DatePartValues p = DateParts(date);
+    return p.year * 10000 + p.month * 100 + p.day;
+  };
+  ExpectRows<int>({{parts("04-03-2000"), 20000304}, {parts("xx-03-96"), 19960301}, {parts(""), 10101},
+                   {DateNumber("04-03-2000"), 20000304}});
   ExpectRows<ShortText>({{DateYear("04-03-2000"), "2000"}, {DateYear("04-03-95"), "2095"},
                          {DateYear("31-02-2000"), "0000"}, {MonthName("01-01-2000"), "styczeń"_mz},
                          {MonthName("01-10-2000"), "październik"_mz}, {MonthName("01-12-99"), "grudzień"_mz},
