@@ -54,29 +54,24 @@ TEST_F(ConfigFileTest, EmptyFileGivesZeroValuesAndNormalisedLists) {
   EXPECT_EQ(ConfigText(138), ",\" przelewem\",\"przel.dla odb.\"");
 }
 
-TEST_F(ConfigFileTest, FallsBackToTheDataDirectory) {
-  ConfigValues values;
-  values.SetNumber(2, 1);
-  WriteBytes("dane/konfigur.txt", Written(values));
-  const ConfigReadResult result = Read("gdzie/indziej");
-  EXPECT_EQ(result.source, ConfigSource::kFallbackPath);
-  EXPECT_EQ(ConfigPath(), "dane\\konfigur.txt");
-  EXPECT_EQ(ConfigInt(2), 1);
-}
-
-TEST_F(ConfigFileTest, FirstArgumentDirectoryIsReadAndWritten) {
+TEST_F(ConfigFileTest, FirstArgumentDirectoryIsReadAndWrittenElseTheDataDirectory) {
   ::mkdir("inna", 0777);
   ConfigValues values = ConfigValues::Defaults();
   values.SetText(1, "7");
   WriteBytes("inna/konfigur.txt", Written(values));
-  WriteBytes("dane/konfigur.txt", "");
+  ConfigValues inData;
+  inData.SetNumber(2, 1);
+  WriteBytes("dane/konfigur.txt", Written(inData));
+  EXPECT_EQ(Read("gdzie/indziej").source, ConfigSource::kFallbackPath);
+  EXPECT_EQ(ConfigPath(), "dane\\konfigur.txt");
+  EXPECT_EQ(ConfigInt(2), 1);
   EXPECT_EQ(Read("inna").source, ConfigSource::kFirstPath);
   EXPECT_EQ(ConfigText(1), "7");
   ConfigSettings().SetText(1, "8");
   ASSERT_EQ(ConfigWrite(ConfigInt(kConfigLineNipMask)), 0);
   values.SetText(1, "8");
   EXPECT_EQ(ReadBytes("inna/konfigur.txt"), Written(values));
-  EXPECT_EQ(ReadBytes("dane/konfigur.txt"), "");
+  EXPECT_EQ(ReadBytes("dane/konfigur.txt"), Written(inData));
 }
 
 TEST_F(ConfigFileTest, ReadThenWriteKeepsTheBytesAndBacksUp) {
