@@ -66,8 +66,7 @@ TEST(CodePage, FrameBytesPerBorder) {
       {MazToLatin2(0xB7), 0xBF}, {MazToLatin2(0xD4), 0xC0}, {MazToLatin2(0xDD), 0xDB}, {MazToLatin2(0xFB), '<'},
       {MazToLatin2Text(0xB7), 0xB7}, {MazToIsoScreen(0xB3), '|'}, {MazToIsoScreen(0xC4), '-'},
       {MazToIsoScreen(0xD9), '-'}, {MazToIsoScreen(0xDB), '#'}, {MazToIsoScreen(0xDC), '_'},
-      {MazToIsoScreen(0xDF), '^'}, {MazToIsoScreen(0xC9), ' '}, {MazToIsoScreen(0x7E), ' '},
-      {MazToIsoScreen(0x18), '!'}, {MazToIsoScreen(0x19), 0xAD}, {MazToIsoScreen('z'), 'z'},
+      {MazToIsoScreen(0xDF), '^'}, {MazToIsoScreen(0x18), '!'}, {MazToIsoScreen(0x19), 0xAD},
       {MazToIsoFile(0xBA), '|'}, {MazToIsoFile(0xB7), '*'}, {MazToIsoFile(0xBC), 0xD9}, {MazToIsoFile(0xBF), '>'},
       {MazToIsoFile(0xCD), 0xC4}, {MazToAscii(0x80), '$'}, {Latin2ToMaz(0xA2), 0xA2},
   });
@@ -119,6 +118,7 @@ TEST(CodePage, Digraph) {
 }
 
 TEST(CodePage, ScreenBlanksWhatItCannotShow) {
+  // Unlisted frame corners and the system's own letters are not among the screen's rows either.
   for (int b = 0x7E; b < 256; ++b) {
     auto c = static_cast<unsigned char>(b);
     unsigned char out = MazToIsoScreen(c);
@@ -128,7 +128,6 @@ TEST(CodePage, ScreenBlanksWhatItCannotShow) {
       EXPECT_EQ(out, ' ') << b;
     }
   }
-  EXPECT_EQ(MazToIsoScreen(0xAD), ' ') << "the system's own letters are not among the screen's rows";
   EXPECT_EQ(MazToIsoScreen(0xFB), '<');
   for (int b = 0x1A; b < 0x7E; ++b) EXPECT_EQ(MazToIsoScreen(static_cast<unsigned char>(b)), b);
 }
