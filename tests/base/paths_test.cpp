@@ -2,10 +2,7 @@
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
-#include <cstdlib>
-#include <fstream>
 #include <string>
 
 #include "base/expect_rows.h"
@@ -14,6 +11,7 @@
 
 namespace {
 
+using file_test::WriteBytes;
 using test_rows::ExpectRows;
 
 // Runs each test in a fresh temporary directory as the current directory.
@@ -24,12 +22,11 @@ class PathsTest : public file_test::ScratchDirTest {
     ResetExchangeDirs();
   }
   void TearDown() override { ResetExchangeDirs(); }
-  static void Touch(const std::string& path) { std::ofstream(path) << "x"; }
 };
 
 TEST_F(PathsTest, FileNameKeepsTheCaseFoundOnDiskAndTheDirectoryFoldsToLowerCase) {
   ::mkdir("dane", 0777);
-  for (const char* name : {"dane/konfigur.txt", "dane/WYDRUK.TXT", "dane/MiXed.txt"}) Touch(name);
+  for (const char* name : {"dane/konfigur.txt", "dane/WYDRUK.TXT", "dane/MiXed.txt"}) WriteBytes(name, "x");
   // Where neither the exact nor the upper nor the lower case exists, the name stays as given.
   ExpectRows<ShortText>({
       {PathToUnix("dane\\Konfigur.TXT"), "dane/konfigur.txt"}, {PathToUnix("DANE\\KONFIGUR.TXT"), "dane/konfigur.txt"},
@@ -44,21 +41,21 @@ TEST_F(PathsTest, FileNameKeepsTheCaseFoundOnDiskAndTheDirectoryFoldsToLowerCase
 TEST_F(PathsTest, ExchangeDrivesUseTheDirectoriesOfFloppdirCfg) {
   EXPECT_EQ(PathToUnix("A:\\plik").Str(), "a:/plik");  // no exchange directory: a relative path
   ResetExchangeDirs();
-  std::ofstream("floppdir.cfg") << "/tmp/Wymiana\r\n/mnt/b/\n";
+  WriteBytes("floppdir.cfg", "/tmp/Wymiana\r\n/mnt/b/\n");
   EXPECT_EQ(ExchangeDir('A').Str(), "/tmp/Wymiana");
   EXPECT_EQ(PathToUnix("A:\\Dane\\plik.dbf").Str(), "/tmp/Wymiana/dane/plik.dbf");
   EXPECT_EQ(PathToUnix("b:/x").Str(), "/mnt/b/x");
   EXPECT_EQ(PathToUnix("C:\\x").Str(), "c:/x");
   SetExchangeDirs("wym", "");
   ::mkdir("wym", 0777);
-  Touch("wym/DOK.TXT");
+  WriteBytes("wym/DOK.TXT", "x");
   EXPECT_EQ(PathToUnix("A:\\dok.txt").Str(), "wym/DOK.TXT");
   EXPECT_EQ(PathToUnix("B:\\dok.txt").Str(), "b:/dok.txt");
 }
 
 TEST_F(PathsTest, FileOperationsGoThroughThePathConversion) {
   ::mkdir("dane", 0777);
-  Touch("dane/a.txt");
+  WriteBytes("dane/a.txt", "x");
   EXPECT_TRUE(FileExists("DANE\\A.TXT"));
   EXPECT_FALSE(FileExists("dane"));
   EXPECT_TRUE(DirExists("Dane"));
@@ -74,7 +71,7 @@ TEST_F(PathsTest, FileOperationsGoThroughThePathConversion) {
 }
 
 TEST_F(PathsTest, FileVariableReadsLinesAndBytes) {
-  std::ofstream("lista.txt") << "pierwszy\r\n\n" << std::string(300, 'x') << "\nostatni";
+  WriteBytes("lista.txt", "pierwszy\r\n\n" + std::string(300, 'x') + "\nostatni");
   FileVar f;
   AssignFile(f, "LISTA.TXT");
   EXPECT_EQ(f.Name().Str(), "lista.txt");
