@@ -70,6 +70,7 @@ struct LineCase {
   std::string text;
   int16_t number;
   const char* value;
+  Real real = 0;
 };
 
 TEST(ConfigParse, EachKindOfLine) {
@@ -81,22 +82,16 @@ TEST(ConfigParse, EachKindOfLine) {
       {"text", 1, "1,2,3# - opis", 0, "1,2,3"}, {"text without #", 1, "bez znaku", 0, "bez znaku"},
       {"cut at the last #", 1, "a#b#c", 0, "a#b"}, {"trailing blanks kept", 234, "Mm +  # - opis", 0, "Mm +  "},
       {"document name cut at 30", 217, std::string(40, 'x') + "# - opis", 0, "xxxxxxxxxxxxxxxxxxxxxxxxxxxxxx"},
+      {"real", 7, "0.25 - opis", 0, "", 0.25L}, {"negative real", 7, "-1.5 - opis", 0, "", -1.5L},
+      {"whole real", 7, "3 - opis", 0, "", 3}, {"comma in a real", 7, "1,5 - opis", 0, ""},
+      {"letters in a real", 7, "x - opis", 0, ""}, {"empty real line", 7, "", 0, ""},
   };
   for (const LineCase& c : cases) {
     ConfigValues values;
     ParseKonfigur(ImageWithLine(c.line, c.text), values);
     EXPECT_EQ(values.Number(c.line), c.number) << c.name;
     EXPECT_EQ(values.Text(c.line).Str(), c.value) << c.name;
-  }
-}
-
-TEST(ConfigParse, RealLine) {
-  const std::pair<std::string, Real> cases[] = {
-      {"0.25 - opis", 0.25L}, {"-1.5 - opis", -1.5L}, {"3 - opis", 3.0L}, {"1,5 - opis", 0}, {"x - opis", 0}, {"", 0}};
-  for (const auto& [text, expected] : cases) {
-    ConfigValues values;
-    ParseKonfigur(ImageWithLine(7, text), values);
-    EXPECT_EQ(values.RealValue(7), expected) << text;
+    EXPECT_EQ(values.RealValue(c.line), c.real) << c.name;
   }
 }
 
