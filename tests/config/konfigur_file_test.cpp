@@ -76,14 +76,16 @@ TEST_F(ConfigFileTest, FirstArgumentDirectoryIsReadAndWrittenElseTheDataDirector
 
 TEST_F(ConfigFileTest, ReadThenWriteKeepsTheBytesAndBacksUp) {
   ConfigValues values = ConfigValues::Defaults();
-  values.SetText(1, "3,4");
-  values.SetNumber(120, 14);
-  values.SetReal(7, 1.25L);
+  values.SetText(1, "a#b");  // '#' inside a value survives: the reader cuts at the last one
+  values.SetText(230, "WZ  ");
+  values.SetNumber(100, 255);
+  values.SetReal(7, -12.25L);
   for (bool crlf : {false, true}) {
     const std::string image = FormatKonfigur(values, crlf);
     WriteBytes("dane/konfigur.txt", image);
     WriteBytes("dane/konf_old.txt", "starsza kopia");
-    Read();
+    EXPECT_EQ(Read().linesFound, 235);
+    EXPECT_EQ(ConfigSettings(), values);
     ASSERT_EQ(ConfigWrite(ConfigInt(kConfigLineNipMask)), 0);
     EXPECT_EQ(ReadBytes("dane/konfigur.txt"), image) << crlf;
     EXPECT_EQ(ReadBytes("dane/konf_old.txt"), image) << crlf;

@@ -145,23 +145,6 @@ TEST(ConfigFormat, LayoutOfTheWholeFile) {
                            {lines[242], "wystepuje juz raz w linii."}});
 }
 
-TEST(ConfigFormat, RoundTripIsByteIdentical) {
-  ConfigValues values = ConfigValues::Defaults();
-  values.SetText(1, "a#b");  // '#' inside a value survives: the reader cuts at the last one
-  values.SetText(230, "WZ  ");
-  values.SetNumber(100, 255);
-  values.SetReal(7, -12.25L);
-  for (bool crlf : {false, true}) {
-    const std::string image = FormatKonfigur(values, crlf);
-    ConfigValues read;
-    const ConfigParseResult parsed = ParseKonfigur(image, read);
-    EXPECT_EQ(parsed.linesFound, 235);
-    EXPECT_EQ(parsed.crlf, crlf);
-    EXPECT_EQ(read, values);
-    EXPECT_EQ(FormatKonfigur(read, parsed.crlf), image);
-  }
-}
-
 TEST(ConfigFormat, ValuesCannotBreakTheLineStructure) {
   ConfigValues values;
   values.SetText(1, "a\nb\rc");
