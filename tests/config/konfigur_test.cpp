@@ -95,25 +95,10 @@ TEST(ConfigParse, EachKindOfLine) {
   }
 }
 
-TEST(ConfigParse, OlderFileLeavesLaterLinesAtZero) {
-  ConfigValues values;
-  const ConfigParseResult result = ParseKonfigur(Image({"5,6# - a", "1 - b", "x# - c"}), values);
-  EXPECT_EQ(result.linesFound, 3);
-  EXPECT_EQ(values.Text(1), "5,6");
-  EXPECT_EQ(values.Number(2), 1);
-  EXPECT_EQ(values.Number(190), 0);  // its default 13 is not used past the end
-  EXPECT_TRUE(values.Text(217).Empty());
-}
-
-TEST(ConfigParse, EmptyImageAndLineEnds) {
+TEST(ConfigParse, EmptyImageLeavesEveryValueAtZero) {
   ConfigValues values;
   EXPECT_EQ(ParseKonfigur("", values).linesFound, 0);
   EXPECT_EQ(values, ConfigValues());
-  const ConfigParseResult dos = ParseKonfigur("abc# - x\r\n7 - y\r\n", values);
-  EXPECT_TRUE(dos.crlf);
-  EXPECT_EQ(values.Text(1), "abc");
-  EXPECT_EQ(values.Number(2), 7);
-  EXPECT_FALSE(ParseKonfigur("a\n", values).crlf);
 }
 
 TEST(ConfigNormalize, PaymentListGetsOnlyTheMissingFields) {
