@@ -15,6 +15,7 @@ TEST(MazoviaLiteral, GlyphsOfSystemTexts) {
   struct Row { ShortText got; ShortText want; };
   const Row rows[] = {
       {"ąćęłńóśźż"_mz, Bytes({0x86, 0x8D, 0x91, 0x92, 0xA4, 0xA2, 0x9E, 0xA6, 0xA7})},
+      {"å"_mz, Bytes({0x86})},  // 0x86 in code page 437, which Mazovia gives to ą: both spellings meet there
       {"ĄĆĘŁŃÓŚŹŻ"_mz, Bytes({0x8F, 0x95, 0x90, 0x9C, 0xA5, 0xA3, 0x98, 0xA0, 0xA1})},
       {"╤╥û"_mz, Bytes({0xD1, 0xD2, 0x96})}, {"╫ç"_mz, Bytes({0xD7, 0x87})},
       {"╧à"_mz, Bytes({0xCF, 0x85})}, {"ƒ⌐"_mz, Bytes({0x9F, 0xA9})}, {"─│"_mz, Bytes({0xC4, 0xB3})},
@@ -36,13 +37,6 @@ consteval bool EveryHighGlyphTakesItsByte() {
 static_assert(EveryHighGlyphTakesItsByte());
 // The literal is made at compile time and keeps ASCII as it is.
 static_assert("KONIEC PRACY SERVERA"_mz == ShortText("KONIEC PRACY SERVERA"));
-
-TEST(MazoviaLiteral, PolishLettersWinOverCodePage437) {
-  // å is 0x86 in code page 437, which Mazovia gives to ą; both spellings meet there.
-  EXPECT_EQ("å"_mz, "ą"_mz);
-  EXPECT_EQ("ó"_mz, Bytes({0xA2}));
-  EXPECT_EQ("Esc ╤╥û F2 ╫ç"_mz, Bytes({'E', 's', 'c', ' ', 0xD1, 0xD2, 0x96, ' ', 'F', '2', ' ', 0xD7, 0x87}));
-}
 
 TEST(ShortTextCore, CutsAtCapacityAndCountsFromOne) {
   ShortText10 t("0123456789abc");
