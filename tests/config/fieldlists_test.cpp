@@ -32,15 +32,6 @@ TEST(CaptionList, ParsesOrRefusesALine) {
   }
 }
 
-TEST(CaptionList, RepeatsFoundUnsetIgnored) {
-  const std::array<ShortText, 5> unique = {"a", "??", "b", "??", "c"};
-  EXPECT_EQ(FindRepeatedCaption(unique).first, 0);
-  const std::array<ShortText, 5> repeated = {"a", "b", "??", "c", "b"};
-  const CaptionRepeat repeat = FindRepeatedCaption(repeated);
-  EXPECT_EQ(repeat.first, 2);
-  EXPECT_EQ(repeat.second, 5);
-}
-
 class FieldListsTest : public config_test::ConfigDirTest {};
 
 TEST_F(FieldListsTest, MissingFilesKeepTheDefaultsAndFilesReplaceThem) {
