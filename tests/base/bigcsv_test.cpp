@@ -5,8 +5,11 @@
 #include <vector>
 
 #include "base/bigcsv.h"
+#include "base/expect_rows.h"
 
 namespace {
+
+using test_rows::ExpectRows;
 
 // A full-size list buffer holding text.
 std::vector<char> Buffer(std::string_view text) {
@@ -23,38 +26,29 @@ ShortText Field(const std::vector<char>& b, int index) {
   return out;
 }
 
-TEST(BigCsv, CountAndFields) {
+TEST(BigCsv, CountAndFieldsCutAt255) {
   auto b = Buffer("a,\"b,c\",,d");
-  EXPECT_EQ(BigCsvFieldCount(b), 4);
-  EXPECT_EQ(Field(b, 1), "a");
-  EXPECT_EQ(Field(b, 2), "b,c");
-  EXPECT_EQ(Field(b, 3), "");
-  EXPECT_EQ(Field(b, 4), "d");
+  auto longField = Buffer("x," + std::string(1000, 'y') + ",z");
+  ExpectRows<ShortText>({{Field(b, 1), "a"}, {Field(b, 2), "b,c"}, {Field(b, 3), ""}, {Field(b, 4), "d"},
+                         {Field(longField, 2), ShortText(std::string(255, 'y'))}, {Field(longField, 3), "z"}});
+  ExpectRows<int>({{BigCsvFieldCount(b), 4}, {BigCsvFieldCount(Buffer("")), 0},
+                   {BigCsvFieldCount(Buffer("x;'a;b';y"), ';', '\''), 3}, {BigCsvFieldCount(Buffer("a,")), 2}});
   ShortText out = "stale";
   EXPECT_FALSE(BigCsvField(b, 5, ',', '"', out));
   EXPECT_EQ(out, "");
   EXPECT_FALSE(BigCsvField(b, 0, ',', '"', out));
-  EXPECT_EQ(BigCsvFieldCount(Buffer("")), 0);
-  EXPECT_EQ(BigCsvFieldCount(Buffer("x;'a;b';y"), ';', '\''), 3);
-  EXPECT_EQ(BigCsvFieldCount(Buffer("a,")), 2);
-}
-
-TEST(BigCsv, LongFieldIsCutAt255) {
-  auto b = Buffer("x," + std::string(1000, 'y') + ",z");
-  EXPECT_EQ(Field(b, 2).Length(), 255);
-  EXPECT_EQ(Field(b, 3), "z");
 }
 
 TEST(BigCsv, SetFieldMovesTheTailAndKeepsQuotes) {
+  // A quoted field stays quoted, a value with a comma is quoted.
+  struct Step { const char* value; int index; const char* text; };
+  const Step steps[] = {{"longer", 1, "longer,\"b\",c"}, {"q", 2, "longer,\"q\",c"},
+                        {"1,5", 3, "longer,\"q\",\"1,5\""}, {"", 1, ",\"q\",\"1,5\""}};
   auto b = Buffer("a,\"b\",c");
-  ASSERT_TRUE(BigCsvSetField(b, "longer", 1));
-  EXPECT_EQ(Text(b), "longer,\"b\",c");
-  ASSERT_TRUE(BigCsvSetField(b, "q", 2));
-  EXPECT_EQ(Text(b), "longer,\"q\",c") << "a quoted field stays quoted";
-  ASSERT_TRUE(BigCsvSetField(b, "1,5", 3));
-  EXPECT_EQ(Text(b), "longer,\"q\",\"1,5\"") << "a value with a comma is quoted";
-  ASSERT_TRUE(BigCsvSetField(b, "", 1));
-  EXPECT_EQ(Text(b), ",\"q\",\"1,5\"");
+  for (const Step& step : steps) {
+    ASSERT_TRUE(BigCsvSetField(b, step.value, step.index));
+    EXPECT_EQ(Text(b), step.text);
+  }
   EXPECT_EQ(BigCsvFieldCount(b), 3);
 }
 

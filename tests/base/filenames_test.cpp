@@ -6,10 +6,13 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <filesystem>
+#include <regex>
 #include <set>
 #include <string>
 #include <vector>
 
+#include "base/expect_rows.h"
 #include "base/file_fixture.h"
 #include "base/mazovia.h"
 
@@ -18,38 +21,25 @@ namespace {
 using file_test::Exists;
 using file_test::ReadBytes;
 using file_test::WriteBytes;
+using test_rows::ExpectRows;
 
 // Sets or removes an environment variable for one test and puts it back after.
 class EnvGuard {
  public:
-  explicit EnvGuard(const char* name) : name_(name) {
-    if (const char* v = std::getenv(name)) {
-      had_ = true;
-      old_ = v;
-    }
-  }
-  ~EnvGuard() {
-    if (had_) setenv(name_, old_.c_str(), 1);
-    else unsetenv(name_);
-  }
-  void Set(const char* value) {
-    if (value) setenv(name_, value, 1);
-    else unsetenv(name_);
-  }
+  explicit EnvGuard(const char* name)
+      : name_(name), had_(std::getenv(name) != nullptr), old_(had_ ? std::getenv(name) : "") {}
+  ~EnvGuard() { Set(had_ ? old_.c_str() : nullptr); }
+  void Set(const char* value) { value ? setenv(name_, value, 1) : unsetenv(name_); }
 
  private:
   const char* name_;
-  bool had_ = false;
+  bool had_;
   std::string old_;
 };
 
 class FileNamesTest : public file_test::ScratchDirTest {
  protected:
   EnvGuard temp_{"TEMP"}, tmp_{"TMP"}, path_{"PATH"};
-  std::string Cwd() {
-    char cwd[4096];
-    return ::getcwd(cwd, sizeof cwd) ? cwd : "";
-  }
 };
 
 TEST_F(FileNamesTest, TempDirTakesTempThenTmpThenTheCurrentDirectoryAndEndsInSlash) {
@@ -68,14 +58,6 @@ TEST_F(FileNamesTest, TempDirTakesTempThenTmpThenTheCurrentDirectoryAndEndsInSla
   }
 }
 
-bool IsTempFileName(const std::string& name) {
-  if (name.size() != 12 || name.compare(0, 4, "rfls") != 0 || name.compare(8, 4, ".tmp") != 0) return false;
-  for (int i = 4; i < 8; ++i)
-    if (!std::isdigit(static_cast<unsigned char>(name[i])) && !std::islower(static_cast<unsigned char>(name[i])))
-      return false;
-  return true;
-}
-
 TEST_F(FileNamesTest, TempNamesAreNewEmptyFilesNeverGivenTwice) {
   ::mkdir("tymczas", 0777);
   temp_.Set("tymczas");
@@ -83,7 +65,7 @@ TEST_F(FileNamesTest, TempNamesAreNewEmptyFilesNeverGivenTwice) {
   for (int i = 0; i < 500; ++i) {
     const std::string name = TempName().Str();
     ASSERT_EQ(name.substr(0, 8), "tymczas/");
-    EXPECT_TRUE(IsTempFileName(name.substr(8))) << name;
+    EXPECT_TRUE(std::regex_match(name.substr(8), std::regex("rfls[0-9a-z]{4}\\.tmp"))) << name;
     EXPECT_TRUE(Exists(name));
     EXPECT_EQ(ReadBytes(name), "");
     names.insert(name);
@@ -137,16 +119,13 @@ TEST(TempTableNameTest, NamesAreDbAndCapitalsAndNeverRepeat) {
 }
 
 TEST_F(FileNamesTest, FindOnPathWalksTheDirectoriesInOrder) {
-  ::mkdir("bin1", 0777);
-  ::mkdir("sub", 0777);
-  ::mkdir("sub/bin2", 0777);
-  ::mkdir("sub/bin2/katalog", 0777);
+  std::filesystem::create_directories("bin1/katalog");
+  std::filesystem::create_directories("sub/bin2/katalog");
   WriteBytes("bin1/narzedzie", "1");
   WriteBytes("sub/bin2/narzedzie", "2");
   WriteBytes("sub/bin2/drugie", "3");
   WriteBytes("tutaj", "4");
-  ::mkdir("bin1/katalog", 0777);
-  const std::string cwd = Cwd();
+  const std::string cwd = std::filesystem::current_path().string();
   struct Case {
     const char* path;
     const char* name;
@@ -175,43 +154,29 @@ TEST_F(FileNamesTest, FindOnPathWalksTheDirectoriesInOrder) {
 }
 
 TEST(ShortNameTest, EightCharactersAndACheckCharacter) {
-  struct Case {
-    ShortText text;
-    const char* name;
-  } cases[] = {
-      {"", "________!"},            // XOR 0 moves up to '!'
-      {"a", "A_______A"},           // check 'A' taken as it is
-      {"abc", "ABC_____@"},         // 'A'^'B'^'C' = '@'
-      {"ab", "AB______!"},          // 3 moves up to '!'
-      {"a ", "A_______{"},          // 'a' (0x61) moves up past the small letters to '{'
-      {"[", "________^"},           // '[', '\' and ']' are not allowed: '^'
-      {"\x7F", "________!"},        // past 126 wraps to '!'
-      {"a b.c", "A_B_C___N"},       // blank and dot become '_'
-      {"źółw"_mz, "ZOLW____!"},     // Polish letters made plain capitals first
-      {"abcdefghij", "ABCDEFGH!"},  // cut to 8, check over all ten
-      {"~}{", "~}{_____{"},  // 0x78 moves up to '{'
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.name);
-    EXPECT_EQ(ShortName(c.text), c.name);
-  }
+  ExpectRows<ShortText>({
+      {ShortName(""), "________!"},            // XOR 0 moves up to '!'
+      {ShortName("a"), "A_______A"},           // check 'A' taken as it is
+      {ShortName("abc"), "ABC_____@"},         // 'A'^'B'^'C' = '@'
+      {ShortName("ab"), "AB______!"},          // 3 moves up to '!'
+      {ShortName("a "), "A_______{"},          // 'a' (0x61) moves up past the small letters to '{'
+      {ShortName("["), "________^"},           // '[', '\' and ']' are not allowed: '^'
+      {ShortName("\x7F"), "________!"},        // past 126 wraps to '!'
+      {ShortName("a b.c"), "A_B_C___N"},       // blank and dot become '_'
+      {ShortName("źółw"_mz), "ZOLW____!"},     // Polish letters made plain capitals first
+      {ShortName("abcdefghij"), "ABCDEFGH!"},  // cut to 8, check over all ten
+      {ShortName("~}{"), "~}{_____{"},         // 0x78 moves up to '{'
+  });
 }
 
 TEST(SafeKeyTest, TenToTwentyLettersDigitsAndUnderscores) {
-  struct Case {
-    ShortText text;
-    const char* key;
-  } cases[] = {
-      {"", "__________"}, {"abc", "abc_______"}, {"Magazyn 1-2", "Magazyn_1_2"}, {"łódź"_mz, "__d_______"},
-      {"abcdefghijklmnopqrst", "abcdefghijklmnopqrst"},
-      {ShortText(std::string(21, 'a')), "aaaaaaaaaaaaaaaaaa97"},  // odd count: XOR 'a' = 97
-      {ShortText(std::string(22, 'b')), "bbbbbbbbbbbbbbbbbbb0"},
-      {"dane\\12\\naglowki_magazyn", "dane_12_naglowki_m43"},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.key);
-    EXPECT_EQ(SafeKey(c.text), c.key);
-  }
+  ExpectRows<ShortText>({
+      {SafeKey(""), "__________"}, {SafeKey("abc"), "abc_______"}, {SafeKey("Magazyn 1-2"), "Magazyn_1_2"},
+      {SafeKey("łódź"_mz), "__d_______"}, {SafeKey("abcdefghijklmnopqrst"), "abcdefghijklmnopqrst"},
+      {SafeKey(ShortText(std::string(21, 'a'))), "aaaaaaaaaaaaaaaaaa97"},  // odd count: XOR 'a' = 97
+      {SafeKey(ShortText(std::string(22, 'b'))), "bbbbbbbbbbbbbbbbbbb0"},
+      {SafeKey("dane\\12\\naglowki_magazyn"), "dane_12_naglowki_m43"},
+  });
 }
 
 }  // namespace

@@ -7,34 +7,29 @@
 #include <string>
 #include <vector>
 
+#include "base/file_fixture.h"
 #include "base/mazovia.h"
 #include "base/platform.h"
 
 namespace {
 
-class JobFileTest : public ::testing::Test {
+// The job is the file "1" in the scratch directory.
+class JobFileTest : public file_test::ScratchDirTest {
  protected:
-  void SetUp() override {
-    char pattern[] = "/tmp/klote-job-XXXXXX";
-    ASSERT_NE(::mkdtemp(pattern), nullptr);
-    dir_ = pattern;
-  }
-  void TearDown() override { std::system(("rm -rf " + dir_).c_str()); }
-
   // Writes the records, then cuts the file to extraBytes past the last full one (if given).
   void WriteJob(const std::vector<ShortText>& records, int cutTo = -1) {
     FileVar f;
-    f.BindUnixPath(ShortText(path()));
+    f.BindUnixPath("1");
     ASSERT_EQ(f.Rewrite(), 0);
     for (const ShortText& r : records) ASSERT_EQ(WriteJobRecord(f, r), 0);
     f.Close();
     if (cutTo >= 0) {
-      ASSERT_EQ(::truncate(path().c_str(), cutTo), 0);
+      ASSERT_EQ(::truncate("1", cutTo), 0);
     }
   }
   // Opens the job at record 2, as the server hands it to a handler.
   void OpenAtRecord2(FileVar& f) {
-    f.BindUnixPath(ShortText(path()));
+    f.BindUnixPath("1");
     ASSERT_EQ(f.Reset(kFileModeReadOnly), 0);
     ASSERT_EQ(f.Seek(kJobRecordSize), 0);
   }
@@ -45,23 +40,14 @@ class JobFileTest : public ::testing::Test {
     if (withEnd) r.push_back(kJobKeywordEnd);
     return r;
   }
-  std::string path() const { return dir_ + "/1"; }
-  std::string dir_;
 };
 
 TEST_F(JobFileTest, RecordsAreLengthPrefixedAndZeroFilled) {
   WriteJob({"\x1b" "RAPDOB", kJobKeywordEnd});
-  FileVar f;
-  f.BindUnixPath(ShortText(path()));
-  ASSERT_EQ(f.Reset(kFileModeReadOnly), 0);
-  EXPECT_EQ(f.Size(), 2 * kJobRecordSize);
-  unsigned char raw[kJobRecordSize];
-  int got = 0;
-  ASSERT_EQ(f.Read(raw, kJobRecordSize, got), 0);
-  ASSERT_EQ(got, kJobRecordSize);
-  EXPECT_EQ(raw[0], 7);
-  EXPECT_EQ(std::string(reinterpret_cast<char*>(raw + 1), 7), "\x1bRAPDOB");
-  for (int i = 8; i < kJobRecordSize; ++i) ASSERT_EQ(raw[i], 0) << i;
+  const std::string raw = file_test::ReadBytes("1");
+  ASSERT_EQ(raw.size(), 2u * kJobRecordSize);
+  EXPECT_EQ(raw.substr(0, 8), "\x07\x1b" "RAPDOB");
+  EXPECT_EQ(raw.substr(8, kJobRecordSize - 8), std::string(kJobRecordSize - 8, '\0'));
 }
 
 TEST(JobKindOfRecord, OnlyTheExactKeywordsCount) {

@@ -58,11 +58,8 @@ TEST(FormatAny, NaNAndInfinitiesGiveMarksToTheWidth) {
     });
   }
   EXPECT_EQ(FormatFixed(300, 2, kNaN).Length(), 255);
-  EXPECT_EQ(FormatFull(kNaN), "?");
-  EXPECT_EQ(FormatFull(kInf), "!");
-  EXPECT_EQ(FormatFull(-kInf), "!");
-  EXPECT_EQ(FormatShortest(8, kNaN), "?");
-  EXPECT_EQ(FormatShortest(8, -kInf), "!");
+  ExpectRows({{FormatFull(kNaN), "?"}, {FormatFull(kInf), "!"}, {FormatFull(-kInf), "!"},
+              {FormatShortest(8, kNaN), "?"}, {FormatShortest(8, -kInf), "!"}});
 }
 
 TEST(FormatCompact, TrimsAndFits) {

@@ -2,16 +2,17 @@
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
-#include <cstdlib>
-#include <fstream>
 #include <string>
 
+#include "base/expect_rows.h"
 #include "base/file_fixture.h"
 #include "base/filevar.h"
 
 namespace {
+
+using file_test::WriteBytes;
+using test_rows::ExpectRows;
 
 // Runs each test in a fresh temporary directory as the current directory.
 class PathsTest : public file_test::ScratchDirTest {
@@ -21,49 +22,40 @@ class PathsTest : public file_test::ScratchDirTest {
     ResetExchangeDirs();
   }
   void TearDown() override { ResetExchangeDirs(); }
-  static void Touch(const std::string& path) { std::ofstream(path) << "x"; }
 };
 
-TEST_F(PathsTest, FileNameKeepsTheCaseFoundOnDisk) {
+TEST_F(PathsTest, FileNameKeepsTheCaseFoundOnDiskAndTheDirectoryFoldsToLowerCase) {
   ::mkdir("dane", 0777);
-  Touch("dane/konfigur.txt");
-  EXPECT_EQ(PathToUnix("dane\\Konfigur.TXT").Str(), "dane/konfigur.txt");
-  EXPECT_EQ(PathToUnix("DANE\\KONFIGUR.TXT").Str(), "dane/konfigur.txt");
-  Touch("dane/WYDRUK.TXT");
-  EXPECT_EQ(PathToUnix("dane\\wydruk.txt").Str(), "dane/WYDRUK.TXT");
-  Touch("dane/MiXed.txt");
-  EXPECT_EQ(PathToUnix("Dane\\MiXed.txt").Str(), "dane/MiXed.txt");
-  // Neither exact nor upper nor lower case exists: the name stays as given.
-  EXPECT_EQ(PathToUnix("dane\\mixed.TXT").Str(), "dane/mixed.TXT");
-  EXPECT_EQ(PathToUnix("dane\\Nowy.Txt").Str(), "dane/Nowy.Txt");
-}
-
-TEST_F(PathsTest, DirectoryPartFoldsToLowerCase) {
-  EXPECT_EQ(PathToUnix("").Str(), "");
-  EXPECT_EQ(PathToUnix("DANE\\12\\Naglowki").Str(), "dane/12/Naglowki");
-  EXPECT_EQ(PathToUnix("Srvfisk/1").Str(), "srvfisk/1");
-  EXPECT_EQ(PathToUnix("DANE\\").Str(), "dane/");
-  EXPECT_EQ(PathToUnix("/Usr/Bin/mc").Str(), "/usr/bin/mc");
+  for (const char* name : {"dane/konfigur.txt", "dane/WYDRUK.TXT", "dane/MiXed.txt"}) WriteBytes(name, "x");
+  // Where neither the exact nor the upper nor the lower case exists, the name stays as given.
+  ExpectRows<ShortText>({
+      {PathToUnix("dane\\Konfigur.TXT"), "dane/konfigur.txt"}, {PathToUnix("DANE\\KONFIGUR.TXT"), "dane/konfigur.txt"},
+      {PathToUnix("dane\\wydruk.txt"), "dane/WYDRUK.TXT"}, {PathToUnix("Dane\\MiXed.txt"), "dane/MiXed.txt"},
+      {PathToUnix("dane\\mixed.TXT"), "dane/mixed.TXT"}, {PathToUnix("dane\\Nowy.Txt"), "dane/Nowy.Txt"},
+      {PathToUnix(""), ""}, {PathToUnix("DANE\\12\\Naglowki"), "dane/12/Naglowki"},
+      {PathToUnix("Srvfisk/1"), "srvfisk/1"}, {PathToUnix("DANE\\"), "dane/"},
+      {PathToUnix("/Usr/Bin/mc"), "/usr/bin/mc"},
+  });
 }
 
 TEST_F(PathsTest, ExchangeDrivesUseTheDirectoriesOfFloppdirCfg) {
   EXPECT_EQ(PathToUnix("A:\\plik").Str(), "a:/plik");  // no exchange directory: a relative path
   ResetExchangeDirs();
-  std::ofstream("floppdir.cfg") << "/tmp/Wymiana\r\n/mnt/b/\n";
+  WriteBytes("floppdir.cfg", "/tmp/Wymiana\r\n/mnt/b/\n");
   EXPECT_EQ(ExchangeDir('A').Str(), "/tmp/Wymiana");
   EXPECT_EQ(PathToUnix("A:\\Dane\\plik.dbf").Str(), "/tmp/Wymiana/dane/plik.dbf");
   EXPECT_EQ(PathToUnix("b:/x").Str(), "/mnt/b/x");
   EXPECT_EQ(PathToUnix("C:\\x").Str(), "c:/x");
   SetExchangeDirs("wym", "");
   ::mkdir("wym", 0777);
-  Touch("wym/DOK.TXT");
+  WriteBytes("wym/DOK.TXT", "x");
   EXPECT_EQ(PathToUnix("A:\\dok.txt").Str(), "wym/DOK.TXT");
   EXPECT_EQ(PathToUnix("B:\\dok.txt").Str(), "b:/dok.txt");
 }
 
 TEST_F(PathsTest, FileOperationsGoThroughThePathConversion) {
   ::mkdir("dane", 0777);
-  Touch("dane/a.txt");
+  WriteBytes("dane/a.txt", "x");
   EXPECT_TRUE(FileExists("DANE\\A.TXT"));
   EXPECT_FALSE(FileExists("dane"));
   EXPECT_TRUE(DirExists("Dane"));
@@ -79,7 +71,7 @@ TEST_F(PathsTest, FileOperationsGoThroughThePathConversion) {
 }
 
 TEST_F(PathsTest, FileVariableReadsLinesAndBytes) {
-  std::ofstream("lista.txt") << "pierwszy\r\n\n" << std::string(300, 'x') << "\nostatni";
+  WriteBytes("lista.txt", "pierwszy\r\n\n" + std::string(300, 'x') + "\nostatni");
   FileVar f;
   AssignFile(f, "LISTA.TXT");
   EXPECT_EQ(f.Name().Str(), "lista.txt");

@@ -2,10 +2,7 @@
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
-#include <cstdlib>
-#include <fstream>
 #include <set>
 #include <string>
 
@@ -25,8 +22,8 @@ class PlatformTest : public file_test::ScratchDirTest {
 
 TEST_F(PlatformTest, SearchMatchesPlainFilesAndWhatTheMaskAsksFor) {
   ::mkdir("spool", 0777);
-  std::ofstream("spool/1") << "job";
-  std::ofstream("spool/.ukryty") << "x";
+  file_test::WriteBytes("spool/1", "job");
+  file_test::WriteBytes("spool/.ukryty", "x");
   ::mkdir("spool/kat", 0777);
   ::mkfifo("spool/fifo", 0666);
 
@@ -52,10 +49,7 @@ TEST_F(PlatformTest, SearchMatchesPlainFilesAndWhatTheMaskAsksFor) {
 
 TEST_F(PlatformTest, RunProgramWaitsAndGivesTheExitStatus) {
   EXPECT_EQ(RunProgram("/bin/sh", "-c \"echo 'a b' > wynik; exit 3\""), 3);
-  std::ifstream in("wynik");
-  std::string line;
-  std::getline(in, line);
-  EXPECT_EQ(line, "a b");
+  EXPECT_EQ(file_test::ReadBytes("wynik"), "a b\n");
   EXPECT_EQ(RunProgram("true", ""), 0);  // no directory: looked up on PATH
   EXPECT_EQ(RunProgram("/nie/ma/programu", ""), -1);
   EXPECT_EQ(RunProgram("", "x"), -1);

@@ -125,21 +125,19 @@ TEST(TextMisc, XorAndBool) {
 }
 
 TEST(TextXml, ValueBetweenTags) {
-  ShortText out = "stale";
-  EXPECT_TRUE(XmlValue("<a><nip>123</nip></a>", "nip", out));
-  EXPECT_EQ(out, "123");
-  EXPECT_TRUE(XmlValue("<nip type=\"x\">45</nip>", "nip", out));
-  EXPECT_EQ(out, "45");
-  EXPECT_TRUE(XmlValue("<n><![CDATA[a<b]]></n>", "n", out));
-  EXPECT_EQ(out, "a<b");
-  EXPECT_TRUE(XmlValue("<n></n>", "n", out));
-  EXPECT_EQ(out, "");
-  EXPECT_FALSE(XmlValue("<nip>123", "nip", out));
-  EXPECT_EQ(out, "");
-  out = "stale";
-  EXPECT_FALSE(XmlValue("123</nip>", "nip", out));
-  EXPECT_EQ(out, "");
-  EXPECT_FALSE(XmlValue("<nipx>1</nipx>", "nip", out)) << "a longer tag name is another tag";
+  // A longer tag name is another tag; a missing tag on either side gives false and an empty text.
+  struct Row { const char* xml; const char* tag; bool found; const char* value; };
+  const Row rows[] = {
+      {"<a><nip>123</nip></a>", "nip", true, "123"}, {"<nip type=\"x\">45</nip>", "nip", true, "45"},
+      {"<n><![CDATA[a<b]]></n>", "n", true, "a<b"},  {"<n></n>", "n", true, ""},
+      {"<nip>123", "nip", false, ""},                {"123</nip>", "nip", false, ""},
+      {"<nipx>1</nipx>", "nip", false, ""},
+  };
+  for (const Row& r : rows) {
+    ShortText out = "stale";
+    EXPECT_EQ(XmlValue(r.xml, r.tag, out), r.found) << r.xml;
+    EXPECT_EQ(out, r.value) << r.xml;
+  }
 }
 
 }  // namespace

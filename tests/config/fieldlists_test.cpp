@@ -32,27 +32,14 @@ TEST(CaptionList, ParsesOrRefusesALine) {
   }
 }
 
-TEST(CaptionList, RepeatsFoundUnsetIgnored) {
-  const std::array<ShortText, 5> unique = {"a", "??", "b", "??", "c"};
-  EXPECT_EQ(FindRepeatedCaption(unique).first, 0);
-  const std::array<ShortText, 5> repeated = {"a", "b", "??", "c", "b"};
-  const CaptionRepeat repeat = FindRepeatedCaption(repeated);
-  EXPECT_EQ(repeat.first, 2);
-  EXPECT_EQ(repeat.second, 5);
-}
-
 class FieldListsTest : public config_test::ConfigDirTest {};
 
-TEST_F(FieldListsTest, MissingFilesKeepTheDefaultsAndPassTheCheck) {
+TEST_F(FieldListsTest, MissingFilesKeepTheDefaultsAndFilesReplaceThem) {
   ConfigReadLists();
   EXPECT_EQ(ConfigLists().item[1], "SWW/KU");
   EXPECT_EQ(ConfigLists().contractor[1], "płeć"_mz);
   EXPECT_EQ(ConfigLists().item2[0], "??");
   EXPECT_TRUE(ConfigCheckFieldNames());
-  EXPECT_TRUE(config_test::g_boxSeen.empty());
-}
-
-TEST_F(FieldListsTest, FilesReplaceTheDefaults) {
   WriteBytes("dane/lista_in.txt", "kolor,rozmiar\n");
   WriteBytes("dane/list_c_k.txt", "branza\n");
   ConfigReadLists();
