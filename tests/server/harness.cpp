@@ -79,6 +79,16 @@ int CountOf(const std::string& text, const std::string& needle) {
   return n;
 }
 
+bool HasShapeAt(const std::string& text, std::size_t at, const std::string& shape) {
+  if (at > text.size() || text.size() - at < shape.size()) return false;
+  for (std::size_t i = 0; i < shape.size(); ++i) {
+    const char c = text[at + i];
+    const bool digit = c >= '0' && c <= '9';
+    if (shape[i] == '9' ? !digit : shape[i] == '#' ? !(digit || c == ' ') : c != shape[i]) return false;
+  }
+  return true;
+}
+
 void WriteJobFile(const std::string& path, const std::vector<ShortText>& records) {
   FileVar f;
   f.BindUnixPath(ShortText(path));

@@ -3,24 +3,9 @@
 // job file gone.
 #include <gtest/gtest.h>
 
-#include <algorithm>
-
 #include "printers.h"
 
 namespace {
-
-using Lines = std::vector<std::string>;
-
-const Lines kTwoLines = {"2", "1100", "01J", "Jan", " gotówką", "",
-                         "\"Chleb\",1,\"A\",5,szt", "\"Mleko\",2,\"B\",3,l"};
-
-bool Has(const Lines& lines, const std::string& line) {
-  return std::find(lines.begin(), lines.end(), line) != lines.end();
-}
-
-int CountStarting(const Lines& lines, const std::string& prefix) {
-  return static_cast<int>(std::count_if(lines.begin(), lines.end(), [&](const std::string& l) { return l.rfind(prefix, 0) == 0; }));
-}
 
 // Each receipt below takes four commands: open, line 1, line 2 (refused), cancel.
 struct StatusCase {
@@ -115,25 +100,19 @@ TEST_F(PrintersTest, PosnetPrinterThatDoesNotAnswer) {
   EXPECT_EQ(PosnetJournal().back(), "DAILY REPORT");
 }
 
-Lines ReceiptOf(int lines) {
-  Lines job = {std::to_string(lines), std::to_string(lines * 123), "02B", "Barbara", " gotówką", "F 7/2024"};
-  for (int i = 1; i <= lines; ++i) job.push_back("\"Towar " + std::to_string(i) + " żółty\",1,\"A\",1.23,szt");
-  return job;
-}
-
 TEST_F(PrintersTest, FiftyLinesPassOnBothFamiliesAndAFiftyFirstEndsTheServer) {
   Start();
-  EXPECT_EQ(Run('p', "PARAGON", ReceiptOf(50)), "PARAGON O.K.");
+  EXPECT_EQ(Run('p', "PARAGON", ReceiptRecords(50, "F 7/2024")), "PARAGON O.K.");
   EXPECT_EQ(CountStarting(PosnetJournal(), "LINE "), 50);
   EXPECT_EQ(PosnetJournal().back(), "TOTAL 61.50/ PAID 61.50/");
-  EXPECT_EQ(Run('e', "PARAGON", ReceiptOf(50)), "PARAGON O.K.");
+  EXPECT_EQ(Run('e', "PARAGON", ReceiptRecords(50, "F 7/2024")), "PARAGON O.K.");
   const Lines journal = ElzabJournal();
   EXPECT_EQ(CountStarting(journal, "LINE "), 50);
   EXPECT_EQ(journal.back(), "CLOSE 6150");
   EXPECT_EQ(journal[50], "LINE 50|Towar 50 żółtyA             |1/0|szt |123|1|123");
 
   const std::size_t traced = ElzabTrace().size();
-  Publish('e', "PARAGON", ReceiptOf(51));
+  Publish('e', "PARAGON", ReceiptRecords(51, "F 7/2024"));
   int status = -1;
   ASSERT_TRUE(server_->Wait(5000, status));
   EXPECT_NE(status, 0);

@@ -13,28 +13,17 @@
 namespace {
 
 TEST(PollDelay, DefaultsAndLimits) {
-  EXPECT_EQ(PollDelayFromParam(""), 500);
-  EXPECT_EQ(PollDelayFromParam("abc"), 500);
-  EXPECT_EQ(PollDelayFromParam("0"), 500);
-  EXPECT_EQ(PollDelayFromParam("1"), 1);
-  EXPECT_EQ(PollDelayFromParam("250ms"), 250);
-  EXPECT_EQ(PollDelayFromParam("65535"), 65535);
+  const std::pair<const char*, int> cases[] = {{"", 500}, {"abc", 500}, {"0", 500},
+                                               {"1", 1},   {"250ms", 250}, {"65535", 65535}};
+  for (const auto& [param, ms] : cases) EXPECT_EQ(PollDelayFromParam(param), ms) << param;
   EXPECT_EXIT(PollDelayFromParam("65536"), ::testing::ExitedWithCode(kRangeCheckError), "Runtime error 201");
 }
 
 TEST(ResultTexts, StampAndLines) {
-  ClockReading t;
-  t.year = 2026;
-  t.month = 3;
-  t.day = 5;
-  t.hour = 9;
-  t.minute = 7;
-  t.second = 30;
-  EXPECT_EQ(ClockText(t).Str(), " 9: 7:30");
-  EXPECT_EQ(JobFailureStampAt(t).Str(), " nie wyk.zad.  5- 3-2026  9: 7:30");
-  t.day = 25;
-  t.month = 12;
-  t.hour = 23;
+  const ClockReading early{.year = 2026, .month = 3, .day = 5, .hour = 9, .minute = 7, .second = 30};
+  EXPECT_EQ(ClockText(early).Str(), " 9: 7:30");
+  EXPECT_EQ(JobFailureStampAt(early).Str(), " nie wyk.zad.  5- 3-2026  9: 7:30");
+  const ClockReading t{.year = 2026, .month = 12, .day = 25, .hour = 23, .minute = 7, .second = 30};
   EXPECT_EQ(JobFailureStampAt(t).Str(), " nie wyk.zad. 25-12-2026 23: 7:30");
   EXPECT_EQ(JobResultLine(kJobReceipt, 0, "PARAGON", t).Str(), "PARAGON O.K.");
   EXPECT_EQ(JobResultLine(kJobReceipt, 1, "PARAGON@Blad", t).Str(), "PARAGON@Blad nie wyk.zad. 25-12-2026 23: 7:30");
