@@ -14,10 +14,9 @@
 #include <chrono>
 #include <cstdlib>
 #include <cstring>
-#include <fstream>
-#include <sstream>
 #include <thread>
 
+#include "base/file_fixture.h"
 #include "base/filevar.h"
 #include "base/jobfile.h"
 
@@ -48,16 +47,9 @@ TempDir::~TempDir() {
   if (!path_.empty()) std::system(("chmod -R u+rwx " + path_ + " 2>/dev/null; rm -rf " + path_).c_str());
 }
 
-std::string ReadFileText(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::stringstream s;
-  s << in.rdbuf();
-  return s.str();
-}
+std::string ReadFileText(const std::string& path) { return file_test::ReadBytes(path); }
 
-void WriteFileText(const std::string& path, const std::string& text) {
-  std::ofstream(path, std::ios::binary) << text;
-}
+void WriteFileText(const std::string& path, const std::string& text) { file_test::WriteBytes(path, text); }
 
 bool PathExists(const std::string& path) {
   struct stat st;

@@ -1,7 +1,6 @@
 // The server's pieces without the process: poll time, texts of results,
 // configuration rows and the classification of job files.
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include "base/jobfile.h"
 #include "base/mazovia.h"
@@ -47,20 +46,8 @@ TEST(PrinterRows, FieldsOfARow) {
   EXPECT_TRUE(g.commandLine.Empty());
 }
 
-class InDirectory : public ::testing::Test {
- protected:
-  void SetUp() override {
-    char cwd[4096];
-    ASSERT_NE(::getcwd(cwd, sizeof cwd), nullptr);
-    oldCwd_ = cwd;
-    ASSERT_EQ(::chdir(dir_.path().c_str()), 0);
-  }
-  void TearDown() override { ASSERT_EQ(::chdir(oldCwd_.c_str()), 0); }
-  TempDir dir_;
-  std::string oldCwd_;
-};
-
-TEST_F(InDirectory, LoadingRows) {
+TEST(PrinterRows, LoadingRows) {
+  const TempDir dir;
   struct Case {
     const char* text;
     RowsOutcome outcome;
@@ -75,19 +62,20 @@ TEST_F(InDirectory, LoadingRows) {
       {"", RowsOutcome::kNoRows, 0},
   };
   for (const Case& c : cases) {
-    WriteFileText("fisk.cfg", c.text);
+    WriteFileText(dir / "fisk.cfg", c.text);
     PrinterRows rows;
-    EXPECT_EQ(LoadPrinterRows("FISK.CFG", rows), c.outcome) << c.text;
+    EXPECT_EQ(LoadPrinterRows(ShortText(dir / "FISK.CFG"), rows), c.outcome) << c.text;
     EXPECT_EQ(rows.count, c.count) << c.text;
   }
   PrinterRows rows;
-  EXPECT_EQ(LoadPrinterRows("brak.cfg", rows), RowsOutcome::kCannotOpen);
+  EXPECT_EQ(LoadPrinterRows(ShortText(dir / "brak.cfg"), rows), RowsOutcome::kCannotOpen);
 }
 
-TEST_F(InDirectory, ClassifyingJobFiles) {
+TEST(JobFiles, Classifying) {
+  const TempDir dir;
   FileVar file;
-  WriteJobFile("1", {ShortText("\x1b" "RAPOKR"), "01-01-2026", "31-01-2026", "FISK", kJobKeywordEnd});
-  EXPECT_EQ(ClassifyJobFile("1", file), kJobPeriodReport);
+  WriteJobFile(dir / "1", {ShortText("\x1b" "RAPOKR"), "01-01-2026", "31-01-2026", "FISK", kJobKeywordEnd});
+  EXPECT_EQ(ClassifyJobFile(ShortText(dir / "1"), file), kJobPeriodReport);
   EXPECT_TRUE(file.IsOpen());
   EXPECT_EQ(file.Position(), kJobRecordSize);  // the handler reads on from record 2
   ShortText record;
@@ -95,19 +83,19 @@ TEST_F(InDirectory, ClassifyingJobFiles) {
   EXPECT_EQ(record.Str(), "01-01-2026");
   file.Close();
 
-  WriteJobFile("2", {kJobKeywordWait});
-  EXPECT_EQ(ClassifyJobFile("2", file), kJobNone);
+  WriteJobFile(dir / "2", {kJobKeywordWait});
+  EXPECT_EQ(ClassifyJobFile(ShortText(dir / "2"), file), kJobNone);
   EXPECT_FALSE(file.IsOpen());
-  WriteFileText("3", std::string(255, '\0'));
-  EXPECT_EQ(ClassifyJobFile("3", file), kJobNone);
-  WriteFileText("4", "");
-  EXPECT_EQ(ClassifyJobFile("4", file), kJobNone);
+  WriteFileText(dir / "3", std::string(255, '\0'));
+  EXPECT_EQ(ClassifyJobFile(ShortText(dir / "3"), file), kJobNone);
+  WriteFileText(dir / "4", "");
+  EXPECT_EQ(ClassifyJobFile(ShortText(dir / "4"), file), kJobNone);
   EXPECT_FALSE(file.IsOpen());
 
-  WriteJobFile("5", {ShortText("\x1b" "BRAK_DANYCH")});
-  EXPECT_EQ(ClassifyJobFile("5", file), kJobWithdrawn);
+  WriteJobFile(dir / "5", {ShortText("\x1b" "BRAK_DANYCH")});
+  EXPECT_EQ(ClassifyJobFile(ShortText(dir / "5"), file), kJobWithdrawn);
   DeleteJobFileLogged(file);
-  EXPECT_FALSE(PathExists("5"));
+  EXPECT_FALSE(PathExists(dir / "5"));
 }
 
 }  // namespace
