@@ -24,10 +24,7 @@ TEST(ResultTexts, StampAndLines) {
   EXPECT_EQ(JobFailureStampAt(early).Str(), " nie wyk.zad.  5- 3-2026  9: 7:30");
   const ClockReading t{.year = 2026, .month = 12, .day = 25, .hour = 23, .minute = 7, .second = 30};
   EXPECT_EQ(JobFailureStampAt(t).Str(), " nie wyk.zad. 25-12-2026 23: 7:30");
-  EXPECT_EQ(JobResultLine(kJobReceipt, 0, "PARAGON", t).Str(), "PARAGON O.K.");
   EXPECT_EQ(JobResultLine(kJobReceipt, 1, "PARAGON@Blad", t).Str(), "PARAGON@Blad nie wyk.zad. 25-12-2026 23: 7:30");
-  EXPECT_EQ(JobResultLine(kJobWithdrawn, 0, "", t).Str(), " Wycofanie komendy.");
-  EXPECT_EQ(JobResultLine(kJobDrawer, 0, "", t).Str(), " O.K.");
 }
 
 TEST(PrinterRows, FieldsOfARow) {
