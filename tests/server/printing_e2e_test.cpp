@@ -162,14 +162,13 @@ TEST_F(PrintersTest, JobsThatMustNotReachThePrinterFailAndAreDeleted) {
 struct StatusCase {
   const char* bytes;  // the status bytes the printer serves
   std::string text;   // in plain letters
-  bool asksSecond;
 };
 const StatusCase kStatusCases[] = {
-    {"0x08,0", "nie wydrukowano raportu za poprzedni dzien - nie mozna wystawic paragonu", false},
-    {"0x30,0x04", "blad CMOS drukarki - CMOS byl kasowany  - nie ustawiony jest czas", false},
-    {"0,0x02", "brak papieru w drukarce - swieci sie LED paper out", true},
-    {"0,0x80", "brak komunikacji z kontrolerem drukarki", true},
-    {"0,0", "blad nie sklasyfikowany", true},
+    {"0x08,0", "nie wydrukowano raportu za poprzedni dzien - nie mozna wystawic paragonu"},
+    {"0x30,0x04", "blad CMOS drukarki - CMOS byl kasowany  - nie ustawiony jest czas"},
+    {"0,0x02", "brak papieru w drukarce - swieci sie LED paper out"},
+    {"0,0x80", "brak komunikacji z kontrolerem drukarki"},
+    {"0,0", "blad nie sklasyfikowany"},
 };
 
 TEST_F(PrintersTest, ElzabRefusalInAReceiptIsCancelledAndExplained) {
