@@ -2,13 +2,9 @@
 // whose other end the test plays as the printer.
 #include <gtest/gtest.h>
 
-#include <stdlib.h>
-#include <sys/socket.h>
-#include <sys/un.h>
 #include <unistd.h>
 
 #include <chrono>
-#include <cstring>
 #include <thread>
 
 #include "elzab_model_fixture.h"
@@ -144,37 +140,6 @@ TEST_F(ElzabOnModel, PurgeReadsOneByteOnly) {
   EXPECT_FALSE(ElzabLine().timedOut);
   EXPECT_EQ(ElzabReadByte(1), 0);  // nothing more: the read times out to 0
   EXPECT_TRUE(ElzabLine().timedOut);
-}
-
-TEST(ElzabPortChoice, SettingPointsTheModelAtAUnixSocket) {
-  char dir[] = "/tmp/elzab-line-XXXXXX";
-  ASSERT_TRUE(mkdtemp(dir));
-  std::string path = std::string(dir) + "/line";
-  int listener = socket(AF_UNIX, SOCK_STREAM, 0);
-  sockaddr_un addr{};
-  addr.sun_family = AF_UNIX;
-  std::strcpy(addr.sun_path, path.c_str());
-  ASSERT_EQ(bind(listener, reinterpret_cast<sockaddr*>(&addr), sizeof addr), 0);
-  ASSERT_EQ(listen(listener, 1), 0);
-  setenv("KLOTE_ELZAB_LINE", path.c_str(), 1);
-  SetElzabPortIo(nullptr);
-  ElzabLine() = {};
-  ElzabOpen(1);
-  ElzabSendText(1, "\x1B%");
-  EXPECT_FALSE(ElzabLine().timedOut);
-  int printer = accept(listener, nullptr, nullptr);
-  char got[2] = {};
-  ASSERT_EQ(read(printer, got, 2), 2);
-  EXPECT_EQ(std::string(got, 2), "\x1B%");
-  ASSERT_EQ(write(printer, "\x06", 1), 1);
-  EXPECT_EQ(ElzabReadByte(1), 0x06);
-  close(printer);
-  unsetenv("KLOTE_ELZAB_LINE");
-  SetElzabPortIo(nullptr);
-  ElzabLine() = {};
-  close(listener);
-  unlink(path.c_str());
-  rmdir(dir);
 }
 
 }  // namespace

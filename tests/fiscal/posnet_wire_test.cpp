@@ -25,16 +25,6 @@ TEST(PosnetWire, MoneyFieldWritesGroszAsZloty) {
   for (const auto& r : rows) EXPECT_EQ(MoneyField(r.grosz), r.text) << r.grosz;
 }
 
-TEST(PosnetWire, LineBlockCountsOnlyNonEmptyTexts) {
-  const struct { const char *a, *b, *c; int count; const char* text; } rows[] = {
-      {"a", "b", "c", 3, "a\rb\rc\r"}, {"", "b", "", 1, "b\r"}, {"", "", "", 0, ""}};
-  for (const auto& r : rows) {
-    const auto block = LineBlock(r.a, r.b, r.c);
-    EXPECT_EQ(block.count, r.count) << r.text;
-    EXPECT_EQ(block.text, r.text);
-  }
-}
-
 TEST(PosnetWire, CommandBodies) {
   EXPECT_EQ(PosnetReceiptLineBody(1, "Chleb", "2", "A", 105, 210), "1$lChleb\r2\rA/1.05/2.10/");
   EXPECT_EQ(PosnetReceiptLineBody(12, "Bulka", "1", "B", 200, 200), "12$lBulka\r1\rB/2/2/");
@@ -42,7 +32,9 @@ TEST(PosnetWire, CommandBodies) {
             "3;0$lN\r1.5\rA/rabat/1/");
   EXPECT_EQ(PosnetReceiptLineDiscountBody(3, 2, "N", "1.5", "A", "", 100, 150),
             "3;2$lN\r1.5\rA//1/1.50/");
-  EXPECT_EQ(PosnetBeginReceiptBody(5, LineBlock("H", "", "")), "5;1$hH\r");
+  // A line block counts and sends only its non-empty texts.
+  EXPECT_EQ(PosnetBeginReceiptBody(5, LineBlock("H", "I", "J")), "5;3$hH\rI\rJ\r");
+  EXPECT_EQ(PosnetBeginReceiptBody(5, LineBlock("", "H", "")), "5;1$hH\r");
   EXPECT_EQ(PosnetEndReceiptBody("0", "K1", LineBlock("a", "", "c"), 0, 410),
             "1;0;2$eK1\ra\rc\r0/4.10/");
   EXPECT_EQ(PosnetEndReceiptDiscountBody(1, 0, 3, "K", LineBlock("a", "", ""), 500, 500, 50),

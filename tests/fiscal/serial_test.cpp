@@ -49,10 +49,6 @@ TEST(PosnetDevice, PortNumbersNameTheDevices) {
   setenv("KLOTE_SERIAL_PREFIX", "/tmp/lines/tty", 1);
   EXPECT_EQ(PosnetDeviceName(2), "/tmp/lines/tty1");
   unsetenv("KLOTE_SERIAL_PREFIX");
-  SetPosnetDevicePath("/dev/ttyUSB0");
-  EXPECT_EQ(PosnetDeviceName(255), "/dev/ttyUSB0");
-  SetPosnetDevicePath("");
-  EXPECT_EQ(PosnetDeviceName(255), "");
 }
 
 // A pseudo-terminal whose slave the driver opens through the prefix setting.

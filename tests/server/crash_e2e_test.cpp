@@ -15,19 +15,12 @@
 
 namespace {
 
-using Lines = std::vector<std::string>;
-
 constexpr int kKillPoints = 20;
 constexpr int kSaleLines = 2;
 
 // A receipt whose document number names it; the ELZAB cashier text is long, so
 // that kills land inside that one long command too.
-Lines Receipt(const std::string& number) {
-  Lines job = {std::to_string(kSaleLines), std::to_string(kSaleLines * 250), "01J", std::string(100, 'K'),
-               " gotówką", number};
-  for (int i = 1; i <= kSaleLines; ++i) job.push_back("\"Towar numer " + std::to_string(i) + "\",1,\"A\",2.5,szt");
-  return job;
-}
+Lines Receipt(const std::string& number) { return ReceiptRecords(kSaleLines, number, std::string(100, 'K')); }
 
 // Grosz as the log writes them: "5.00".
 std::string Zloty(int grosz) {
@@ -40,13 +33,8 @@ class CrashTest : public PrintersTest {
   void StartFamily(char row) {
     row_ = row;
     StartSimulators({"--baud", "9600"}, {"--baud", "9600", "--pace-input"});
-    WriteFileText(dir_ / "fisk.cfg", row == 'e' ? "1,1,\"jobs\\e\",,0\n" : "2,1,\"jobs\\p\",,0\n");
   }
-  void StartServer() {
-    server_ = std::make_unique<ServerProcess>(dir_, ServerRun{{"fisk.cfg", "5", "fisk.log", "x"}});
-    const int starts = ++starts_;
-    ASSERT_TRUE(WaitUntil([&] { return Count("SKONFIGUROWANO") == starts; }, 10000));
-  }
+  void StartServer() { PrintersTest::StartServer(row_ == 'e' ? "1,1,\"jobs\\e\",,0\n" : "2,1,\"jobs\\p\",,0\n"); }
   int Count(const std::string& text) const { return CountOf(ReadFileText(dir_ / "fisk.log"), text); }
   // Publishes the receipt and waits for its result line.
   bool RunReceipt(const std::string& number) {
@@ -54,7 +42,6 @@ class CrashTest : public PrintersTest {
     Publish(row_, "PARAGON", Receipt(number));
     return WaitUntil([&] { return Count("PARAGON") > before && !JobExists(row_); }, 30000);
   }
-  Lines Journal() const { return row_ == 'e' ? ElzabJournal() : PosnetJournal(); }
 
   // Kills the server at 20 moments spread over one receipt's time, each followed by a
   // new server and a new receipt; then judges the journal.
@@ -75,7 +62,7 @@ class CrashTest : public PrintersTest {
   }
 
   void Judge() {
-    const std::vector<Printed> printed = ReceiptsOf(Journal());
+    const std::vector<Printed> printed = ReceiptsOf(Journal(row_));
     const std::string log = ReadFileText(dir_ / "fisk.log");
     auto closed = [&](const std::string& number) {
       return std::count_if(printed.begin(), printed.end(), [&](const Printed& p) {
@@ -88,7 +75,8 @@ class CrashTest : public PrintersTest {
       EXPECT_EQ(closed(next), 1) << next << " not printed once";
       // A receipt cut off by the kill left its job behind, which the next start names.
       if (closed(killed) == 0) {
-        EXPECT_NE(log.find("PARAGON nr " + killed + " suma " + Zloty(kSaleLines * 250)), std::string::npos) << killed;
+        EXPECT_NE(log.find("PARAGON nr " + killed + " suma " + Zloty(kSaleLines * kReceiptLineGrosz)), std::string::npos)
+            << killed;
       }
     }
     for (const Printed& p : printed)
@@ -102,7 +90,6 @@ class CrashTest : public PrintersTest {
   }
 
   char row_ = 'p';
-  int starts_ = 0;
 };
 
 TEST_F(CrashTest, PosnetServerKilledAtTwentyMomentsOfAReceipt) {
@@ -131,12 +118,6 @@ struct LossCase {
 class PrinterLossTest : public PrintersTest, public ::testing::WithParamInterface<LossCase> {
  protected:
   static constexpr int kLines = 20;
-  static Lines LongReceipt(const std::string& number) {
-    Lines job = {std::to_string(kLines), std::to_string(kLines * 100), "01J", "Jan", " gotówką", number};
-    for (int i = 1; i <= kLines; ++i) job.push_back("\"Towar " + std::to_string(i) + "\",1,\"A\",1,szt");
-    return job;
-  }
-  Lines Journal(char row) const { return row == 'e' ? ElzabJournal() : PosnetJournal(); }
   void KillPrinter(char row) {
     if (row == 'e') return elzab_->Kill();
     posnet_->Kill();
@@ -151,12 +132,6 @@ class PrinterLossTest : public PrintersTest, public ::testing::WithParamInterfac
   }
 };
 
-std::string ReadLinesText(const Lines& lines) {
-  std::string text;
-  for (const std::string& l : lines) text += l + "\n";
-  return text;
-}
-
 bool FailedWithStamp(const std::string& line, const std::string& start) {
   const std::size_t stamp = std::string(" nie wyk.zad. DD-MM-YYYY HH:MM:SS").size();
   return line.rfind(start, 0) == 0 && line.size() >= start.size() + stamp &&
@@ -169,10 +144,10 @@ TEST_P(PrinterLossTest, ReceiptFailsOtherRowsServeAndThePrinterComesBack) {
   Lines elzabArgs = {"--baud", "9600"};
   if (c.unplug) elzabArgs.insert(elzabArgs.end(), {"--fail", "8:unplug"});  // the 7th sale line
   Start(elzabArgs, {"--baud", "9600", "--pace-input"});
-  Publish(c.row, "PARAGON", LongReceipt("L1"));
+  Publish(c.row, "PARAGON", ReceiptRecords(kLines, "L1"));
   if (!c.unplug) {
     // Killed once the printer has a few of the lines.
-    ASSERT_TRUE(WaitUntil([&] { return CountOf(ReadLinesText(Journal(c.row)), "LINE ") >= 3; }, 30000));
+    ASSERT_TRUE(WaitUntil([&] { return CountStarting(Journal(c.row), "LINE ") >= 3; }, 30000));
     KillPrinter(c.row);
   }
   EXPECT_TRUE(FailedWithStamp(Result(c.row), "PARAGON@")) << LogLines().back();
@@ -181,7 +156,7 @@ TEST_P(PrinterLossTest, ReceiptFailsOtherRowsServeAndThePrinterComesBack) {
   EXPECT_LT(cut[0].lines, kLines);
   EXPECT_TRUE(cut[0].end.empty() || cut[0].end == "CANCELLED") << cut[0].end;
 
-  EXPECT_EQ(Run(other, "PARAGON", LongReceipt("O1")), "PARAGON O.K.");
+  EXPECT_EQ(Run(other, "PARAGON", ReceiptRecords(kLines, "O1")), "PARAGON O.K.");
   EXPECT_TRUE(FailedWithStamp(Run(c.row, "RAPDOB"), "RAPORT DOBOWY@"));
   RestartPrinter(c.row);
   EXPECT_EQ(Run(c.row, "RAPDOB"), "RAPORT DOBOWY O.K.");

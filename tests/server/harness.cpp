@@ -14,10 +14,9 @@
 #include <chrono>
 #include <cstdlib>
 #include <cstring>
-#include <fstream>
-#include <sstream>
 #include <thread>
 
+#include "base/file_fixture.h"
 #include "base/filevar.h"
 #include "base/jobfile.h"
 
@@ -48,16 +47,9 @@ TempDir::~TempDir() {
   if (!path_.empty()) std::system(("chmod -R u+rwx " + path_ + " 2>/dev/null; rm -rf " + path_).c_str());
 }
 
-std::string ReadFileText(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::stringstream s;
-  s << in.rdbuf();
-  return s.str();
-}
+std::string ReadFileText(const std::string& path) { return file_test::ReadBytes(path); }
 
-void WriteFileText(const std::string& path, const std::string& text) {
-  std::ofstream(path, std::ios::binary) << text;
-}
+void WriteFileText(const std::string& path, const std::string& text) { file_test::WriteBytes(path, text); }
 
 bool PathExists(const std::string& path) {
   struct stat st;
@@ -77,6 +69,16 @@ int CountOf(const std::string& text, const std::string& needle) {
   int n = 0;
   for (std::size_t at = text.find(needle); at != std::string::npos; at = text.find(needle, at + 1)) ++n;
   return n;
+}
+
+bool HasShapeAt(const std::string& text, std::size_t at, const std::string& shape) {
+  if (at > text.size() || text.size() - at < shape.size()) return false;
+  for (std::size_t i = 0; i < shape.size(); ++i) {
+    const char c = text[at + i];
+    const bool digit = c >= '0' && c <= '9';
+    if (shape[i] == '9' ? !digit : shape[i] == '#' ? !(digit || c == ' ') : c != shape[i]) return false;
+  }
+  return true;
 }
 
 void WriteJobFile(const std::string& path, const std::vector<ShortText>& records) {

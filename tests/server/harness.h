@@ -30,6 +30,9 @@ bool PathExists(const std::string& path);
 bool WaitUntil(const std::function<bool()>& condition, int timeoutMs);
 // Number of occurrences of needle in text.
 int CountOf(const std::string& text, const std::string& needle);
+// Whether the text from the position has the shape: "9" stands for a digit, "#"
+// for a digit or a blank, any other character for itself.
+bool HasShapeAt(const std::string& text, std::size_t at, const std::string& shape);
 // Writes a job file of the records (record 1 is the keyword), zero-filled.
 void WriteJobFile(const std::string& path, const std::vector<ShortText>& records);
 

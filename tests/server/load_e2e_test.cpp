@@ -46,14 +46,6 @@ class BusyCores {
 
 constexpr int kLines = 20;
 
-// A cash receipt of kLines lines at 1.50 each, named by its document number.
-std::vector<std::string> Receipt(const std::string& number) {
-  std::vector<std::string> job = {std::to_string(kLines), std::to_string(kLines * 150), "01J", "Jan Kowalski",
-                                  " gotówką", number};
-  for (int i = 1; i <= kLines; ++i) job.push_back("\"Towar " + std::to_string(i) + "\",1,\"A\",1.5,szt");
-  return job;
-}
-
 TEST_F(PrintersTest, ReceiptsOnBothFamiliesPrintWholeWithEveryCoreBusy) {
   Start({"--baud", "9600"}, {"--baud", "9600", "--pace-input"});
   BusyCores busy;
@@ -61,7 +53,7 @@ TEST_F(PrintersTest, ReceiptsOnBothFamiliesPrintWholeWithEveryCoreBusy) {
   for (int round = 1; round <= 2; ++round)
     for (char row : {'p', 'e'}) {
       const std::string number = std::string(1, row) + std::to_string(round);
-      EXPECT_EQ(Run(row, "PARAGON", Receipt(number)), "PARAGON O.K.") << number;
+      EXPECT_EQ(Run(row, "PARAGON", ReceiptRecords(kLines, number)), "PARAGON O.K.") << number;
     }
   for (const auto& journal : {PosnetJournal(), ElzabJournal()}) {
     const std::vector<Printed> printed = ReceiptsOf(journal);

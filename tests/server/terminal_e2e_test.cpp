@@ -15,17 +15,7 @@ constexpr const char* kEndLine = "KONIEC PRACY SERVERA DRUKAREK FISKALNYCH";
 
 // The running clock at a position: a carriage return, "HH:MM:SS" with
 // blank-padded numbers, and a blank.
-bool IsClockAt(const std::string& s, std::size_t at) {
-  const std::string shape = "\r##:##:## ";
-  if (at + shape.size() > s.size()) return false;
-  for (std::size_t i = 0; i < shape.size(); ++i) {
-    const char c = s[at + i];
-    const bool digitPlace = shape[i] == '#';
-    const bool padPlace = digitPlace && (i == 1 || i == 4 || i == 7);
-    if (digitPlace ? !((c >= '0' && c <= '9') || (padPlace && c == ' ')) : c != shape[i]) return false;
-  }
-  return true;
-}
+bool IsClockAt(const std::string& s, std::size_t at) { return HasShapeAt(s, at, "\r#9:#9:#9 "); }
 
 bool HasClock(const std::string& s) {
   for (std::size_t at = s.find('\r'); at != std::string::npos; at = s.find('\r', at + 1))
