@@ -18,7 +18,6 @@
 
 namespace {
 
-constexpr int32_t kWarehouse = 1;
 const TableDef kUserRowsDef{kKatTowDef.columns.first(24), 0, {}, {}};
 const ShortText kRange = "Przekroczenie zakresu argumentu."_mz;
 const ShortText kClash =
@@ -37,14 +36,10 @@ std::string Money(Real value) {
   return buf;
 }
 
-class ItemChangeTest : public CatalogueTest {
+class ItemChangeTest : public ItemTablesTest {
  protected:
   void SetUp() override {
-    CatalogueTest::SetUp();
-    CreateFirmTables();
-    CreateWarehouseTables(false, kWarehouse);
-    ASSERT_TRUE(Psql("INSERT INTO dane_magazyny (nazwa,nazwa_inne,numer,czy_podmiot_gosp) VALUES ('M','',1,'Z')"));
-    ASSERT_EQ(UsersTableEnsure(), 0);
+    ItemTablesTest::SetUp();
     a_ = AddItemRow(Coded("MLEKO", "590001", 10));
     b_ = AddItemRow(Coded("CHLEB", "590002", 4));
     // User 0 writes a document and holds a work file: item a at the

@@ -10,53 +10,24 @@
 
 #include "base/mazovia.h"
 #include "items_fixture.h"
-#include "keysteps.h"
-#include "master/items.h"
-#include "master/tables.h"
 #include "sqltable/pglib.h"
-#include "sqltable/sqltest.h"
 #include "tui/keyboard.h"
 #include "users/users.h"
 
 namespace {
 
-constexpr int32_t kWarehouse = 1;
+using keys::kEnter;
 
-using namespace keysteps;
+// A step typing the text, then the keys after it.
+KeyStep Keys(const char* text, std::vector<KeyPair> after = {}) { return {Typed(text, std::move(after))}; }
 
-class ItemsTest : public CatalogueTest {
+class ItemsTest : public ItemTablesTest {
  protected:
-  void SetUp() override {
-    CatalogueTest::SetUp();
-    CreateFirmTables();
-    for (int32_t w : {1, 2, 3}) AddWarehouse(w);
-  }
-  void TearDown() override {
-    Stop();
-    CatalogueTest::TearDown();
-  }
-  static void AddWarehouse(int32_t number) {
-    CreateWarehouseTables(false, number);
-    ASSERT_TRUE(Psql("INSERT INTO dane_magazyny (nazwa,nazwa_inne,numer,czy_podmiot_gosp) VALUES ('M" + std::to_string(number) +
-                     "',''," + std::to_string(number) + ",'Z')"));
-  }
   // One value read through the program's own connection (the session's view is visible only there).
   static std::string Own(const std::string& sql) {
     PGResult res;
     EXPECT_EQ(PGRunQueryWithTup(sql, res), 0);
     return res.Rows() > 0 ? std::string(res.Value(0, 0)) : std::string("-");
-  }
-  static Real Quantity(int32_t warehouse, int32_t number) {
-    StockRow row;
-    bool found = false;
-    EXPECT_EQ(StockRead(warehouse, number, row, found), 0);
-    return found ? row.quantity : -999;
-  }
-  // A line of a goods document in a warehouse for the item, on the date.
-  static void AddLine(int32_t warehouse, int32_t number, const char* date = "2024-05-10") {
-    ASSERT_TRUE(Psql("INSERT INTO dane_" + std::to_string(warehouse) + "_specyfik (typ_dok,nr_dok,znak_dok,pozycja,data_dok,"
-                     "nr_towaru,vat,sww,ilosc) VALUES (1,1,'FV'," + std::to_string(number) + ",'" + date + "'," +
-                     std::to_string(number) + ",'23','',1)"));
   }
 };
 
@@ -317,9 +288,8 @@ TEST_F(ItemsTest, TheScreenFindsByNameAndIndexAndChangesAPrice) {
   bool found = false;
   ASSERT_EQ(ItemFindByName("MLEKO", milk, found), 0);
   ASSERT_TRUE(Psql("UPDATE dane_kat_tow_ SET indeks_numeryczny=4242 WHERE nazwa='DROZDZE'"));
-  Play({Keys("", {keys::F(2)}), Keys("MLE", {keys::kEnter}), Keys("", {keys::kEnter}), Keys("", {keys::kBackspace,
-        keys::kBackspace, keys::kBackspace, keys::kBackspace, keys::kBackspace}), Keys("24.60", {keys::kEnter}),
-        Keys("2"), Keys("", {keys::F(4)}), Keys("4242", {keys::kEnter})});
+  Play({Keys("", {keys::F(2)}), Keys("MLE", {kEnter}), Keys("", {kEnter}), {Repeat(keys::kBackspace, 5)},
+        Keys("24.60", {kEnter}), Keys("2"), Keys("", {keys::F(4)}), Keys("4242", {kEnter})});
   ItemCatalogue(kWarehouse);
   EXPECT_TRUE(Shown(" Katalog towarów - magazyn nr 1"_mz));
   EXPECT_TRUE(Shown("Wprowadź początek szukanej nazwy: ---"_mz));
@@ -328,26 +298,23 @@ TEST_F(ItemsTest, TheScreenFindsByNameAndIndexAndChangesAPrice) {
   EXPECT_EQ(Scalar("SELECT cena_s_b FROM dane_kat_tow_ WHERE nazwa='MLEKO'"), "24.6000000");
   EXPECT_EQ(Scalar("SELECT csb FROM dane_1_stany_mg WHERE nr_wewn=" + std::to_string(milk.number)), "24.6000000");
   // The last screen starts at DROZDZE, found by its digit index.
-  EXPECT_NE(gScreens.back().find(" DROZDZE"), std::string::npos);
-  EXPECT_EQ(gScreens.back().find(" CHLEB"), std::string::npos);
+  EXPECT_NE(LastScreen().find(" DROZDZE"), std::string::npos);
+  EXPECT_EQ(LastScreen().find(" CHLEB"), std::string::npos);
 
   // An item deleted by another process while the list shows it.
   const int32_t ser = milk.number + 1;
-  Play({Keys("", {keys::kEnd}), [ser] {
-    // Another process (psql, with its own connection) deletes the item.
-    EXPECT_TRUE(Psql("DELETE FROM dane_kat_tow_ WHERE nr_wewn=" + std::to_string(ser)));
-    (void)PushKey(13, 28);
-  }, Keys("", {keys::kEnter})});
+  Play({Keys("", {keys::kEnd}), {{kEnter}, [ser] {
+          // Another process (psql, with its own connection) deletes the item.
+          EXPECT_TRUE(Psql("DELETE FROM dane_kat_tow_ WHERE nr_wewn=" + std::to_string(ser)));
+        }},
+        Keys("", {kEnter})});
   ItemCatalogue(kWarehouse);
   EXPECT_TRUE(Shown("SER\"")) ;
   EXPECT_TRUE(Shown("został usunięty z katalogu przez innego użytkownika."_mz));
   EXPECT_EQ(Scalar("SELECT count(*) FROM dane_kat_tow_ WHERE nr_wewn=" + std::to_string(ser)), "0");
 
   // The stock list gone under the list: the next read ends the list with the system's message, not the program.
-  Play({[] {
-    EXPECT_TRUE(Psql("DROP TABLE dane_1_stany_mg"));
-    (void)PushKey(keys::kEnd.ch, keys::kEnd.scan);
-  }});
+  Play({{{keys::kEnd}, [] { EXPECT_TRUE(Psql("DROP TABLE dane_1_stany_mg")); }}});
   ItemCatalogue(kWarehouse);
   EXPECT_TRUE(Shown("Wystąpiły zakłócenia odczytu bazy."_mz));
   EXPECT_EQ(Scalar("SELECT count(*) FROM dane_kat_tow_"), "5");
@@ -495,16 +462,16 @@ TEST_F(ItemsTest, TheAddFormRefusesBadInputAndHonoursRights) {
   const std::string before = Scalar(rows);
   // Fields: name, name 2, code, digit index, vat, sww, payer, supplier, unit, purchase, sale, place, pack, stock.
   auto form = [](const std::string& code, const std::string& digits, const std::string& supplier, const std::string& stock) {
-    return std::vector<std::function<void()>>{
-        Keys("SER", {keys::kEnter}), Keys("", {keys::kEnter}), Keys(code, {keys::kEnter}), Keys(digits, {keys::kEnter}),
-        Keys("23", {keys::kEnter}), Keys("", {keys::kEnter}), Keys("", {keys::kEnter}), Keys(supplier, {keys::kEnter}),
-        Keys("kg", {keys::kEnter}), Keys("", {keys::kEnter}), Keys("", {keys::kEnter}), Keys("", {keys::kEnter}),
-        Keys("", {keys::kEnter}), Keys(stock, {keys::kEnter})};
+    return std::vector<KeyStep>{Keys("SER", {kEnter}),  Keys("", {kEnter}), Keys(code.c_str(), {kEnter}),
+                                Keys(digits.c_str(), {kEnter}), Keys("23", {kEnter}), Keys("", {kEnter}),
+                                Keys("", {kEnter}), Keys(supplier.c_str(), {kEnter}), Keys("kg", {kEnter}),
+                                Keys("", {kEnter}), Keys("", {kEnter}), Keys("", {kEnter}),
+                                Keys("", {kEnter}), Keys(stock.c_str(), {kEnter})};
   };
   struct Case {
     const char* what;
     bool maxRights;
-    std::vector<std::function<void()>> steps;
+    std::vector<KeyStep> steps;
     ShortText shown;
   };
   const Case cases[] = {
@@ -512,7 +479,7 @@ TEST_F(ItemsTest, TheAddFormRefusesBadInputAndHonoursRights) {
       {"digit index", true, form("", "1000000000000000", "7", ""),
        "Indeks numeryczny musi zawierać się w przedziale [0,999999999999999]."_mz},
       {"closed supplier", false, form("", "", "9", ""), "o uprawnieniach maksymalnych w programie, lub `Kierownik"_mz},
-      {"negative price", true, [&form] { auto f = form("", "", "7", ""); f[10] = Keys("-5", {keys::kEnter}); return f; }(),
+      {"negative price", true, [&form] { auto f = form("", "", "7", ""); f[10] = Keys("-5", {kEnter}); return f; }(),
        "Przekroczenie zakresu argumentu."_mz},
   };
   for (const Case& c : cases) {
@@ -526,7 +493,7 @@ TEST_F(ItemsTest, TheAddFormRefusesBadInputAndHonoursRights) {
   // With the rights: added with its stock, the purchase price taken.
   LogIn({UserRight::kPurchasePrices});
   auto steps = form("591", "", "7", "4");
-  steps[9] = Keys("10", {keys::kEnter});
+  steps[9] = Keys("10", {kEnter});
   Play(steps);
   int32_t number = 0;
   ASSERT_TRUE(AddItem(kWarehouse, ItemRules{}, number));
@@ -536,13 +503,12 @@ TEST_F(ItemsTest, TheAddFormRefusesBadInputAndHonoursRights) {
   // Without them the purchase price is passed by with the message, and stays 0.
   LogIn({});
   steps = form("592", "", "7", "");
-  steps[0] = Keys("SER2", {keys::kEnter});
-  steps[9] = Keys("", {keys::kEnter});  // the message box takes this Enter
+  steps[0] = Keys("SER2", {kEnter});
+  steps[9] = Keys("", {kEnter});  // the message box takes this Enter
   Play(steps);
   ASSERT_TRUE(AddItem(kWarehouse, ItemRules{}, number));
   EXPECT_TRUE(Shown("Nie masz praw do edycji cen."_mz));
   EXPECT_EQ(Scalar("SELECT cena_z_n FROM dane_kat_tow_ WHERE nr_wewn=" + std::to_string(number)), "0.0000000");
-  ClearCurrentUser();
 }
 
 TEST_F(ItemsTest, TheListDeletesFindsByAnyFieldAndChangesItsView) {
@@ -559,18 +525,18 @@ TEST_F(ItemsTest, TheListDeletesFindsByAnyFieldAndChangesItsView) {
   EXPECT_EQ(Scalar("SELECT count(*) FROM dane_kat_tow_"), "2");
   LogIn({}, true);
   // F7: search by column 12 (miejsce_w_magazynie) for R12; F6 then "tylko z ilością niezerową" hides SER.
-  Play({Keys("", {keys::F(7)}), Keys("", {keys::kDown, keys::kDown, keys::kDown, keys::kDown, keys::kDown, keys::kDown,
-        keys::kDown, keys::kDown, keys::kDown, keys::kDown, keys::kDown, keys::kEnter}), Keys("R12", {keys::kEnter}),
-        Keys("", {keys::F(6)}), Keys("1"), Keys("", {keys::kDel}), Keys("", {keys::kEnter}), Keys("T")});
+  std::vector<KeyPair> toPlace = Repeat(keys::kDown, 11);
+  toPlace.push_back(kEnter);
+  Play({Keys("", {keys::F(7)}), {toPlace}, Keys("R12", {kEnter}), Keys("", {keys::F(6)}), Keys("1"),
+        Keys("", {keys::kDel}), Keys("", {kEnter}), Keys("T")});
   ItemCatalogue(kWarehouse);
   EXPECT_TRUE(Shown("Wybierz, według jakiego pola szukać:"_mz));
   EXPECT_TRUE(Shown("Podaj pełną wartość pola:"_mz));
   EXPECT_TRUE(Shown("Na towarze przeprowadzano obroty."_mz));
-  const std::string last = gScreens.back();
+  const std::string last = LastScreen();
   EXPECT_NE(last.find(" BULKA"), std::string::npos);
   EXPECT_EQ(last.find(" SER"), std::string::npos);
   EXPECT_EQ(Scalar("SELECT count(*) FROM dane_kat_tow_"), "2");
-  ClearCurrentUser();
 }
 
 }  // namespace
