@@ -20,6 +20,7 @@ namespace {
 
 const TableDef kUserRowsDef{kKatTowDef.columns.first(24), 0, {}, {}};
 const ShortText kRange = "Przekroczenie zakresu argumentu."_mz;
+const ShortText kSame = "Znaleziono identyczną daną - dopisanie nie ma sensu."_mz;
 const ShortText kClash =
     "Nie można dokonać korekty w głównym katalogu towarów.@Zapewne istnieje pozycja o takich cechach, jakie aktualnie@nadano zmienianej. Zmiany nie zostaną wprowadzone."_mz;
 
@@ -157,8 +158,8 @@ TEST_F(ItemChangeTest, BadInputIsRefusedWithTheSystemsMessageAndWritesNothing) {
       {"new item, price too large", add(Coded("SER", "", kHuge), 1), kRange},
       {"new item, quantity too large", add(Coded("SER", "", 5), kHuge), kRange},
       {"new item, quantity not a number", add(Coded("SER", "", 5), nan), kRange},
-      {"new item, code that exists", add(Coded("SER", "590001", 5), 1),
-       "Znaleziono identyczną daną - dopisanie nie ma sensu."_mz},
+      {"new item, code that exists", add(Coded("SER", "590001", 5), 1), kSame},
+      {"new item, the features of another at other prices", add(Item("MLEKO", "23", 99, 99), 0), kSame},
       {"new item, digit index past the range",
        [&](ShortText& refusal) {
          ItemData item = Coded("SER", "", 5);
