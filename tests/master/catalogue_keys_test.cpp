@@ -154,14 +154,6 @@ TEST_F(CatalogueKeys, F7LinksAWarehouseAndStoresMarks) {
   EXPECT_TRUE(Shown("Podaj, czy dodawać stan tego magazynu do widocznego w opcji `Wprowadzanie\":"_mz));
 }
 
-// The catalogues menu's fourth row deletes the customers no document names.
-TEST_F(CatalogueKeys, MenuRowDeletesCustomersWithoutTurnover) {
-  Play({{{KeyOfByte('4')}}, {{kYes}}, {{kYes}}, {{kNo}}});
-  ContractorCataloguesMenu();
-  EXPECT_TRUE(Shown("Czy na pewno chcesz skasować odbiorców, z którymi nie ma obrotów ?"_mz));
-  EXPECT_EQ(Rows(ContractorKind::kCustomer), "");
-}
-
 // F5 of a dictionary prints its rows.
 TEST_F(CatalogueKeys, DictionaryPrint) {
   const ShortText path("dane\\pola_ind\\komentar");

@@ -45,15 +45,17 @@ TEST_F(ContractorScreens, SearchByAFragmentOfTheNameGoesOnAndEnds) {
 
 const KeyPair kBackspace = keys::kBackspace;
 
-// Bad input in the form and the list: each case plays keys from the list of
-// customers and expects a message and the rows as they end.
-TEST_F(ContractorScreens, BadInputGetsTheSystemsMessageAndLosesNothing) {
+// Bad input in the form and the list, and the delete of a customer that a
+// document names: each case plays keys from the list of customers and
+// expects a message and the rows as they end.
+TEST_F(ContractorScreens, TheFormAndTheListAnswerWithTheSystemsMessages) {
   struct Case {
     const char* what;
     std::vector<KeyStep> steps;
     ShortText message;
     std::string rows;
   };
+  const ShortText inUse = "Jeżeli ten odbiorca ma na koncie obroty, to go nie kasuj.@Na pewno kasować ?"_mz;
   const Case cases[] = {
       {"a number out of range",
        {{{keys::kIns}}, {Typed(ShortText("X"), {keys::kUp})}, {Typed(ShortText("-5"), {kEnter})}, {{kEnter}},
@@ -74,7 +76,11 @@ TEST_F(ContractorScreens, BadInputGetsTheSystemsMessageAndLosesNothing) {
       {"a delete by another user than the manager",
        {{{keys::kDel}, [] { ClearCurrentUser(); }}, {{kEnter}}, {{kEsc}}},
        "Kasować może tylko `Kierownik Systemu\" (użytkownik nr 0)."_mz, "1:Kowalski:"},
+      {"a customer in use: warned, no keeps it", {{{keys::kDel}}, {{kNo}}, {{kEsc}}}, inUse, "1:Kowalski:"},
+      {"a customer in use: warned, yes deletes it", {{{keys::kDel}}, {{kYes}}, {{kEsc}}}, inUse, ""},
   };
+  const Contractor w = AddNamed(ContractorKind::kWarehouse, ShortText("Magazyn"));
+  AddHeaders(w.number, "(2, 1, 'X', 1)");
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
     ASSERT_TRUE(Psql("DELETE FROM dane_odbiorcy"));
@@ -86,21 +92,6 @@ TEST_F(ContractorScreens, BadInputGetsTheSystemsMessageAndLosesNothing) {
     EXPECT_EQ(Rows(ContractorKind::kCustomer), c.rows);
     LogInManager();
   }
-}
-
-// A customer named by a document: the delete warns before it asks, and a
-// no keeps the row.
-TEST_F(ContractorScreens, DeleteOfACustomerInUseWarnsAndNoKeepsIt) {
-  AddCustomers({ShortText("Kowalski")});
-  const Contractor w = AddNamed(ContractorKind::kWarehouse, ShortText("Magazyn"));
-  AddHeaders(w.number, "(2, 1, 'X', 1)");
-  Play({{{keys::kDel}}, {{kNo}}, {{kEsc}}});
-  ContractorCatalogue(ContractorKind::kCustomer);
-  EXPECT_TRUE(Shown("Jeżeli ten odbiorca ma na koncie obroty, to go nie kasuj.@Na pewno kasować ?"_mz));
-  EXPECT_EQ(Rows(ContractorKind::kCustomer), "1:Kowalski:");
-  Play({{{keys::kDel}}, {{kYes}}, {{kEsc}}});
-  ContractorCatalogue(ContractorKind::kCustomer);
-  EXPECT_EQ(Rows(ContractorKind::kCustomer), "");
 }
 
 // Another process holds the catalogue's lock while it changes the
