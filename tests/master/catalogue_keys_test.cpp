@@ -3,11 +3,7 @@
 // byte for byte against the text built here from the test's own rows.
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <filesystem>
-#include <fstream>
-#include <sstream>
-
+#include "base/file_fixture.h"
 #include "contractors_fixture.h"
 #include "master/catalogue_print.h"
 #include "master/contractor_screens.h"
@@ -18,16 +14,9 @@
 
 namespace {
 
-namespace fs = std::filesystem;
+using file_test::ReadBytes;
 using keys::kEnter;
 using keys::kEsc;
-
-std::string FileBytes(const fs::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::ostringstream all;
-  all << in.rdbuf();
-  return all.str();
-}
 
 // The destination "do pliku do wydruku", the name typed over the proposal, Mazovia.
 std::vector<KeyStep> ToFile(const char* name) {
@@ -105,7 +94,7 @@ TEST_F(CatalogueKeys, PrintOfTheCatalogueToAFile) {
     ContractorCatalogue(ContractorKind::kCustomer);
     std::vector<Row> expected;
     for (int i : c.rows) expected.push_back(rows_[static_cast<std::size_t>(i)]);
-    EXPECT_EQ(FileBytes("kat.txt"), Expected(expected)) << c.what;
+    EXPECT_EQ(ReadBytes("kat.txt"), Expected(expected)) << c.what;
     EXPECT_TRUE(Shown("Czy chcesz ograniczyć zestawienie do odbiorców z wybranych miast ?"_mz)) << c.what;
     EXPECT_TRUE(Shown("Posortować wydruk według:"_mz)) << c.what;
   }
@@ -133,11 +122,11 @@ TEST_F(CatalogueKeys, CtrlF3KeepsTheNoteAndTheWarehousesPrintingData) {
     Play({{{KeyPair{0, 96}}}, {Typed(ShortText("pilne"), {keys::F(10)})}, {{kEsc}}});
     ContractorCatalogue(c.kind);
     EXPECT_TRUE(Shown(c.title));
-    EXPECT_EQ(FileBytes(PathToUnix(c.path).Str()), "pilne\n");
+    EXPECT_EQ(ReadBytes(PathToUnix(c.path).Str()), "pilne\n");
   }
   Play({{{kYes}}});
   ASSERT_TRUE(DeleteContractor(ContractorKind::kCustomer, 4));
-  EXPECT_FALSE(fs::exists(PathToUnix(cases[0].path).Str()));
+  EXPECT_FALSE(file_test::Exists(PathToUnix(cases[0].path).Str()));
 }
 
 // F7: a customer linked to a chosen warehouse; in the warehouses, the marks stored.
@@ -149,7 +138,7 @@ TEST_F(CatalogueKeys, F7LinksAWarehouseAndStoresMarks) {
   Play({{{keys::F(7)}}, {{KeyOfByte(' '), keys::kDown, KeyOfByte(' '), kEnter}}, {{kEsc}}});
   ContractorCatalogue(ContractorKind::kWarehouse);
   EXPECT_EQ(ReadMergedWarehouses(), (std::vector<int32_t>{10, 20}));
-  std::ofstream(PathToUnix(MergedWarehousesPath()).Str()) << "7\nx\n-3\n12abc\n7\n2147483648\n9\n";
+  file_test::WriteBytes(PathToUnix(MergedWarehousesPath()).Str(), "7\nx\n-3\n12abc\n7\n2147483648\n9\n");
   EXPECT_EQ(ReadMergedWarehouses(), (std::vector<int32_t>{7, 9}));  // bad and repeated lines skipped
   EXPECT_TRUE(Shown("Podaj, czy dodawać stan tego magazynu do widocznego w opcji `Wprowadzanie\":"_mz));
 }
@@ -169,7 +158,7 @@ TEST_F(CatalogueKeys, DictionaryPrint) {
   std::string expected = "Katalog komentarze\r\n\r\n";
   expected += "A1              | pilne zlecenie" + std::string(36, ' ') + " | T\r\n";
   expected += "B2              | zwykle" + std::string(44, ' ') + " | N\r\n";
-  EXPECT_EQ(FileBytes("slow.txt"), expected);
+  EXPECT_EQ(ReadBytes("slow.txt"), expected);
 }
 
 // Pages of 4 lines: the heading and two values each; a full page opens no empty one.

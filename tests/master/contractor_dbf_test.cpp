@@ -2,9 +2,9 @@
 // way of numbering, and a file that is no dBASE file.
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <string>
 
+#include "base/file_fixture.h"
 #include "contractors_fixture.h"
 
 namespace {
@@ -49,10 +49,7 @@ TEST_F(ContractorDbf, ExportAndImportByEachWayOfNumbering) {
               c.discounts);
   }
   // A file that is no dBASE file: a code, nothing added.
-  std::FILE* bad = std::fopen("dane/zly.dbf", "wb");
-  ASSERT_NE(bad, nullptr);
-  std::fputs("not a table", bad);
-  std::fclose(bad);
+  file_test::WriteBytes("dane/zly.dbf", "not a table");
   int64_t added = 0;
   EXPECT_NE(ContractorDbfImport(ContractorKind::kSupplier, ShortText("dane\\zly.dbf"), DbfCodePage::kAsIs,
                                 DbfImportMode::kAllAsNew, added),
