@@ -3,6 +3,8 @@
 // byte for byte against the text built here from the test's own rows.
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 #include "base/file_fixture.h"
 #include "contractors_fixture.h"
 #include "master/catalogue_print.h"
@@ -11,6 +13,7 @@
 #include "master/dictionary_screens.h"
 #include "base/paths.h"
 #include "tui/keyboard.h"
+#include "users/users.h"
 
 namespace {
 
@@ -143,22 +146,32 @@ TEST_F(CatalogueKeys, F7LinksAWarehouseAndStoresMarks) {
   EXPECT_TRUE(Shown("Podaj, czy dodawać stan tego magazynu do widocznego w opcji `Wprowadzanie\":"_mz));
 }
 
-// F5 of a dictionary prints its rows.
-TEST_F(CatalogueKeys, DictionaryPrint) {
+// F5 of a dictionary prints its rows; F6 takes them out to its dBASE file and
+// back in, where a key on the list stays as it is.
+TEST_F(CatalogueKeys, DictionaryPrintAndDbfExchange) {
   const ShortText path("dane\\pola_ind\\komentar");
+  const std::string rows = "SELECT string_agg(indeks || ':' || opis || ':' || czy_byl_obrot, ',' ORDER BY indeks) "
+                           "FROM dane_pola_ind_komentar";
   ASSERT_EQ(DictionaryEnsure(path), 0);
-  ASSERT_EQ(DictionaryAdd(path, {ShortText("A1"), "pilne zlecenie"_mz, ShortText("T")}), DictionaryOutcome::kDone);
+  std::filesystem::create_directories(PathToUnix(UserDirectory(0)).Str());
+  ASSERT_EQ(DictionaryAdd(path, {ShortText("A1"), "pilne zlecenie żółte"_mz, ShortText("T")}), DictionaryOutcome::kDone);
   ASSERT_EQ(DictionaryAdd(path, {ShortText("B2"), ShortText("zwykle"), ShortText("")}), DictionaryOutcome::kDone);
+  const std::string both = Scalar(rows);
   std::vector<KeyStep> steps{{{keys::F(5)}}};
   for (KeyStep& s : ToFile("slow.txt")) steps.push_back(s);
-  steps.push_back({{kEsc}});
+  steps.insert(steps.end(), {{{keys::F(6)}}, {{KeyOfByte('1')}}, {{kEsc}}});
   Play(steps);
   ShortText unused;
   EXPECT_FALSE(DictionaryList(ShortText("komentarze"), path, false, unused));
   std::string expected = "Katalog komentarze\r\n\r\n";
-  expected += "A1              | pilne zlecenie" + std::string(36, ' ') + " | T\r\n";
+  expected += "A1              | " + "pilne zlecenie żółte"_mz.Str() + std::string(30, ' ') + " | T\r\n";
   expected += "B2              | zwykle" + std::string(44, ' ') + " | N\r\n";
   EXPECT_EQ(ReadBytes("slow.txt"), expected);
+  ASSERT_TRUE(Psql("DELETE FROM dane_pola_ind_komentar WHERE indeks = 'A1'"));
+  ASSERT_TRUE(Psql("UPDATE dane_pola_ind_komentar SET opis = 'zmienione'"));
+  Play({{{keys::F(6)}}, {{KeyOfByte('2')}}, {{KeyOfByte('1')}}, {{kEsc}}});
+  EXPECT_FALSE(DictionaryList(ShortText("komentarze"), path, false, unused));
+  EXPECT_EQ(Scalar(rows), both.substr(0, both.find(',')) + ",B2:zmienione:N");
 }
 
 // Pages of 4 lines: the heading and two values each; a full page opens no empty one.

@@ -1,18 +1,14 @@
 // Rules of the catalogues' screens by keys on the real server: the VAT flag
 // of a contractor with turnover, what a place of the program allows in a
-// dictionary, the list of a large dictionary and its dBASE exchange.
+// dictionary, and the list of a large dictionary.
 #include <gtest/gtest.h>
 
-#include <filesystem>
-
-#include "base/paths.h"
 #include "base/text.h"
 #include "contractors_fixture.h"
 #include "master/contractor_screens.h"
 #include "master/dictionaries.h"
 #include "master/dictionary_screens.h"
 #include "master/tables.h"
-#include "users/users.h"
 #include "tui/keyboard.h"
 
 namespace {
@@ -93,26 +89,6 @@ TEST_F(CatalogueRules, CopyListChoosesTheRoutineBySize) {
     EXPECT_EQ(TrimRightAll(value, ' ').Str(), c.chosen);
     EXPECT_EQ(Shown(start), c.startAsked);
   }
-}
-
-// F6 of a dictionary: out to its dBASE file and back in; a key on the list stays as it is.
-TEST_F(CatalogueRules, DictionaryGoesOutToDbfAndComesBack) {
-  ASSERT_EQ(DictionaryEnsure(kKomentarze), 0);
-  std::filesystem::create_directories(PathToUnix(UserDirectory(0)).Str());
-  ASSERT_EQ(DictionaryAdd(kKomentarze, {ShortText("A1"), "pilne zlecenie żółte"_mz, ShortText("T")}), DictionaryOutcome::kDone);
-  ASSERT_EQ(DictionaryAdd(kKomentarze, {ShortText("B2"), ShortText("zwykle"), ShortText("N")}), DictionaryOutcome::kDone);
-  const std::string both = Scalar("SELECT string_agg(indeks || ':' || opis || ':' || czy_byl_obrot, ',' ORDER BY indeks) "
-                                  "FROM dane_pola_ind_komentar");
-  ShortText value;
-  Play({{{keys::F(6)}}, {{KeyOfByte('1')}}, {{kEsc}}});
-  EXPECT_FALSE(DictionaryList(ShortText("komentarze"), kKomentarze, false, value));
-  ASSERT_TRUE(Psql("DELETE FROM dane_pola_ind_komentar WHERE indeks = 'A1'"));
-  ASSERT_TRUE(Psql("UPDATE dane_pola_ind_komentar SET opis = 'zmienione'"));
-  Play({{{keys::F(6)}}, {{KeyOfByte('2')}}, {{KeyOfByte('1')}}, {{kEsc}}});
-  EXPECT_FALSE(DictionaryList(ShortText("komentarze"), kKomentarze, false, value));
-  EXPECT_EQ(Scalar("SELECT string_agg(indeks || ':' || opis || ':' || czy_byl_obrot, ',' ORDER BY indeks) "
-                   "FROM dane_pola_ind_komentar"),
-            both.substr(0, both.find(',')) + ",B2:zmienione:N");
 }
 
 }  // namespace

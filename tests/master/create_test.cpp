@@ -4,7 +4,6 @@
 #include <map>
 #include <sstream>
 #include <string>
-#include <vector>
 
 #include "master/tables.h"
 #include "sqltable/sqltest.h"

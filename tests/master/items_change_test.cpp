@@ -2,7 +2,8 @@
 // bad input to the catalogue's writing functions: each refused with the
 // system's message and nothing written, an item deleted meanwhile by
 // another process (psql) included.
-#include <cmath>
+#include <algorithm>
+#include <cstdio>
 #include <functional>
 #include <limits>
 #include <string>
