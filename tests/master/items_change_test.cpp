@@ -22,8 +22,6 @@ namespace {
 const TableDef kUserRowsDef{kKatTowDef.columns.first(24), 0, {}, {}};
 const ShortText kRange = "Przekroczenie zakresu argumentu."_mz;
 const ShortText kSame = "Znaleziono identyczną daną - dopisanie nie ma sensu."_mz;
-const ShortText kClash =
-    "Nie można dokonać korekty w głównym katalogu towarów.@Zapewne istnieje pozycja o takich cechach, jakie aktualnie@nadano zmienianej. Zmiany nie zostaną wprowadzone."_mz;
 
 // An item without purchase prices under its character index.
 ItemData Coded(const char* name, const char* code, Real saleNet) {

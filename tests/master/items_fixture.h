@@ -7,12 +7,16 @@
 
 #include <string>
 
+#include "base/mazovia.h"
 #include "contractors_fixture.h"
 #include "master/items.h"
 #include "master/tables.h"
 #include "sqltable/pgconn.h"
 
 constexpr int32_t kWarehouse = 1;
+// The refusal of a change that would repeat another item's key or character index.
+inline const ShortText kClash =
+    "Nie można dokonać korekty w głównym katalogu towarów.@Zapewne istnieje pozycja o takich cechach, jakie aktualnie@nadano zmienianej. Zmiany nie zostaną wprowadzone."_mz;
 
 inline ItemData Item(const ShortText& name, const char* vat = "23", Real buyNet = 10, Real saleNet = 15) {
   ItemData item;

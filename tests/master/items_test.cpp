@@ -146,9 +146,14 @@ TEST_F(ItemsTest, StockIsTheOpeningPlusEveryChange) {
   EXPECT_EQ(Scalar("SELECT csn FROM dane_2_stany_mg WHERE nr_wewn=" + std::to_string(number)), "15.0000000");
 }
 
-TEST_F(ItemsTest, ActivityDiscountLockAndPriceScopes) {
+// Sale prices, purchase prices and edits of an item: each goes where its scope
+// says; a clash with another item's key or character index writes nothing.
+TEST_F(ItemsTest, ChangesGoWhereTheirScopeSaysAndAClashWritesNothing) {
   const int32_t a = AddItemRow(Item("KAWA"), 1);
   const int32_t b = AddItemRow(Item("KAWA", "8"), 1);
+  ItemData other = Item("HERBATA");
+  other.code = "590111";
+  AddItemRow(other, 1);
   const std::string n = std::to_string(a);
   ASSERT_EQ(SetItemActive(a, false), 0);
   EXPECT_EQ(Scalar("SELECT ilosc IS NULL FROM dane_kat_tow_ WHERE nr_wewn=" + n), "t");
@@ -156,41 +161,81 @@ TEST_F(ItemsTest, ActivityDiscountLockAndPriceScopes) {
   EXPECT_EQ(Scalar("SELECT ilosc FROM dane_kat_tow_ WHERE nr_wewn=" + n), "0.0000000");
   ASSERT_EQ(SetItemDiscountLock(a, 1), 0);
   EXPECT_EQ(Scalar("SELECT blok_rab FROM dane_kat_tow_ WHERE nr_wewn=" + n), "1");
-
   ShortText refusal;
-  ASSERT_EQ(StockChange(2, a, 1, refusal), 0);
+  ASSERT_EQ(StockChange(2, a, 3, refusal), 0);
+  AddLine(2, a);
+  // The catalogue's "name/vat/purchase net/sale gross/sale net", the sale gross of warehouses 1 and 2, the line's VAT.
+  auto state = [&n] {
+    return Scalar("SELECT nazwa||'/'||vat||'/'||cena_z_n||'/'||cena_s_b||'/'||round(cena_s_n,2) FROM dane_kat_tow_ "
+                  "WHERE nr_wewn=" + n) + " " +
+           Scalar("SELECT csb FROM dane_1_stany_mg WHERE nr_wewn=" + n) + " " +
+           Scalar("SELECT csb FROM dane_2_stany_mg WHERE nr_wewn=" + n) + " " +
+           Scalar("SELECT vat FROM dane_2_specyfik WHERE nr_towaru=" + n);
+  };
+  bool found = false;
+  std::vector<std::string> walked;
+  auto price = [&](Real gross, ItemPriceScope scope) {
+    return [&, gross, scope] { return ItemChangeSalePrice(a, gross, scope, kWarehouse, found, refusal); };
+  };
+  auto edit = [&](const char* name, const char* vat, Real gross, ItemPriceScope scope, const char* code = "") {
+    return [&, name, vat, gross, scope, code] {
+      ItemData item;
+      EXPECT_EQ(ItemFindByNumber(a, item, found), 0);
+      item.name = name;
+      item.vat = vat;
+      item.saleGross = gross;
+      item.code = code;
+      return ItemEdit(item, scope, kWarehouse, [&walked](const ShortText& t) { walked.push_back(t.Str()); }, found,
+                      refusal);
+    };
+  };
+  // Purchase prices are part of the key: taking those of the other KAWA with its features is refused.
+  auto otherPrices = [&] {
+    EXPECT_TRUE(Psql("UPDATE dane_kat_tow_ SET vat='23', cena_z_n=3, cena_z_b=4 WHERE nr_wewn=" + std::to_string(b)));
+    ItemData item;
+    EXPECT_EQ(ItemFindByNumber(a, item, found), 0);
+    item.buyNet = 3;
+    item.buyGross = 4;
+    return ItemStorePrices(item, found, refusal);
+  };
+  auto net = [](Real gross) { return std::to_string(static_cast<double>(gross / 1.23L)).substr(0, 5); };
   struct Case {
-    ItemPriceScope scope;
-    Real gross;
-    const char* catalogue;  // cena_s_b afterwards
-    const char* here;       // csb of warehouse 1
-    const char* other;      // csb of warehouse 2
+    const char* what;
+    std::function<int16_t()> change;
+    bool clash;
+    std::string expected;
   };
   const Case cases[] = {
-      {ItemPriceScope::kWarehouse, 24.6L, "18.4500000", "24.6000000", "18.4500000"},
-      {ItemPriceScope::kCatalogueAndWarehouse, 36.9L, "36.9000000", "36.9000000", "18.4500000"},
-      {ItemPriceScope::kEverywhere, 12.3L, "12.3000000", "12.3000000", "12.3000000"},
+      {"price here", price(24.6L, ItemPriceScope::kWarehouse), false,
+       "KAWA/23/10.0000000/18.4500000/15.00 24.6000000 18.4500000 23"},
+      {"price here and in the catalogue", price(36.9L, ItemPriceScope::kCatalogueAndWarehouse), false,
+       "KAWA/23/10.0000000/36.9000000/" + net(36.9L) + " 36.9000000 18.4500000 23"},
+      {"price everywhere", price(12.3L, ItemPriceScope::kEverywhere), false,
+       "KAWA/23/10.0000000/12.3000000/" + net(12.3L) + " 12.3000000 12.3000000 23"},
+      {"purchase prices of the other KAWA", otherPrices, true,
+       "KAWA/23/10.0000000/12.3000000/" + net(12.3L) + " 12.3000000 12.3000000 23"},
+      {"edit here", edit("KAWA", "23", 20, ItemPriceScope::kWarehouse), false,
+       "KAWA/23/10.0000000/12.3000000/" + net(12.3L) + " 20.0000000 12.3000000 23"},
+      {"edit here and in the catalogue", edit("KAWA2", "8", 21, ItemPriceScope::kCatalogueAndWarehouse), false,
+       "KAWA2/8/10.0000000/21.0000000/" + net(12.3L) + " 21.0000000 12.3000000 8"},
+      {"edit everywhere", edit("KAWA2", "8", 22, ItemPriceScope::kEverywhere), false,
+       "KAWA2/8/10.0000000/22.0000000/" + net(12.3L) + " 22.0000000 22.0000000 8"},
+      {"the other item's character index", edit("KAWA3", "5", 30, ItemPriceScope::kEverywhere, "590111"), true,
+       "KAWA2/8/10.0000000/22.0000000/" + net(12.3L) + " 22.0000000 22.0000000 8"},
   };
   for (const Case& c : cases) {
-    bool found = false;
-    ASSERT_EQ(ItemChangeSalePrice(a, c.gross, c.scope, kWarehouse, found, refusal), 0);
-    EXPECT_TRUE(found && refusal.Empty());
-    EXPECT_EQ(Scalar("SELECT cena_s_b||'/'||round(cena_s_n,2) FROM dane_kat_tow_ WHERE nr_wewn=" + n),
-              std::string(c.catalogue) + "/" + (c.scope == ItemPriceScope::kWarehouse ? "15.00" : 
-              std::to_string(static_cast<double>(c.gross / 1.23L)).substr(0, 5)));
-    EXPECT_EQ(Scalar("SELECT csb FROM dane_1_stany_mg WHERE nr_wewn=" + n), c.here);
-    EXPECT_EQ(Scalar("SELECT csb FROM dane_2_stany_mg WHERE nr_wewn=" + n), c.other);
+    SCOPED_TRACE(c.what);
+    ASSERT_EQ(c.change(), 0);
+    EXPECT_TRUE(found);
+    EXPECT_EQ(refusal, c.clash ? kClash : ShortText());
+    EXPECT_EQ(state(), c.expected);
   }
-  // Purchase prices are part of the key: taking those of the other KAWA with its features is refused.
-  ASSERT_TRUE(Psql("UPDATE dane_kat_tow_ SET vat='23', cena_z_n=3, cena_z_b=4 WHERE nr_wewn=" + std::to_string(b)));
-  ItemData item;
-  bool found = false;
-  ASSERT_EQ(ItemFindByNumber(a, item, found), 0);
-  item.buyNet = 3;
-  item.buyGross = 4;
-  ASSERT_EQ(ItemStorePrices(item, found, refusal), 0);
-  EXPECT_EQ(refusal.Str().substr(0, 20), std::string("Nie można dokonać korekty"_mz.View()).substr(0, 20));
-  EXPECT_EQ(Scalar("SELECT cena_z_n FROM dane_kat_tow_ WHERE nr_wewn=" + n), "10.0000000");
+  EXPECT_NE(std::find(walked.begin(), walked.end(), "Zmiana specyfikacji operacji towarowych, magazyn nr 2"_mz.Str()),
+            walked.end());
+  ItemData gone = Item("KAWA");
+  gone.number = 999;
+  ASSERT_EQ(ItemEdit(gone, ItemPriceScope::kEverywhere, kWarehouse, nullptr, found, refusal), 0);
+  EXPECT_FALSE(found);
 }
 
 TEST_F(ItemsTest, TheGroupedViewSumsTheFirst320Warehouses) {
@@ -367,59 +412,6 @@ TEST_F(ItemsTest, UnusedItemsAreHiddenAndDigitIndexesPutInOrder) {
   ASSERT_EQ(RepairDigitIndexes(changed, refusal), 0);
   EXPECT_EQ(refusal.Str().substr(0, 28), std::string("Wartość maksymalnego indeksu"_mz.View()));
   EXPECT_EQ(indexes(), before);
-}
-
-TEST_F(ItemsTest, AnEditGoesWhereItsScopeSaysAndAClashWritesNothing) {
-  const int32_t a = AddItemRow(Item("KAWA"), 1);
-  ItemData other = Item("HERBATA");
-  other.code = "590111";
-  AddItemRow(other, 1);
-  ShortText refusal;
-  ASSERT_EQ(StockChange(2, a, 3, refusal), 0);
-  AddLine(2, a);
-  ItemData item;
-  bool found = false;
-  ASSERT_EQ(ItemFindByNumber(a, item, found), 0);
-  const std::string n = std::to_string(a);
-  auto state = [&n] {
-    return Scalar("SELECT nazwa||'/'||vat||'/'||cena_s_b FROM dane_kat_tow_ WHERE nr_wewn=" + n) + " " +
-           Scalar("SELECT csb FROM dane_1_stany_mg WHERE nr_wewn=" + n) + " " +
-           Scalar("SELECT csb FROM dane_2_stany_mg WHERE nr_wewn=" + n) + " " +
-           Scalar("SELECT vat FROM dane_2_specyfik WHERE nr_towaru=" + n);
-  };
-  struct Case {
-    const char* name;
-    const char* vat;
-    Real gross;
-    ItemPriceScope scope;
-    const char* code;
-    const char* expected;
-  };
-  const Case cases[] = {
-      {"KAWA", "23", 20, ItemPriceScope::kWarehouse, "", "KAWA/23/18.4500000 20.0000000 18.4500000 23"},
-      {"KAWA2", "8", 21, ItemPriceScope::kCatalogueAndWarehouse, "", "KAWA2/8/21.0000000 21.0000000 18.4500000 8"},
-      {"KAWA2", "8", 22, ItemPriceScope::kEverywhere, "", "KAWA2/8/22.0000000 22.0000000 22.0000000 8"},
-      // The other item's character index: refused, all as it was.
-      {"KAWA3", "5", 30, ItemPriceScope::kEverywhere, "590111", "KAWA2/8/22.0000000 22.0000000 22.0000000 8"},
-  };
-  std::vector<std::string> walked;
-  for (const Case& c : cases) {
-    item.name = c.name;
-    item.vat = c.vat;
-    item.saleGross = c.gross;
-    item.code = c.code;
-    ASSERT_EQ(ItemEdit(item, c.scope, kWarehouse, [&walked](const ShortText& t) { walked.push_back(t.Str()); }, found,
-                       refusal), 0);
-    EXPECT_TRUE(found);
-    EXPECT_EQ(refusal.Empty(), *c.code == 0) << c.name;
-    EXPECT_EQ(state(), c.expected) << c.name;
-  }
-  EXPECT_NE(std::find(walked.begin(), walked.end(), "Zmiana specyfikacji operacji towarowych, magazyn nr 2"_mz.Str()),
-            walked.end());
-  item.number = 999;
-  item.code = "";
-  ASSERT_EQ(ItemEdit(item, ItemPriceScope::kEverywhere, kWarehouse, nullptr, found, refusal), 0);
-  EXPECT_FALSE(found);
 }
 
 TEST_F(ItemsTest, TheAddFormRefusesBadInputAndHonoursRights) {
