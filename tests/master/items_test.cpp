@@ -352,10 +352,8 @@ TEST_F(ItemsTest, MaintenanceKeepsWhatHasTurnoverOrStock) {
   AddLine(2, sold);
   StockCounts counts;
   ASSERT_EQ(StockCountIn(kWarehouse, counts), 0);
-  EXPECT_EQ(counts.positive, 1);
-  EXPECT_EQ(counts.negative, 1);
-  EXPECT_EQ(counts.zero, 3);
-  EXPECT_EQ(counts.all, 5);
+  EXPECT_EQ(std::vector<long>({counts.positive, counts.negative, counts.zero, counts.all}),
+            std::vector<long>({1, 1, 3, 5}));
 
   struct Case {
     int32_t number;
