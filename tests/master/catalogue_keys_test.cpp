@@ -21,12 +21,15 @@ using file_test::ReadBytes;
 using keys::kEnter;
 using keys::kEsc;
 
-// The destination "do pliku do wydruku", the name typed over the proposal, Mazovia.
-std::vector<KeyStep> ToFile(const char* name) {
-  return {{{KeyOfByte('3')}}, {Typed(ShortText(name), {kEnter}), [] {
-             for (int i = 0; i < 12; ++i) (void)PushKey(keys::kBackspace.ch, keys::kBackspace.scan);
-           }},
-          {{KeyOfByte('1')}}};
+// The steps, then the destination "do pliku do wydruku" with the name typed over
+// the proposal and Mazovia chosen, then the steps after.
+std::vector<KeyStep> ToFile(std::vector<KeyStep> steps, const char* name, const std::vector<KeyStep>& after) {
+  steps.insert(steps.end(), {{{KeyOfByte('3')}}, {Typed(name, {kEnter}), [] {
+                               for (int i = 0; i < 12; ++i) (void)PushKey(keys::kBackspace.ch, keys::kBackspace.scan);
+                             }},
+                             {{KeyOfByte('1')}}});
+  steps.insert(steps.end(), after.begin(), after.end());
+  return steps;
 }
 
 struct Row {
@@ -89,11 +92,9 @@ TEST_F(CatalogueKeys, PrintOfTheCatalogueToAFile) {
        {2}},
   };
   for (const Case& c : cases) {
-    std::vector<KeyStep> steps{{{keys::F(5)}}};
-    steps.insert(steps.end(), c.ask.begin(), c.ask.end());
-    for (KeyStep& s : ToFile("kat.txt")) steps.push_back(s);
-    steps.push_back({{kEsc}});
-    Play(steps);
+    std::vector<KeyStep> ask{{{keys::F(5)}}};
+    ask.insert(ask.end(), c.ask.begin(), c.ask.end());
+    Play(ToFile(ask, "kat.txt", {{{kEsc}}}));
     ContractorCatalogue(ContractorKind::kCustomer);
     std::vector<Row> expected;
     for (int i : c.rows) expected.push_back(rows_[static_cast<std::size_t>(i)]);
@@ -157,10 +158,7 @@ TEST_F(CatalogueKeys, DictionaryPrintAndDbfExchange) {
   ASSERT_EQ(DictionaryAdd(path, {ShortText("A1"), "pilne zlecenie żółte"_mz, ShortText("T")}), DictionaryOutcome::kDone);
   ASSERT_EQ(DictionaryAdd(path, {ShortText("B2"), ShortText("zwykle"), ShortText("")}), DictionaryOutcome::kDone);
   const std::string both = Scalar(rows);
-  std::vector<KeyStep> steps{{{keys::F(5)}}};
-  for (KeyStep& s : ToFile("slow.txt")) steps.push_back(s);
-  steps.insert(steps.end(), {{{keys::F(6)}}, {{KeyOfByte('1')}}, {{kEsc}}});
-  Play(steps);
+  Play(ToFile({{{keys::F(5)}}}, "slow.txt", {{{keys::F(6)}}, {{KeyOfByte('1')}}, {{kEsc}}}));
   ShortText unused;
   EXPECT_FALSE(DictionaryList(ShortText("komentarze"), path, false, unused));
   std::string expected = "Katalog komentarze\r\n\r\n";
