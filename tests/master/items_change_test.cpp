@@ -159,13 +159,6 @@ TEST_F(ItemChangeTest, BadInputIsRefusedWithTheSystemsMessageAndWritesNothing) {
       {"new item, quantity not a number", add(Coded("SER", "", 5), nan), kRange},
       {"new item, code that exists", add(Coded("SER", "590001", 5), 1), kSame},
       {"new item, the features of another at other prices", add(Item("MLEKO", "23", 99, 99), 0), kSame},
-      {"new item, digit index past the range",
-       [&](ShortText& refusal) {
-         ItemData item = Coded("SER", "", 5);
-         item.digitIndex = kDigitIndexMax + 1;
-         return add(item, 1)(refusal);
-       },
-       "Indeks numeryczny musi zawierać się w przedziale [0,999999999999999]."_mz},
       {"edit, code of another item", edit([](ItemData& i) { i.code = "590002"; }), kClash},
       {"edit, key of another item", edit([](ItemData& i) { i.name = "CHLEB"; }), kClash},
       {"edit, price too large", edit([](ItemData& i) { i.saleGross = kHuge; }), kRange},
