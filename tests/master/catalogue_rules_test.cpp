@@ -24,11 +24,7 @@ using CatalogueRules = ContractorsTest;
 TEST_F(CatalogueRules, VatFlagOfAContractorWithTurnoverAsksFirst) {
   ASSERT_EQ(CreateTableFrom(ShortText("dane\\dok_plat"), kDokPlatDef), 0);
   const Contractor w = AddNamed(ContractorKind::kWarehouse, ShortText("Magazyn"));
-  for (const char* name : {"Kupiec", "Nowy"}) {
-    Contractor c = Named(ShortText(name));
-    c[KontrahentCol::czy_podmiot_gosp] = ShortText("T");
-    ASSERT_EQ(ContractorAdd(ContractorKind::kCustomer, c, NumberRange{}), ContractorOutcome::kDone);
-  }
+  for (const char* name : {"Kupiec", "Nowy"}) AddNamed(ContractorKind::kCustomer, ShortText(name));
   AddHeaders(w.number, "(2, 1, 'A', 1)");
   const ShortText question = "Jeżeli z tym kontrahentem był wykonany jakikolwiek obrót, nie należy zmieniać"_mz;
   const struct {
@@ -38,13 +34,13 @@ TEST_F(CatalogueRules, VatFlagOfAContractorWithTurnoverAsksFirst) {
     const char* flag;
   } cases[] = {{1, {kNo}, true, "T"}, {1, {kYes}, true, "N"}, {2, {}, false, "N"}};
   for (const auto& c : cases) {
+    ASSERT_TRUE(Psql("UPDATE dane_odbiorcy SET czy_podmiot_gosp = 'T'"));
     std::vector<KeyPair> keys(5, kEnter);
     keys.push_back(keys::kBackspace);
     Play({{keys}, {Typed(ShortText("N"), {keys::F(10)})}, {c.answer}});
     (void)ChangeContractor(ContractorKind::kCustomer, c.number);
     EXPECT_EQ(Shown(question), c.asked) << c.number;
     EXPECT_EQ(Scalar("SELECT czy_podmiot_gosp FROM dane_odbiorcy WHERE numer = " + std::to_string(c.number)), c.flag);
-    ASSERT_TRUE(Psql("UPDATE dane_odbiorcy SET czy_podmiot_gosp = 'T'"));
   }
 }
 

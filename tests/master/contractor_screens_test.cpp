@@ -23,17 +23,9 @@ const KeyPair kF10 = keys::F(10);
 
 using ContractorScreens = ContractorsTest;
 
-void AddCustomers(std::initializer_list<ShortText> names) {
-  for (const ShortText& name : names) {
-    Contractor c;
-    c[KontrahentCol::nazwa] = name;
-    c[KontrahentCol::czy_podmiot_gosp] = ShortText("T");  // as the form proposes it
-    ASSERT_EQ(ContractorAdd(ContractorKind::kCustomer, c, NumberRange{}), ContractorOutcome::kDone) << name.Str();
-  }
-}
-
 TEST_F(ContractorScreens, SearchByAFragmentOfTheNameGoesOnAndEnds) {
-  AddCustomers({ShortText("Kowalski"), "Zakład Żółć"_mz, ShortText("Nowak"), "Bednarek Żółty"_mz});
+  for (const ShortText& name : {ShortText("Kowalski"), "Zakład Żółć"_mz, ShortText("Nowak"), "Bednarek Żółty"_mz})
+    AddNamed(ContractorKind::kCustomer, name);
   Play({{{kCtrlR}}, {Typed("żół"_mz, {kEnter})}, {{kYes}}, {{kYes}}, {{kEnter}}, {{kEsc}}});
   ContractorCatalogue(ContractorKind::kCustomer);
   EXPECT_TRUE(Shown("Wybierz żądanego odbiorcy:"_mz));
@@ -84,8 +76,8 @@ TEST_F(ContractorScreens, TheFormAndTheListAnswerWithTheSystemsMessages) {
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
     ASSERT_TRUE(Psql("DELETE FROM dane_odbiorcy"));
-    AddCustomers({ShortText("Kowalski")});
-    ASSERT_TRUE(Psql("UPDATE dane_odbiorcy SET numer = 1"));
+    AddNamed(ContractorKind::kCustomer, ShortText("Kowalski"), 1);
+    ASSERT_TRUE(Psql("UPDATE dane_odbiorcy SET czy_podmiot_gosp = 'T'"));  // as the form proposes it
     Play(c.steps);
     ContractorCatalogue(ContractorKind::kCustomer);
     EXPECT_TRUE(Shown(c.message));
@@ -97,7 +89,7 @@ TEST_F(ContractorScreens, TheFormAndTheListAnswerWithTheSystemsMessages) {
 // Another process holds the catalogue's lock while it changes the
 // telephones; our change of the name waits for it, and both survive.
 TEST_F(ContractorScreens, TwoProcessesEditingOneContractorLoseNothing) {
-  AddCustomers({ShortText("Kowalski")});
+  AddNamed(ContractorKind::kCustomer, ShortText("Kowalski"));
   int ready[2];
   ASSERT_EQ(pipe(ready), 0);
   pid_t child = -1;
