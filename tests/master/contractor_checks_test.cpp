@@ -10,7 +10,7 @@
 #include "contractors_fixture.h"
 #include "master/contractor_screens.h"
 #include "master/tables.h"
-#include "sqltable/pglib.h"
+#include "sqltable/pgtable.h"
 #include "users/users.h"
 #include "tui/keyboard.h"
 

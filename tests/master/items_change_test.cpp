@@ -13,7 +13,6 @@
 #include "items_fixture.h"
 #include "master/items.h"
 #include "master/tables.h"
-#include "sqltable/pglib.h"
 #include "sqltable/sqltest.h"
 #include "users/users.h"
 

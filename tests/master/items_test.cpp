@@ -10,7 +10,7 @@
 
 #include "base/mazovia.h"
 #include "items_fixture.h"
-#include "sqltable/pglib.h"
+#include "sqltable/pgconn.h"
 #include "tui/keyboard.h"
 #include "users/users.h"
 
