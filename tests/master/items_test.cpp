@@ -249,10 +249,9 @@ TEST_F(ItemsTest, TheGroupedViewSumsTheFirst320Warehouses) {
   EXPECT_EQ(Own("SELECT ilosc FROM tmp_view_stanyx WHERE nr_wewn=" + std::to_string(a)), "51.0000000");
   EXPECT_EQ(Own("SELECT ilosc FROM tmp_view_stanyx WHERE nr_wewn=" + std::to_string(b)), "0.0000000");
   // Warehouses 4..321 exist only with their stock lists; the 321st is left out.
-  for (int32_t w = 4; w <= 321; ++w) {
-    ASSERT_EQ(CreateTableFrom(WarehouseTablePath(w, "stany_mg"), kStanyMgDef), 0);
-    ASSERT_TRUE(Psql("INSERT INTO dane_magazyny (nazwa,nazwa_inne,numer,czy_podmiot_gosp) VALUES ('M',''," + std::to_string(w) + ",'Z')"));
-  }
+  for (int32_t w = 4; w <= 321; ++w) ASSERT_EQ(CreateTableFrom(WarehouseTablePath(w, "stany_mg"), kStanyMgDef), 0);
+  ASSERT_TRUE(Psql("INSERT INTO dane_magazyny (nazwa,nazwa_inne,numer,czy_podmiot_gosp) "
+                   "SELECT 'M', '', g, 'Z' FROM generate_series(4, 321) g"));
   for (int32_t w : {320, 321}) ASSERT_EQ(StockChange(w, a, 1000 * (w - 319), refusal), 0);
   ASSERT_EQ(BuildStockView(spanned), 0);
   EXPECT_EQ(spanned, 320);
