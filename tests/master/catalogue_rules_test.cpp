@@ -35,9 +35,7 @@ TEST_F(CatalogueRules, VatFlagOfAContractorWithTurnoverAsksFirst) {
   } cases[] = {{1, {kNo}, true, "T"}, {1, {kYes}, true, "N"}, {2, {}, false, "N"}};
   for (const auto& c : cases) {
     ASSERT_TRUE(Psql("UPDATE dane_odbiorcy SET czy_podmiot_gosp = 'T'"));
-    std::vector<KeyPair> keys(5, kEnter);
-    keys.push_back(keys::kBackspace);
-    Play({{keys}, {Typed(ShortText("N"), {keys::F(10)})}, {c.answer}});
+    Play({{Repeat(kEnter, 5)}, {{keys::kBackspace}}, {Typed("N", {keys::F(10)})}, {c.answer}});
     (void)ChangeContractor(ContractorKind::kCustomer, c.number);
     EXPECT_EQ(Shown(question), c.asked) << c.number;
     EXPECT_EQ(Scalar("SELECT czy_podmiot_gosp FROM dane_odbiorcy WHERE numer = " + std::to_string(c.number)), c.flag);
