@@ -3,11 +3,9 @@
 // byte for byte against the text built here from the test's own rows.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 
+#include "base/file_fixture.h"
 #include "contractors_fixture.h"
 #include "master/catalogue_print.h"
 #include "master/contractor_screens.h"
@@ -15,26 +13,23 @@
 #include "master/dictionary_screens.h"
 #include "base/paths.h"
 #include "tui/keyboard.h"
+#include "users/users.h"
 
 namespace {
 
-namespace fs = std::filesystem;
+using file_test::ReadBytes;
 using keys::kEnter;
 using keys::kEsc;
 
-std::string FileBytes(const fs::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::ostringstream all;
-  all << in.rdbuf();
-  return all.str();
-}
-
-// The destination "do pliku do wydruku", the name typed over the proposal, Mazovia.
-std::vector<KeyStep> ToFile(const char* name) {
-  return {{{KeyOfByte('3')}}, {Typed(ShortText(name), {kEnter}), [] {
-             for (int i = 0; i < 12; ++i) (void)PushKey(keys::kBackspace.ch, keys::kBackspace.scan);
-           }},
-          {{KeyOfByte('1')}}};
+// The steps, then the destination "do pliku do wydruku" with the name typed over
+// the proposal and Mazovia chosen, then the steps after.
+std::vector<KeyStep> ToFile(std::vector<KeyStep> steps, const char* name, const std::vector<KeyStep>& after) {
+  steps.insert(steps.end(), {{{KeyOfByte('3')}}, {Typed(name, {kEnter}), [] {
+                               for (int i = 0; i < 12; ++i) (void)PushKey(keys::kBackspace.ch, keys::kBackspace.scan);
+                             }},
+                             {{KeyOfByte('1')}}});
+  steps.insert(steps.end(), after.begin(), after.end());
+  return steps;
 }
 
 struct Row {
@@ -97,26 +92,16 @@ TEST_F(CatalogueKeys, PrintOfTheCatalogueToAFile) {
        {2}},
   };
   for (const Case& c : cases) {
-    std::vector<KeyStep> steps{{{keys::F(5)}}};
-    steps.insert(steps.end(), c.ask.begin(), c.ask.end());
-    for (KeyStep& s : ToFile("kat.txt")) steps.push_back(s);
-    steps.push_back({{kEsc}});
-    Play(steps);
+    std::vector<KeyStep> ask{{{keys::F(5)}}};
+    ask.insert(ask.end(), c.ask.begin(), c.ask.end());
+    Play(ToFile(ask, "kat.txt", {{{kEsc}}}));
     ContractorCatalogue(ContractorKind::kCustomer);
     std::vector<Row> expected;
     for (int i : c.rows) expected.push_back(rows_[static_cast<std::size_t>(i)]);
-    EXPECT_EQ(FileBytes("kat.txt"), Expected(expected)) << c.what;
+    EXPECT_EQ(ReadBytes("kat.txt"), Expected(expected)) << c.what;
     EXPECT_TRUE(Shown("Czy chcesz ograniczyć zestawienie do odbiorców z wybranych miast ?"_mz)) << c.what;
     EXPECT_TRUE(Shown("Posortować wydruk według:"_mz)) << c.what;
   }
-}
-
-// F2 and F4 without registered functions do nothing; the list goes on, its keys on the bottom row.
-TEST_F(CatalogueKeys, DocumentKeysWithoutFunctionsDoNothing) {
-  Play({{{keys::F(2), keys::F(4), keys::kDown, keys::kDel}}, {{kNo}}, {{kEsc}}});
-  ContractorCatalogue(ContractorKind::kCustomer);
-  EXPECT_TRUE(Shown("Na pewno kasować ?"_mz));  // the Del after them reached the list
-  EXPECT_TRUE(Shown("╫ç-należn. ╫ë-dokumenty ╫è-druk ╫ï-do/z DBF"_mz));
 }
 
 // Ctrl+F3 keeps a customer's note in its file, which goes with the row, and
@@ -133,51 +118,53 @@ TEST_F(CatalogueKeys, CtrlF3KeepsTheNoteAndTheWarehousesPrintingData) {
     Play({{{KeyPair{0, 96}}}, {Typed(ShortText("pilne"), {keys::F(10)})}, {{kEsc}}});
     ContractorCatalogue(c.kind);
     EXPECT_TRUE(Shown(c.title));
-    EXPECT_EQ(FileBytes(PathToUnix(c.path).Str()), "pilne\n");
+    EXPECT_EQ(ReadBytes(PathToUnix(c.path).Str()), "pilne\n");
   }
   Play({{{kYes}}});
   ASSERT_TRUE(DeleteContractor(ContractorKind::kCustomer, 4));
-  EXPECT_FALSE(fs::exists(PathToUnix(cases[0].path).Str()));
+  EXPECT_FALSE(file_test::Exists(PathToUnix(cases[0].path).Str()));
 }
 
-// F7: a customer linked to a chosen warehouse; in the warehouses, the marks stored.
+// F7: a customer linked to a chosen warehouse; in the warehouses, the marks
+// stored. F2 and F4 without registered functions do nothing: the F7 after them
+// still reaches the list, whose keys are on its bottom row.
 TEST_F(CatalogueKeys, F7LinksAWarehouseAndStoresMarks) {
   for (int32_t n : {10, 20}) AddNamed(ContractorKind::kWarehouse, ShortText("Mag " + std::to_string(n)), n, true);
-  Play({{{keys::F(7)}}, {{keys::kDown, kEnter}}, {{kEsc}}});
+  Play({{{keys::F(2), keys::F(4), keys::F(7)}}, {{keys::kDown, kEnter}}, {{kEsc}}});
   ContractorCatalogue(ContractorKind::kCustomer);
+  EXPECT_TRUE(Shown("╫ç-należn. ╫ë-dokumenty ╫è-druk ╫ï-do/z DBF"_mz));
   EXPECT_EQ(Scalar("SELECT string_agg(nr_kon || '>' || nr_mag, ',') FROM dane_odb_mag_"), "4>20");
   Play({{{keys::F(7)}}, {{KeyOfByte(' '), keys::kDown, KeyOfByte(' '), kEnter}}, {{kEsc}}});
   ContractorCatalogue(ContractorKind::kWarehouse);
   EXPECT_EQ(ReadMergedWarehouses(), (std::vector<int32_t>{10, 20}));
-  std::ofstream(PathToUnix(MergedWarehousesPath()).Str()) << "7\nx\n-3\n12abc\n7\n2147483648\n9\n";
+  file_test::WriteBytes(PathToUnix(MergedWarehousesPath()).Str(), "7\nx\n-3\n12abc\n7\n2147483648\n9\n");
   EXPECT_EQ(ReadMergedWarehouses(), (std::vector<int32_t>{7, 9}));  // bad and repeated lines skipped
   EXPECT_TRUE(Shown("Podaj, czy dodawać stan tego magazynu do widocznego w opcji `Wprowadzanie\":"_mz));
 }
 
-// The catalogues menu's fourth row deletes the customers no document names.
-TEST_F(CatalogueKeys, MenuRowDeletesCustomersWithoutTurnover) {
-  Play({{{KeyOfByte('4')}}, {{kYes}}, {{kYes}}, {{kNo}}});
-  ContractorCataloguesMenu();
-  EXPECT_TRUE(Shown("Czy na pewno chcesz skasować odbiorców, z którymi nie ma obrotów ?"_mz));
-  EXPECT_EQ(Rows(ContractorKind::kCustomer), "");
-}
-
-// F5 of a dictionary prints its rows.
-TEST_F(CatalogueKeys, DictionaryPrint) {
+// F5 of a dictionary prints its rows; F6 takes them out to its dBASE file and
+// back in, where a key on the list stays as it is.
+TEST_F(CatalogueKeys, DictionaryPrintAndDbfExchange) {
   const ShortText path("dane\\pola_ind\\komentar");
+  const std::string rows = "SELECT string_agg(indeks || ':' || opis || ':' || czy_byl_obrot, ',' ORDER BY indeks) "
+                           "FROM dane_pola_ind_komentar";
   ASSERT_EQ(DictionaryEnsure(path), 0);
-  ASSERT_EQ(DictionaryAdd(path, {ShortText("A1"), "pilne zlecenie"_mz, ShortText("T")}), DictionaryOutcome::kDone);
+  std::filesystem::create_directories(PathToUnix(UserDirectory(0)).Str());
+  ASSERT_EQ(DictionaryAdd(path, {ShortText("A1"), "pilne zlecenie żółte"_mz, ShortText("T")}), DictionaryOutcome::kDone);
   ASSERT_EQ(DictionaryAdd(path, {ShortText("B2"), ShortText("zwykle"), ShortText("")}), DictionaryOutcome::kDone);
-  std::vector<KeyStep> steps{{{keys::F(5)}}};
-  for (KeyStep& s : ToFile("slow.txt")) steps.push_back(s);
-  steps.push_back({{kEsc}});
-  Play(steps);
+  const std::string both = Scalar(rows);
+  Play(ToFile({{{keys::F(5)}}}, "slow.txt", {{{keys::F(6)}}, {{KeyOfByte('1')}}, {{kEsc}}}));
   ShortText unused;
   EXPECT_FALSE(DictionaryList(ShortText("komentarze"), path, false, unused));
   std::string expected = "Katalog komentarze\r\n\r\n";
-  expected += "A1              | pilne zlecenie" + std::string(36, ' ') + " | T\r\n";
+  expected += "A1              | " + "pilne zlecenie żółte"_mz.Str() + std::string(30, ' ') + " | T\r\n";
   expected += "B2              | zwykle" + std::string(44, ' ') + " | N\r\n";
-  EXPECT_EQ(FileBytes("slow.txt"), expected);
+  EXPECT_EQ(ReadBytes("slow.txt"), expected);
+  ASSERT_TRUE(Psql("DELETE FROM dane_pola_ind_komentar WHERE indeks = 'A1'"));
+  ASSERT_TRUE(Psql("UPDATE dane_pola_ind_komentar SET opis = 'zmienione'"));
+  Play({{{keys::F(6)}}, {{KeyOfByte('2')}}, {{KeyOfByte('1')}}, {{kEsc}}});
+  EXPECT_FALSE(DictionaryList(ShortText("komentarze"), path, false, unused));
+  EXPECT_EQ(Scalar(rows), both.substr(0, both.find(',')) + ",B2:zmienione:N");
 }
 
 // Pages of 4 lines: the heading and two values each; a full page opens no empty one.

@@ -1,18 +1,14 @@
 // Rules of the catalogues' screens by keys on the real server: the VAT flag
 // of a contractor with turnover, what a place of the program allows in a
-// dictionary, the list of a large dictionary and its dBASE exchange.
+// dictionary, and the list of a large dictionary.
 #include <gtest/gtest.h>
 
-#include <filesystem>
-
-#include "base/paths.h"
 #include "base/text.h"
 #include "contractors_fixture.h"
 #include "master/contractor_screens.h"
 #include "master/dictionaries.h"
 #include "master/dictionary_screens.h"
 #include "master/tables.h"
-#include "users/users.h"
 #include "tui/keyboard.h"
 
 namespace {
@@ -28,11 +24,7 @@ using CatalogueRules = ContractorsTest;
 TEST_F(CatalogueRules, VatFlagOfAContractorWithTurnoverAsksFirst) {
   ASSERT_EQ(CreateTableFrom(ShortText("dane\\dok_plat"), kDokPlatDef), 0);
   const Contractor w = AddNamed(ContractorKind::kWarehouse, ShortText("Magazyn"));
-  for (const char* name : {"Kupiec", "Nowy"}) {
-    Contractor c = Named(ShortText(name));
-    c[KontrahentCol::czy_podmiot_gosp] = ShortText("T");
-    ASSERT_EQ(ContractorAdd(ContractorKind::kCustomer, c, NumberRange{}), ContractorOutcome::kDone);
-  }
+  for (const char* name : {"Kupiec", "Nowy"}) AddNamed(ContractorKind::kCustomer, ShortText(name));
   AddHeaders(w.number, "(2, 1, 'A', 1)");
   const ShortText question = "Jeżeli z tym kontrahentem był wykonany jakikolwiek obrót, nie należy zmieniać"_mz;
   const struct {
@@ -42,13 +34,11 @@ TEST_F(CatalogueRules, VatFlagOfAContractorWithTurnoverAsksFirst) {
     const char* flag;
   } cases[] = {{1, {kNo}, true, "T"}, {1, {kYes}, true, "N"}, {2, {}, false, "N"}};
   for (const auto& c : cases) {
-    std::vector<KeyPair> keys(5, kEnter);
-    keys.push_back(keys::kBackspace);
-    Play({{keys}, {Typed(ShortText("N"), {keys::F(10)})}, {c.answer}});
+    ASSERT_TRUE(Psql("UPDATE dane_odbiorcy SET czy_podmiot_gosp = 'T'"));
+    Play({{Repeat(kEnter, 5)}, {{keys::kBackspace}}, {Typed("N", {keys::F(10)})}, {c.answer}});
     (void)ChangeContractor(ContractorKind::kCustomer, c.number);
     EXPECT_EQ(Shown(question), c.asked) << c.number;
     EXPECT_EQ(Scalar("SELECT czy_podmiot_gosp FROM dane_odbiorcy WHERE numer = " + std::to_string(c.number)), c.flag);
-    ASSERT_TRUE(Psql("UPDATE dane_odbiorcy SET czy_podmiot_gosp = 'T'"));
   }
 }
 
@@ -93,26 +83,6 @@ TEST_F(CatalogueRules, CopyListChoosesTheRoutineBySize) {
     EXPECT_EQ(TrimRightAll(value, ' ').Str(), c.chosen);
     EXPECT_EQ(Shown(start), c.startAsked);
   }
-}
-
-// F6 of a dictionary: out to its dBASE file and back in; a key on the list stays as it is.
-TEST_F(CatalogueRules, DictionaryGoesOutToDbfAndComesBack) {
-  ASSERT_EQ(DictionaryEnsure(kKomentarze), 0);
-  std::filesystem::create_directories(PathToUnix(UserDirectory(0)).Str());
-  ASSERT_EQ(DictionaryAdd(kKomentarze, {ShortText("A1"), "pilne zlecenie żółte"_mz, ShortText("T")}), DictionaryOutcome::kDone);
-  ASSERT_EQ(DictionaryAdd(kKomentarze, {ShortText("B2"), ShortText("zwykle"), ShortText("N")}), DictionaryOutcome::kDone);
-  const std::string both = Scalar("SELECT string_agg(indeks || ':' || opis || ':' || czy_byl_obrot, ',' ORDER BY indeks) "
-                                  "FROM dane_pola_ind_komentar");
-  ShortText value;
-  Play({{{keys::F(6)}}, {{KeyOfByte('1')}}, {{kEsc}}});
-  EXPECT_FALSE(DictionaryList(ShortText("komentarze"), kKomentarze, false, value));
-  ASSERT_TRUE(Psql("DELETE FROM dane_pola_ind_komentar WHERE indeks = 'A1'"));
-  ASSERT_TRUE(Psql("UPDATE dane_pola_ind_komentar SET opis = 'zmienione'"));
-  Play({{{keys::F(6)}}, {{KeyOfByte('2')}}, {{KeyOfByte('1')}}, {{kEsc}}});
-  EXPECT_FALSE(DictionaryList(ShortText("komentarze"), kKomentarze, false, value));
-  EXPECT_EQ(Scalar("SELECT string_agg(indeks || ':' || opis || ':' || czy_byl_obrot, ',' ORDER BY indeks) "
-                   "FROM dane_pola_ind_komentar"),
-            both.substr(0, both.find(',')) + ",B2:zmienione:N");
 }
 
 }  // namespace

@@ -2,9 +2,10 @@
 // way of numbering, and a file that is no dBASE file.
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <string>
+#include <utility>
 
+#include "base/file_fixture.h"
 #include "contractors_fixture.h"
 
 namespace {
@@ -12,16 +13,9 @@ namespace {
 using ContractorDbf = ContractorsTest;
 
 TEST_F(ContractorDbf, ExportAndImportByEachWayOfNumbering) {
-  struct Stored {
-    int32_t number;
-    ShortText name;
-  } stored[] = {{1, ShortText("Alfa")}, {2, "Łąka Żółć"_mz}, {5, ShortText("Gamma")}};
-  for (const Stored& s : stored) {
-    Contractor c = Named(s.name, ShortText("Radom"));
-    c.number = s.number;
-    c.discount = Real(12.5);
-    ASSERT_EQ(ContractorAdd(ContractorKind::kCustomer, c, NumberRange{}), ContractorOutcome::kDone);
-  }
+  for (const auto& [number, name] : {std::pair{1, ShortText("Alfa")}, {2, "Łąka Żółć"_mz}, {5, ShortText("Gamma")}})
+    AddNamed(ContractorKind::kCustomer, name, number);
+  ASSERT_TRUE(Psql("UPDATE dane_odbiorcy SET miasto = 'Radom', rabat = 12.5"));
   int64_t written = 0;
   ASSERT_EQ(ContractorDbfExport(ContractorKind::kCustomer, ShortText("dane\\odb.dbf"), DbfCodePage::kLatin2, written), 0);
   EXPECT_EQ(written, 3);
@@ -49,10 +43,7 @@ TEST_F(ContractorDbf, ExportAndImportByEachWayOfNumbering) {
               c.discounts);
   }
   // A file that is no dBASE file: a code, nothing added.
-  std::FILE* bad = std::fopen("dane/zly.dbf", "wb");
-  ASSERT_NE(bad, nullptr);
-  std::fputs("not a table", bad);
-  std::fclose(bad);
+  file_test::WriteBytes("dane/zly.dbf", "not a table");
   int64_t added = 0;
   EXPECT_NE(ContractorDbfImport(ContractorKind::kSupplier, ShortText("dane\\zly.dbf"), DbfCodePage::kAsIs,
                                 DbfImportMode::kAllAsNew, added),

@@ -131,9 +131,10 @@ TEST_F(ContractorList, ReadsByKeyInBothDirectionsAndNullsReadNeutral) {
   rows_.push_back({"Firma 99", "", 7});
   const std::vector<int32_t> name = ByName();
   std::vector<Contractor> all, page;
-  ASSERT_EQ(contractors_detail::ListRead(ContractorKind::kCustomer, ListOrder::kName, ListKey{}, true, 100,
-                                         std::string(), all),
-            0);
+  const auto read = [](ListOrder order, const ListKey& key, bool forward, int count, std::vector<Contractor>& rows) {
+    ASSERT_EQ(contractors_detail::ListRead(ContractorKind::kCustomer, order, key, forward, count, std::string(), rows), 0);
+  };
+  read(ListOrder::kName, ListKey{}, true, 100, all);
   ASSERT_EQ(all.size(), name.size());
   for (std::size_t i = 0; i < all.size(); ++i) EXPECT_EQ(all[i].number, name[i]) << i;
   EXPECT_EQ(all.back()[KontrahentCol::miasto].Str(), "");
@@ -144,16 +145,12 @@ TEST_F(ContractorList, ReadsByKeyInBothDirectionsAndNullsReadNeutral) {
     std::size_t first, count;  // places in name order expected
   } cases[] = {{true, false, 11, 5}, {true, true, 10, 5}, {false, false, 5, 5}, {false, true, 6, 5}};
   for (const Case& c : cases) {
-    ASSERT_EQ(contractors_detail::ListRead(ContractorKind::kCustomer, ListOrder::kName, KeyOf(all[10], c.inclusive),
-                                           c.forward, 5, std::string(), page),
-              0);
+    read(ListOrder::kName, KeyOf(all[10], c.inclusive), c.forward, 5, page);
     ASSERT_EQ(page.size(), c.count);
     for (std::size_t i = 0; i < c.count; ++i) EXPECT_EQ(page[i].number, name[c.first + i]) << c.forward << c.inclusive;
   }
   // The row without a town comes first in the town order.
-  ASSERT_EQ(contractors_detail::ListRead(ContractorKind::kCustomer, ListOrder::kTown, ListKey{}, true, 1,
-                                         std::string(), page),
-            0);
+  read(ListOrder::kTown, ListKey{}, true, 1, page);
   EXPECT_EQ(page.at(0).number, 7);
 }
 

@@ -23,17 +23,9 @@ const KeyPair kF10 = keys::F(10);
 
 using ContractorScreens = ContractorsTest;
 
-void AddCustomers(std::initializer_list<ShortText> names) {
-  for (const ShortText& name : names) {
-    Contractor c;
-    c[KontrahentCol::nazwa] = name;
-    c[KontrahentCol::czy_podmiot_gosp] = ShortText("T");  // as the form proposes it
-    ASSERT_EQ(ContractorAdd(ContractorKind::kCustomer, c, NumberRange{}), ContractorOutcome::kDone) << name.Str();
-  }
-}
-
 TEST_F(ContractorScreens, SearchByAFragmentOfTheNameGoesOnAndEnds) {
-  AddCustomers({ShortText("Kowalski"), "Zakład Żółć"_mz, ShortText("Nowak"), "Bednarek Żółty"_mz});
+  for (const ShortText& name : {ShortText("Kowalski"), "Zakład Żółć"_mz, ShortText("Nowak"), "Bednarek Żółty"_mz})
+    AddNamed(ContractorKind::kCustomer, name);
   Play({{{kCtrlR}}, {Typed("żół"_mz, {kEnter})}, {{kYes}}, {{kYes}}, {{kEnter}}, {{kEsc}}});
   ContractorCatalogue(ContractorKind::kCustomer);
   EXPECT_TRUE(Shown("Wybierz żądanego odbiorcy:"_mz));
@@ -45,15 +37,17 @@ TEST_F(ContractorScreens, SearchByAFragmentOfTheNameGoesOnAndEnds) {
 
 const KeyPair kBackspace = keys::kBackspace;
 
-// Bad input in the form and the list: each case plays keys from the list of
-// customers and expects a message and the rows as they end.
-TEST_F(ContractorScreens, BadInputGetsTheSystemsMessageAndLosesNothing) {
+// Bad input in the form and the list, and the delete of a customer that a
+// document names: each case plays keys from the list of customers and
+// expects a message and the rows as they end.
+TEST_F(ContractorScreens, TheFormAndTheListAnswerWithTheSystemsMessages) {
   struct Case {
     const char* what;
     std::vector<KeyStep> steps;
     ShortText message;
     std::string rows;
   };
+  const ShortText inUse = "Jeżeli ten odbiorca ma na koncie obroty, to go nie kasuj.@Na pewno kasować ?"_mz;
   const Case cases[] = {
       {"a number out of range",
        {{{keys::kIns}}, {Typed(ShortText("X"), {keys::kUp})}, {Typed(ShortText("-5"), {kEnter})}, {{kEnter}},
@@ -74,12 +68,16 @@ TEST_F(ContractorScreens, BadInputGetsTheSystemsMessageAndLosesNothing) {
       {"a delete by another user than the manager",
        {{{keys::kDel}, [] { ClearCurrentUser(); }}, {{kEnter}}, {{kEsc}}},
        "Kasować może tylko `Kierownik Systemu\" (użytkownik nr 0)."_mz, "1:Kowalski:"},
+      {"a customer in use: warned, no keeps it", {{{keys::kDel}}, {{kNo}}, {{kEsc}}}, inUse, "1:Kowalski:"},
+      {"a customer in use: warned, yes deletes it", {{{keys::kDel}}, {{kYes}}, {{kEsc}}}, inUse, ""},
   };
+  const Contractor w = AddNamed(ContractorKind::kWarehouse, ShortText("Magazyn"));
+  AddHeaders(w.number, "(2, 1, 'X', 1)");
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
     ASSERT_TRUE(Psql("DELETE FROM dane_odbiorcy"));
-    AddCustomers({ShortText("Kowalski")});
-    ASSERT_TRUE(Psql("UPDATE dane_odbiorcy SET numer = 1"));
+    AddNamed(ContractorKind::kCustomer, ShortText("Kowalski"), 1);
+    ASSERT_TRUE(Psql("UPDATE dane_odbiorcy SET czy_podmiot_gosp = 'T'"));  // as the form proposes it
     Play(c.steps);
     ContractorCatalogue(ContractorKind::kCustomer);
     EXPECT_TRUE(Shown(c.message));
@@ -88,25 +86,10 @@ TEST_F(ContractorScreens, BadInputGetsTheSystemsMessageAndLosesNothing) {
   }
 }
 
-// A customer named by a document: the delete warns before it asks, and a
-// no keeps the row.
-TEST_F(ContractorScreens, DeleteOfACustomerInUseWarnsAndNoKeepsIt) {
-  AddCustomers({ShortText("Kowalski")});
-  const Contractor w = AddNamed(ContractorKind::kWarehouse, ShortText("Magazyn"));
-  AddHeaders(w.number, "(2, 1, 'X', 1)");
-  Play({{{keys::kDel}}, {{kNo}}, {{kEsc}}});
-  ContractorCatalogue(ContractorKind::kCustomer);
-  EXPECT_TRUE(Shown("Jeżeli ten odbiorca ma na koncie obroty, to go nie kasuj.@Na pewno kasować ?"_mz));
-  EXPECT_EQ(Rows(ContractorKind::kCustomer), "1:Kowalski:");
-  Play({{{keys::kDel}}, {{kYes}}, {{kEsc}}});
-  ContractorCatalogue(ContractorKind::kCustomer);
-  EXPECT_EQ(Rows(ContractorKind::kCustomer), "");
-}
-
 // Another process holds the catalogue's lock while it changes the
 // telephones; our change of the name waits for it, and both survive.
 TEST_F(ContractorScreens, TwoProcessesEditingOneContractorLoseNothing) {
-  AddCustomers({ShortText("Kowalski")});
+  AddNamed(ContractorKind::kCustomer, ShortText("Kowalski"));
   int ready[2];
   ASSERT_EQ(pipe(ready), 0);
   pid_t child = -1;

@@ -74,6 +74,8 @@ bool ContractorsTest::Shown(const ShortText& text) {
   return tui_test::AnyScreenShows(gScreens, text);
 }
 
+const std::string& ContractorsTest::LastScreen() { return gScreens.back(); }
+
 Contractor ContractorsTest::Named(const ShortText& name, const ShortText& town) {
   Contractor c;
   c[KontrahentCol::nazwa] = name;

@@ -29,6 +29,8 @@ class ContractorsTest : public CatalogueTest {
   static void Play(std::vector<KeyStep> steps);
   // True when some screen seen so far showed every line of the text ("@" between lines).
   static bool Shown(const ShortText& text);
+  // The screen kept at the last wait for a key.
+  static const std::string& LastScreen();
   // A contractor with a name and a town.
   static Contractor Named(const ShortText& name, const ShortText& town = ShortText());
   // A contractor of that name added (number 0: the next free one); as stored.

@@ -2,7 +2,8 @@
 // bad input to the catalogue's writing functions: each refused with the
 // system's message and nothing written, an item deleted meanwhile by
 // another process (psql) included.
-#include <cmath>
+#include <algorithm>
+#include <cstdio>
 #include <functional>
 #include <limits>
 #include <string>
@@ -12,17 +13,14 @@
 #include "items_fixture.h"
 #include "master/items.h"
 #include "master/tables.h"
-#include "sqltable/pglib.h"
 #include "sqltable/sqltest.h"
 #include "users/users.h"
 
 namespace {
 
-constexpr int32_t kWarehouse = 1;
 const TableDef kUserRowsDef{kKatTowDef.columns.first(24), 0, {}, {}};
 const ShortText kRange = "Przekroczenie zakresu argumentu."_mz;
-const ShortText kClash =
-    "Nie można dokonać korekty w głównym katalogu towarów.@Zapewne istnieje pozycja o takich cechach, jakie aktualnie@nadano zmienianej. Zmiany nie zostaną wprowadzone."_mz;
+const ShortText kSame = "Znaleziono identyczną daną - dopisanie nie ma sensu."_mz;
 
 // An item without purchase prices under its character index.
 ItemData Coded(const char* name, const char* code, Real saleNet) {
@@ -37,14 +35,10 @@ std::string Money(Real value) {
   return buf;
 }
 
-class ItemChangeTest : public CatalogueTest {
+class ItemChangeTest : public ItemTablesTest {
  protected:
   void SetUp() override {
-    CatalogueTest::SetUp();
-    CreateFirmTables();
-    CreateWarehouseTables(false, kWarehouse);
-    ASSERT_TRUE(Psql("INSERT INTO dane_magazyny (nazwa,nazwa_inne,numer,czy_podmiot_gosp) VALUES ('M','',1,'Z')"));
-    ASSERT_EQ(UsersTableEnsure(), 0);
+    ItemTablesTest::SetUp();
     a_ = AddItemRow(Coded("MLEKO", "590001", 10));
     b_ = AddItemRow(Coded("CHLEB", "590002", 4));
     // User 0 writes a document and holds a work file: item a at the
@@ -71,36 +65,44 @@ class ItemChangeTest : public CatalogueTest {
            Scalar("SELECT string_agg(nr_wewn||':'||ilosc||':'||csb, ',' ORDER BY nr_wewn) FROM dane_1_stany_mg") + "|" +
            Rows("praca___") + "|" + Rows("plikrob_");
   }
+  using Change = std::function<int16_t(ShortText&)>;
+  // Item a as stored, changed, then written by an edit of the scope.
+  Change Edit(std::function<void(ItemData&)> change, ItemPriceScope scope = ItemPriceScope::kEverywhere) const {
+    return [this, change, scope](ShortText& refusal) {
+      ItemData item;
+      bool found = false;
+      EXPECT_EQ(ItemFindByNumber(a_, item, found), 0);
+      change(item);
+      return ItemEdit(item, scope, kWarehouse, nullptr, found, refusal);
+    };
+  }
+  // Item a's sale price made the gross in the scope.
+  Change Price(Real gross, ItemPriceScope scope = ItemPriceScope::kEverywhere) const {
+    return [this, gross, scope](ShortText& refusal) {
+      bool found = false;
+      return ItemChangeSalePrice(a_, gross, scope, kWarehouse, found, refusal);
+    };
+  }
   int32_t a_ = 0, b_ = 0;
 };
 
 TEST_F(ItemChangeTest, AChangeOfTheCatalogueReachesTheUsersRowsOfTheItem) {
   struct Case {
     const char* what;
-    std::function<int16_t(ShortText&)> change;
+    Change change;
     std::string name, vat;  // what the rows of item a then hold
     Real followedNet;        // the price pair that followed the catalogue (net)
-    bool walked;
   };
   const Case cases[] = {
-      {"edit of the catalogue row", [this](ShortText& refusal) {
-         ItemData item;
-         bool found = false;
-         EXPECT_EQ(ItemFindByNumber(a_, item, found), 0);
+      {"edit of the catalogue row", Edit([](ItemData& item) {
          item.name = "MLEKO UHT";
          item.vat = "8";
          item.saleNet = 12;
          item.saleGross = GrossFromNet(12, item.vat);
-         return ItemEdit(item, ItemPriceScope::kCatalogueAndWarehouse, kWarehouse, nullptr, found, refusal);
-       }, "MLEKO UHT", "8", 12, true},
-      {"price everywhere", [this](ShortText& refusal) {
-         bool found = false;
-         return ItemChangeSalePrice(a_, 20, ItemPriceScope::kEverywhere, kWarehouse, found, refusal);
-       }, "MLEKO UHT", "8", NetFromGross(20, ShortText("8")), true},
-      {"price in the warehouse only", [this](ShortText& refusal) {
-         bool found = false;
-         return ItemChangeSalePrice(a_, 50, ItemPriceScope::kWarehouse, kWarehouse, found, refusal);
-       }, "MLEKO UHT", "8", NetFromGross(20, ShortText("8")), false},
+       }, ItemPriceScope::kCatalogueAndWarehouse), "MLEKO UHT", "8", 12},
+      {"price everywhere", Price(20), "MLEKO UHT", "8", NetFromGross(20, ShortText("8"))},
+      {"price in the warehouse only", Price(50, ItemPriceScope::kWarehouse), "MLEKO UHT", "8",
+       NetFromGross(20, ShortText("8"))},
   };
   const std::string bRow = "CHLEB/23/" + Money(4) + "/" + Money(GrossFromNet(4, ShortText("23")));
   const std::string ownRow = "/" + Money(7) + "/" + Money(GrossFromNet(7, ShortText("23")));
@@ -133,7 +135,7 @@ TEST_F(ItemChangeTest, BadInputIsRefusedWithTheSystemsMessageAndWritesNothing) {
   const Real nan = std::numeric_limits<Real>::quiet_NaN();
   struct Case {
     const char* what;
-    std::function<int16_t(ShortText&)> run;
+    Change run;
     ShortText refusal;
   };
   auto add = [](ItemData item, Real quantity) {
@@ -143,40 +145,18 @@ TEST_F(ItemChangeTest, BadInputIsRefusedWithTheSystemsMessageAndWritesNothing) {
       return ItemAdd(item, ItemRules{}, kWarehouse, stock, refusal);
     };
   };
-  auto edit = [this](std::function<void(ItemData&)> change) {
-    return [this, change](ShortText& refusal) {
-      ItemData item;
-      bool found = false;
-      EXPECT_EQ(ItemFindByNumber(a_, item, found), 0);
-      change(item);
-      return ItemEdit(item, ItemPriceScope::kEverywhere, kWarehouse, nullptr, found, refusal);
-    };
-  };
-  auto price = [this](Real gross) {
-    return [this, gross](ShortText& refusal) {
-      bool found = false;
-      return ItemChangeSalePrice(a_, gross, ItemPriceScope::kEverywhere, kWarehouse, found, refusal);
-    };
-  };
   const Case cases[] = {
       {"new item, price too large", add(Coded("SER", "", kHuge), 1), kRange},
       {"new item, quantity too large", add(Coded("SER", "", 5), kHuge), kRange},
       {"new item, quantity not a number", add(Coded("SER", "", 5), nan), kRange},
-      {"new item, code that exists", add(Coded("SER", "590001", 5), 1),
-       "Znaleziono identyczną daną - dopisanie nie ma sensu."_mz},
-      {"new item, digit index past the range",
-       [&](ShortText& refusal) {
-         ItemData item = Coded("SER", "", 5);
-         item.digitIndex = kDigitIndexMax + 1;
-         return add(item, 1)(refusal);
-       },
-       "Indeks numeryczny musi zawierać się w przedziale [0,999999999999999]."_mz},
-      {"edit, code of another item", edit([](ItemData& i) { i.code = "590002"; }), kClash},
-      {"edit, key of another item", edit([](ItemData& i) { i.name = "CHLEB"; }), kClash},
-      {"edit, price too large", edit([](ItemData& i) { i.saleGross = kHuge; }), kRange},
-      {"sale price too large", price(kHuge), kRange},
-      {"sale price below zero", price(-1), kRange},
-      {"sale price not a number", price(nan), kRange},
+      {"new item, code that exists", add(Coded("SER", "590001", 5), 1), kSame},
+      {"new item, the features of another at other prices", add(Item("MLEKO", "23", 99, 99), 0), kSame},
+      {"edit, code of another item", Edit([](ItemData& i) { i.code = "590002"; }), kClash},
+      {"edit, key of another item", Edit([](ItemData& i) { i.name = "CHLEB"; }), kClash},
+      {"edit, price too large", Edit([](ItemData& i) { i.saleGross = kHuge; }), kRange},
+      {"sale price too large", Price(kHuge), kRange},
+      {"sale price below zero", Price(-1), kRange},
+      {"sale price not a number", Price(nan), kRange},
       {"stock row, quantity too large",
        [this](ShortText& refusal) {
          StockRow row;

@@ -10,53 +10,24 @@
 
 #include "base/mazovia.h"
 #include "items_fixture.h"
-#include "keysteps.h"
-#include "master/items.h"
-#include "master/tables.h"
-#include "sqltable/pglib.h"
-#include "sqltable/sqltest.h"
+#include "sqltable/pgconn.h"
 #include "tui/keyboard.h"
 #include "users/users.h"
 
 namespace {
 
-constexpr int32_t kWarehouse = 1;
+using keys::kEnter;
 
-using namespace keysteps;
+// A step typing the text, then the keys after it.
+KeyStep Keys(const char* text, std::vector<KeyPair> after = {}) { return {Typed(text, std::move(after))}; }
 
-class ItemsTest : public CatalogueTest {
+class ItemsTest : public ItemTablesTest {
  protected:
-  void SetUp() override {
-    CatalogueTest::SetUp();
-    CreateFirmTables();
-    for (int32_t w : {1, 2, 3}) AddWarehouse(w);
-  }
-  void TearDown() override {
-    Stop();
-    CatalogueTest::TearDown();
-  }
-  static void AddWarehouse(int32_t number) {
-    CreateWarehouseTables(false, number);
-    ASSERT_TRUE(Psql("INSERT INTO dane_magazyny (nazwa,nazwa_inne,numer,czy_podmiot_gosp) VALUES ('M" + std::to_string(number) +
-                     "',''," + std::to_string(number) + ",'Z')"));
-  }
   // One value read through the program's own connection (the session's view is visible only there).
   static std::string Own(const std::string& sql) {
     PGResult res;
     EXPECT_EQ(PGRunQueryWithTup(sql, res), 0);
     return res.Rows() > 0 ? std::string(res.Value(0, 0)) : std::string("-");
-  }
-  static Real Quantity(int32_t warehouse, int32_t number) {
-    StockRow row;
-    bool found = false;
-    EXPECT_EQ(StockRead(warehouse, number, row, found), 0);
-    return found ? row.quantity : -999;
-  }
-  // A line of a goods document in a warehouse for the item, on the date.
-  static void AddLine(int32_t warehouse, int32_t number, const char* date = "2024-05-10") {
-    ASSERT_TRUE(Psql("INSERT INTO dane_" + std::to_string(warehouse) + "_specyfik (typ_dok,nr_dok,znak_dok,pozycja,data_dok,"
-                     "nr_towaru,vat,sww,ilosc) VALUES (1,1,'FV'," + std::to_string(number) + ",'" + date + "'," +
-                     std::to_string(number) + ",'23','',1)"));
   }
 };
 
@@ -105,7 +76,7 @@ TEST(ItemRulesTest, PricesFollowTheVatGroupAndTheRoundingStep) {
   for (const Case& c : cases) EXPECT_NEAR(static_cast<double>(c.computed), static_cast<double>(c.expected), 1e-9) << c.value;
 }
 
-TEST_F(ItemsTest, AddingGivesNumbersAndStockRowsAndRefusesWhatMustNotBeWritten) {
+TEST_F(ItemsTest, AddingGivesNumbersDigitIndexesAndStockRows) {
   ItemData first = Item("MLEKO");
   first.code = "5900001";
   first.digitIndex = 0;
@@ -117,26 +88,6 @@ TEST_F(ItemsTest, AddingGivesNumbersAndStockRowsAndRefusesWhatMustNotBeWritten) 
   EXPECT_EQ(Scalar("SELECT indeks_numeryczny FROM dane_kat_tow_ WHERE nr_wewn=" + std::to_string(b)), "2");
   EXPECT_EQ(Quantity(kWarehouse, a), 5);
   EXPECT_EQ(Scalar("SELECT csb FROM dane_1_stany_mg WHERE nr_wewn=" + std::to_string(a)), "18.4500000");
-
-  const std::string before = Scalar("SELECT count(*) FROM dane_kat_tow_") + "/" + Scalar("SELECT count(*) FROM dane_1_stany_mg");
-  struct Bad {
-    ItemData item;
-    Real quantity;
-    ShortText refusal;
-  };
-  ItemData same = Item("MLEKO", "23", 99, 99);  // the features are equal, the prices are not
-  const Bad bad[] = {
-      {same, 0, "Znaleziono identyczną daną - dopisanie nie ma sensu."_mz},
-  };
-  for (const Bad& c : bad) {
-    ItemData item = c.item;
-    StockRow stock;
-    stock.quantity = c.quantity;
-    ShortText refusal;
-    EXPECT_EQ(ItemAdd(item, ItemRules{}, kWarehouse, stock, refusal), 0);
-    EXPECT_EQ(refusal, c.refusal);
-  }
-  EXPECT_EQ(Scalar("SELECT count(*) FROM dane_kat_tow_") + "/" + Scalar("SELECT count(*) FROM dane_1_stany_mg"), before);
 
   ItemRules highest;
   highest.digitIndexAfterHighest = true;
@@ -195,9 +146,14 @@ TEST_F(ItemsTest, StockIsTheOpeningPlusEveryChange) {
   EXPECT_EQ(Scalar("SELECT csn FROM dane_2_stany_mg WHERE nr_wewn=" + std::to_string(number)), "15.0000000");
 }
 
-TEST_F(ItemsTest, ActivityDiscountLockAndPriceScopes) {
+// Sale prices, purchase prices and edits of an item: each goes where its scope
+// says; a clash with another item's key or character index writes nothing.
+TEST_F(ItemsTest, ChangesGoWhereTheirScopeSaysAndAClashWritesNothing) {
   const int32_t a = AddItemRow(Item("KAWA"), 1);
   const int32_t b = AddItemRow(Item("KAWA", "8"), 1);
+  ItemData other = Item("HERBATA");
+  other.code = "590111";
+  AddItemRow(other, 1);
   const std::string n = std::to_string(a);
   ASSERT_EQ(SetItemActive(a, false), 0);
   EXPECT_EQ(Scalar("SELECT ilosc IS NULL FROM dane_kat_tow_ WHERE nr_wewn=" + n), "t");
@@ -205,43 +161,81 @@ TEST_F(ItemsTest, ActivityDiscountLockAndPriceScopes) {
   EXPECT_EQ(Scalar("SELECT ilosc FROM dane_kat_tow_ WHERE nr_wewn=" + n), "0.0000000");
   ASSERT_EQ(SetItemDiscountLock(a, 1), 0);
   EXPECT_EQ(Scalar("SELECT blok_rab FROM dane_kat_tow_ WHERE nr_wewn=" + n), "1");
-
   ShortText refusal;
-  ASSERT_EQ(StockChange(2, a, 1, refusal), 0);
+  ASSERT_EQ(StockChange(2, a, 3, refusal), 0);
+  AddLine(2, a);
+  // The catalogue's "name/vat/purchase net/sale gross/sale net", the sale gross of warehouses 1 and 2, the line's VAT.
+  auto state = [&n] {
+    return Scalar("SELECT nazwa||'/'||vat||'/'||cena_z_n||'/'||cena_s_b||'/'||round(cena_s_n,2) FROM dane_kat_tow_ "
+                  "WHERE nr_wewn=" + n) + " " +
+           Scalar("SELECT csb FROM dane_1_stany_mg WHERE nr_wewn=" + n) + " " +
+           Scalar("SELECT csb FROM dane_2_stany_mg WHERE nr_wewn=" + n) + " " +
+           Scalar("SELECT vat FROM dane_2_specyfik WHERE nr_towaru=" + n);
+  };
+  bool found = false;
+  std::vector<std::string> walked;
+  auto price = [&](Real gross, ItemPriceScope scope) {
+    return [&, gross, scope] { return ItemChangeSalePrice(a, gross, scope, kWarehouse, found, refusal); };
+  };
+  auto edit = [&](const char* name, const char* vat, Real gross, ItemPriceScope scope, const char* code = "") {
+    return [&, name, vat, gross, scope, code] {
+      ItemData item;
+      EXPECT_EQ(ItemFindByNumber(a, item, found), 0);
+      item.name = name;
+      item.vat = vat;
+      item.saleGross = gross;
+      item.code = code;
+      return ItemEdit(item, scope, kWarehouse, [&walked](const ShortText& t) { walked.push_back(t.Str()); }, found,
+                      refusal);
+    };
+  };
+  // Purchase prices are part of the key: taking those of the other KAWA with its features is refused.
+  auto otherPrices = [&] {
+    EXPECT_TRUE(Psql("UPDATE dane_kat_tow_ SET vat='23', cena_z_n=3, cena_z_b=4 WHERE nr_wewn=" + std::to_string(b)));
+    ItemData item;
+    EXPECT_EQ(ItemFindByNumber(a, item, found), 0);
+    item.buyNet = 3;
+    item.buyGross = 4;
+    return ItemStorePrices(item, found, refusal);
+  };
+  auto net = [](Real gross) { return std::to_string(static_cast<double>(gross / 1.23L)).substr(0, 5); };
   struct Case {
-    ItemPriceScope scope;
-    Real gross;
-    const char* catalogue;  // cena_s_b afterwards
-    const char* here;       // csb of warehouse 1
-    const char* other;      // csb of warehouse 2
+    const char* what;
+    std::function<int16_t()> change;
+    bool clash;
+    std::string expected;
   };
   const Case cases[] = {
-      {ItemPriceScope::kWarehouse, 24.6L, "18.4500000", "24.6000000", "18.4500000"},
-      {ItemPriceScope::kCatalogueAndWarehouse, 36.9L, "36.9000000", "36.9000000", "18.4500000"},
-      {ItemPriceScope::kEverywhere, 12.3L, "12.3000000", "12.3000000", "12.3000000"},
+      {"price here", price(24.6L, ItemPriceScope::kWarehouse), false,
+       "KAWA/23/10.0000000/18.4500000/15.00 24.6000000 18.4500000 23"},
+      {"price here and in the catalogue", price(36.9L, ItemPriceScope::kCatalogueAndWarehouse), false,
+       "KAWA/23/10.0000000/36.9000000/" + net(36.9L) + " 36.9000000 18.4500000 23"},
+      {"price everywhere", price(12.3L, ItemPriceScope::kEverywhere), false,
+       "KAWA/23/10.0000000/12.3000000/" + net(12.3L) + " 12.3000000 12.3000000 23"},
+      {"purchase prices of the other KAWA", otherPrices, true,
+       "KAWA/23/10.0000000/12.3000000/" + net(12.3L) + " 12.3000000 12.3000000 23"},
+      {"edit here", edit("KAWA", "23", 20, ItemPriceScope::kWarehouse), false,
+       "KAWA/23/10.0000000/12.3000000/" + net(12.3L) + " 20.0000000 12.3000000 23"},
+      {"edit here and in the catalogue", edit("KAWA2", "8", 21, ItemPriceScope::kCatalogueAndWarehouse), false,
+       "KAWA2/8/10.0000000/21.0000000/" + net(12.3L) + " 21.0000000 12.3000000 8"},
+      {"edit everywhere", edit("KAWA2", "8", 22, ItemPriceScope::kEverywhere), false,
+       "KAWA2/8/10.0000000/22.0000000/" + net(12.3L) + " 22.0000000 22.0000000 8"},
+      {"the other item's character index", edit("KAWA3", "5", 30, ItemPriceScope::kEverywhere, "590111"), true,
+       "KAWA2/8/10.0000000/22.0000000/" + net(12.3L) + " 22.0000000 22.0000000 8"},
   };
   for (const Case& c : cases) {
-    bool found = false;
-    ASSERT_EQ(ItemChangeSalePrice(a, c.gross, c.scope, kWarehouse, found, refusal), 0);
-    EXPECT_TRUE(found && refusal.Empty());
-    EXPECT_EQ(Scalar("SELECT cena_s_b||'/'||round(cena_s_n,2) FROM dane_kat_tow_ WHERE nr_wewn=" + n),
-              std::string(c.catalogue) + "/" + (c.scope == ItemPriceScope::kWarehouse ? "15.00" : 
-              std::to_string(static_cast<double>(c.gross / 1.23L)).substr(0, 5)));
-    EXPECT_EQ(Scalar("SELECT csb FROM dane_1_stany_mg WHERE nr_wewn=" + n), c.here);
-    EXPECT_EQ(Scalar("SELECT csb FROM dane_2_stany_mg WHERE nr_wewn=" + n), c.other);
+    SCOPED_TRACE(c.what);
+    ASSERT_EQ(c.change(), 0);
+    EXPECT_TRUE(found);
+    EXPECT_EQ(refusal, c.clash ? kClash : ShortText());
+    EXPECT_EQ(state(), c.expected);
   }
-  // Purchase prices are part of the key: taking those of the other KAWA with its features is refused.
-  ASSERT_TRUE(Psql("UPDATE dane_kat_tow_ SET vat='23', cena_z_n=3, cena_z_b=4 WHERE nr_wewn=" + std::to_string(b)));
-  ItemData item;
-  bool found = false;
-  ASSERT_EQ(ItemFindByNumber(a, item, found), 0);
-  item.buyNet = 3;
-  item.buyGross = 4;
-  ASSERT_EQ(ItemStorePrices(item, found, refusal), 0);
-  EXPECT_EQ(refusal.Str().substr(0, 20), std::string("Nie można dokonać korekty"_mz.View()).substr(0, 20));
-  EXPECT_EQ(Scalar("SELECT cena_z_n FROM dane_kat_tow_ WHERE nr_wewn=" + n), "10.0000000");
-  EXPECT_EQ(ItemChangeSalePrice(a, -1, ItemPriceScope::kWarehouse, kWarehouse, found, refusal), 0);
-  EXPECT_EQ(refusal, "Przekroczenie zakresu argumentu."_mz);
+  EXPECT_NE(std::find(walked.begin(), walked.end(), "Zmiana specyfikacji operacji towarowych, magazyn nr 2"_mz.Str()),
+            walked.end());
+  ItemData gone = Item("KAWA");
+  gone.number = 999;
+  ASSERT_EQ(ItemEdit(gone, ItemPriceScope::kEverywhere, kWarehouse, nullptr, found, refusal), 0);
+  EXPECT_FALSE(found);
 }
 
 TEST_F(ItemsTest, TheGroupedViewSumsTheFirst320Warehouses) {
@@ -255,10 +249,9 @@ TEST_F(ItemsTest, TheGroupedViewSumsTheFirst320Warehouses) {
   EXPECT_EQ(Own("SELECT ilosc FROM tmp_view_stanyx WHERE nr_wewn=" + std::to_string(a)), "51.0000000");
   EXPECT_EQ(Own("SELECT ilosc FROM tmp_view_stanyx WHERE nr_wewn=" + std::to_string(b)), "0.0000000");
   // Warehouses 4..321 exist only with their stock lists; the 321st is left out.
-  for (int32_t w = 4; w <= 321; ++w) {
-    ASSERT_EQ(CreateTableFrom(WarehouseTablePath(w, "stany_mg"), kStanyMgDef), 0);
-    ASSERT_TRUE(Psql("INSERT INTO dane_magazyny (nazwa,nazwa_inne,numer,czy_podmiot_gosp) VALUES ('M',''," + std::to_string(w) + ",'Z')"));
-  }
+  for (int32_t w = 4; w <= 321; ++w) ASSERT_EQ(CreateTableFrom(WarehouseTablePath(w, "stany_mg"), kStanyMgDef), 0);
+  ASSERT_TRUE(Psql("INSERT INTO dane_magazyny (nazwa,nazwa_inne,numer,czy_podmiot_gosp) "
+                   "SELECT 'M', '', g, 'Z' FROM generate_series(4, 321) g"));
   for (int32_t w : {320, 321}) ASSERT_EQ(StockChange(w, a, 1000 * (w - 319), refusal), 0);
   ASSERT_EQ(BuildStockView(spanned), 0);
   EXPECT_EQ(spanned, 320);
@@ -266,7 +259,6 @@ TEST_F(ItemsTest, TheGroupedViewSumsTheFirst320Warehouses) {
 }
 
 TEST_F(ItemsTest, TheListReadsPagesInNameOrderUnderItsFilters) {
-  std::vector<std::string> names;
   for (int i = 0; i < 45; ++i) {
     char name[16];
     std::snprintf(name, sizeof name, "T%02d", 44 - i);
@@ -282,7 +274,6 @@ TEST_F(ItemsTest, TheListReadsPagesInNameOrderUnderItsFilters) {
     for (;;) {
       EXPECT_EQ(ItemListRead(kind, kWarehouse, key, forward, 20, rows), 0);
       if (rows.empty()) return out;
-      out += "|";
       for (const ItemListRow& r : rows) out += r.item.name.Str() + (r.quantity != 0 ? "+" : "") + " ";
       key = ItemListKeyOf(forward ? rows.back() : rows.front());
     }
@@ -295,20 +286,13 @@ TEST_F(ItemsTest, TheListReadsPagesInNameOrderUnderItsFilters) {
     }
     return all;
   };
-  auto flat = [](std::string s) {
-    std::string out;
-    for (char c : s)
-      if (c != '|') out += c;
-    return out;
-  };
-  EXPECT_EQ(flat(pages(ItemListKind{}, true)), expect([](int) { return true; }));
-  EXPECT_EQ(pages(ItemListKind{}, true).substr(0, 1), "|");
-  EXPECT_EQ(flat(pages(ItemListKind{}, false)).size(), flat(pages(ItemListKind{}, true)).size());
-  EXPECT_EQ(flat(pages({ItemListStock::kNonZero, false, false}, true)), expect([](int i) { return i % 3 != 0; }));
-  EXPECT_EQ(flat(pages({ItemListStock::kAll, true, false}, true)), expect([](int i) { return i % 5 != 0; }));
+  EXPECT_EQ(pages(ItemListKind{}, true), expect([](int) { return true; }));
+  EXPECT_EQ(pages(ItemListKind{}, false).size(), pages(ItemListKind{}, true).size());
+  EXPECT_EQ(pages({ItemListStock::kNonZero, false, false}, true), expect([](int i) { return i % 3 != 0; }));
+  EXPECT_EQ(pages({ItemListStock::kAll, true, false}, true), expect([](int i) { return i % 5 != 0; }));
   int spanned = 0;
   ASSERT_EQ(BuildStockView(spanned), 0);
-  EXPECT_EQ(flat(pages({ItemListStock::kNonZero, true, true}, true)), expect([](int i) { return i % 3 && i % 5; }));
+  EXPECT_EQ(pages({ItemListStock::kNonZero, true, true}, true), expect([](int i) { return i % 3 && i % 5; }));
 }
 
 TEST_F(ItemsTest, TheScreenFindsByNameAndIndexAndChangesAPrice) {
@@ -317,9 +301,8 @@ TEST_F(ItemsTest, TheScreenFindsByNameAndIndexAndChangesAPrice) {
   bool found = false;
   ASSERT_EQ(ItemFindByName("MLEKO", milk, found), 0);
   ASSERT_TRUE(Psql("UPDATE dane_kat_tow_ SET indeks_numeryczny=4242 WHERE nazwa='DROZDZE'"));
-  Play({Keys("", {keys::F(2)}), Keys("MLE", {keys::kEnter}), Keys("", {keys::kEnter}), Keys("", {keys::kBackspace,
-        keys::kBackspace, keys::kBackspace, keys::kBackspace, keys::kBackspace}), Keys("24.60", {keys::kEnter}),
-        Keys("2"), Keys("", {keys::F(4)}), Keys("4242", {keys::kEnter})});
+  Play({Keys("", {keys::F(2)}), Keys("MLE", {kEnter}), Keys("", {kEnter}), {Repeat(keys::kBackspace, 5)},
+        Keys("24.60", {kEnter}), Keys("2"), Keys("", {keys::F(4)}), Keys("4242", {kEnter})});
   ItemCatalogue(kWarehouse);
   EXPECT_TRUE(Shown(" Katalog towarów - magazyn nr 1"_mz));
   EXPECT_TRUE(Shown("Wprowadź początek szukanej nazwy: ---"_mz));
@@ -328,26 +311,23 @@ TEST_F(ItemsTest, TheScreenFindsByNameAndIndexAndChangesAPrice) {
   EXPECT_EQ(Scalar("SELECT cena_s_b FROM dane_kat_tow_ WHERE nazwa='MLEKO'"), "24.6000000");
   EXPECT_EQ(Scalar("SELECT csb FROM dane_1_stany_mg WHERE nr_wewn=" + std::to_string(milk.number)), "24.6000000");
   // The last screen starts at DROZDZE, found by its digit index.
-  EXPECT_NE(gScreens.back().find(" DROZDZE"), std::string::npos);
-  EXPECT_EQ(gScreens.back().find(" CHLEB"), std::string::npos);
+  EXPECT_NE(LastScreen().find(" DROZDZE"), std::string::npos);
+  EXPECT_EQ(LastScreen().find(" CHLEB"), std::string::npos);
 
   // An item deleted by another process while the list shows it.
   const int32_t ser = milk.number + 1;
-  Play({Keys("", {keys::kEnd}), [ser] {
-    // Another process (psql, with its own connection) deletes the item.
-    EXPECT_TRUE(Psql("DELETE FROM dane_kat_tow_ WHERE nr_wewn=" + std::to_string(ser)));
-    (void)PushKey(13, 28);
-  }, Keys("", {keys::kEnter})});
+  Play({Keys("", {keys::kEnd}), {{kEnter}, [ser] {
+          // Another process (psql, with its own connection) deletes the item.
+          EXPECT_TRUE(Psql("DELETE FROM dane_kat_tow_ WHERE nr_wewn=" + std::to_string(ser)));
+        }},
+        Keys("", {kEnter})});
   ItemCatalogue(kWarehouse);
   EXPECT_TRUE(Shown("SER\"")) ;
   EXPECT_TRUE(Shown("został usunięty z katalogu przez innego użytkownika."_mz));
   EXPECT_EQ(Scalar("SELECT count(*) FROM dane_kat_tow_ WHERE nr_wewn=" + std::to_string(ser)), "0");
 
   // The stock list gone under the list: the next read ends the list with the system's message, not the program.
-  Play({[] {
-    EXPECT_TRUE(Psql("DROP TABLE dane_1_stany_mg"));
-    (void)PushKey(keys::kEnd.ch, keys::kEnd.scan);
-  }});
+  Play({{{keys::kEnd}, [] { EXPECT_TRUE(Psql("DROP TABLE dane_1_stany_mg")); }}});
   ItemCatalogue(kWarehouse);
   EXPECT_TRUE(Shown("Wystąpiły zakłócenia odczytu bazy."_mz));
   EXPECT_EQ(Scalar("SELECT count(*) FROM dane_kat_tow_"), "5");
@@ -371,10 +351,8 @@ TEST_F(ItemsTest, MaintenanceKeepsWhatHasTurnoverOrStock) {
   AddLine(2, sold);
   StockCounts counts;
   ASSERT_EQ(StockCountIn(kWarehouse, counts), 0);
-  EXPECT_EQ(counts.positive, 1);
-  EXPECT_EQ(counts.negative, 1);
-  EXPECT_EQ(counts.zero, 3);
-  EXPECT_EQ(counts.all, 5);
+  EXPECT_EQ(std::vector<long>({counts.positive, counts.negative, counts.zero, counts.all}),
+            std::vector<long>({1, 1, 3, 5}));
 
   struct Case {
     int32_t number;
@@ -433,59 +411,6 @@ TEST_F(ItemsTest, UnusedItemsAreHiddenAndDigitIndexesPutInOrder) {
   EXPECT_EQ(indexes(), before);
 }
 
-TEST_F(ItemsTest, AnEditGoesWhereItsScopeSaysAndAClashWritesNothing) {
-  const int32_t a = AddItemRow(Item("KAWA"), 1);
-  ItemData other = Item("HERBATA");
-  other.code = "590111";
-  AddItemRow(other, 1);
-  ShortText refusal;
-  ASSERT_EQ(StockChange(2, a, 3, refusal), 0);
-  AddLine(2, a);
-  ItemData item;
-  bool found = false;
-  ASSERT_EQ(ItemFindByNumber(a, item, found), 0);
-  const std::string n = std::to_string(a);
-  auto state = [&n] {
-    return Scalar("SELECT nazwa||'/'||vat||'/'||cena_s_b FROM dane_kat_tow_ WHERE nr_wewn=" + n) + " " +
-           Scalar("SELECT csb FROM dane_1_stany_mg WHERE nr_wewn=" + n) + " " +
-           Scalar("SELECT csb FROM dane_2_stany_mg WHERE nr_wewn=" + n) + " " +
-           Scalar("SELECT vat FROM dane_2_specyfik WHERE nr_towaru=" + n);
-  };
-  struct Case {
-    const char* name;
-    const char* vat;
-    Real gross;
-    ItemPriceScope scope;
-    const char* code;
-    const char* expected;
-  };
-  const Case cases[] = {
-      {"KAWA", "23", 20, ItemPriceScope::kWarehouse, "", "KAWA/23/18.4500000 20.0000000 18.4500000 23"},
-      {"KAWA2", "8", 21, ItemPriceScope::kCatalogueAndWarehouse, "", "KAWA2/8/21.0000000 21.0000000 18.4500000 8"},
-      {"KAWA2", "8", 22, ItemPriceScope::kEverywhere, "", "KAWA2/8/22.0000000 22.0000000 22.0000000 8"},
-      // The other item's character index: refused, all as it was.
-      {"KAWA3", "5", 30, ItemPriceScope::kEverywhere, "590111", "KAWA2/8/22.0000000 22.0000000 22.0000000 8"},
-  };
-  std::vector<std::string> walked;
-  for (const Case& c : cases) {
-    item.name = c.name;
-    item.vat = c.vat;
-    item.saleGross = c.gross;
-    item.code = c.code;
-    ASSERT_EQ(ItemEdit(item, c.scope, kWarehouse, [&walked](const ShortText& t) { walked.push_back(t.Str()); }, found,
-                       refusal), 0);
-    EXPECT_TRUE(found);
-    EXPECT_EQ(refusal.Empty(), *c.code == 0) << c.name;
-    EXPECT_EQ(state(), c.expected) << c.name;
-  }
-  EXPECT_NE(std::find(walked.begin(), walked.end(), "Zmiana specyfikacji operacji towarowych, magazyn nr 2"_mz.Str()),
-            walked.end());
-  item.number = 999;
-  item.code = "";
-  ASSERT_EQ(ItemEdit(item, ItemPriceScope::kEverywhere, kWarehouse, nullptr, found, refusal), 0);
-  EXPECT_FALSE(found);
-}
-
 TEST_F(ItemsTest, TheAddFormRefusesBadInputAndHonoursRights) {
   ItemData taken = Item("MLEKO");
   taken.code = "590";
@@ -495,16 +420,16 @@ TEST_F(ItemsTest, TheAddFormRefusesBadInputAndHonoursRights) {
   const std::string before = Scalar(rows);
   // Fields: name, name 2, code, digit index, vat, sww, payer, supplier, unit, purchase, sale, place, pack, stock.
   auto form = [](const std::string& code, const std::string& digits, const std::string& supplier, const std::string& stock) {
-    return std::vector<std::function<void()>>{
-        Keys("SER", {keys::kEnter}), Keys("", {keys::kEnter}), Keys(code, {keys::kEnter}), Keys(digits, {keys::kEnter}),
-        Keys("23", {keys::kEnter}), Keys("", {keys::kEnter}), Keys("", {keys::kEnter}), Keys(supplier, {keys::kEnter}),
-        Keys("kg", {keys::kEnter}), Keys("", {keys::kEnter}), Keys("", {keys::kEnter}), Keys("", {keys::kEnter}),
-        Keys("", {keys::kEnter}), Keys(stock, {keys::kEnter})};
+    return std::vector<KeyStep>{Keys("SER", {kEnter}),  Keys("", {kEnter}), Keys(code.c_str(), {kEnter}),
+                                Keys(digits.c_str(), {kEnter}), Keys("23", {kEnter}), Keys("", {kEnter}),
+                                Keys("", {kEnter}), Keys(supplier.c_str(), {kEnter}), Keys("kg", {kEnter}),
+                                Keys("", {kEnter}), Keys("", {kEnter}), Keys("", {kEnter}),
+                                Keys("", {kEnter}), Keys(stock.c_str(), {kEnter})};
   };
   struct Case {
     const char* what;
     bool maxRights;
-    std::vector<std::function<void()>> steps;
+    std::vector<KeyStep> steps;
     ShortText shown;
   };
   const Case cases[] = {
@@ -512,7 +437,7 @@ TEST_F(ItemsTest, TheAddFormRefusesBadInputAndHonoursRights) {
       {"digit index", true, form("", "1000000000000000", "7", ""),
        "Indeks numeryczny musi zawierać się w przedziale [0,999999999999999]."_mz},
       {"closed supplier", false, form("", "", "9", ""), "o uprawnieniach maksymalnych w programie, lub `Kierownik"_mz},
-      {"negative price", true, [&form] { auto f = form("", "", "7", ""); f[10] = Keys("-5", {keys::kEnter}); return f; }(),
+      {"negative price", true, [&form] { auto f = form("", "", "7", ""); f[10] = Keys("-5", {kEnter}); return f; }(),
        "Przekroczenie zakresu argumentu."_mz},
   };
   for (const Case& c : cases) {
@@ -526,7 +451,7 @@ TEST_F(ItemsTest, TheAddFormRefusesBadInputAndHonoursRights) {
   // With the rights: added with its stock, the purchase price taken.
   LogIn({UserRight::kPurchasePrices});
   auto steps = form("591", "", "7", "4");
-  steps[9] = Keys("10", {keys::kEnter});
+  steps[9] = Keys("10", {kEnter});
   Play(steps);
   int32_t number = 0;
   ASSERT_TRUE(AddItem(kWarehouse, ItemRules{}, number));
@@ -536,13 +461,12 @@ TEST_F(ItemsTest, TheAddFormRefusesBadInputAndHonoursRights) {
   // Without them the purchase price is passed by with the message, and stays 0.
   LogIn({});
   steps = form("592", "", "7", "");
-  steps[0] = Keys("SER2", {keys::kEnter});
-  steps[9] = Keys("", {keys::kEnter});  // the message box takes this Enter
+  steps[0] = Keys("SER2", {kEnter});
+  steps[9] = Keys("", {kEnter});  // the message box takes this Enter
   Play(steps);
   ASSERT_TRUE(AddItem(kWarehouse, ItemRules{}, number));
   EXPECT_TRUE(Shown("Nie masz praw do edycji cen."_mz));
   EXPECT_EQ(Scalar("SELECT cena_z_n FROM dane_kat_tow_ WHERE nr_wewn=" + std::to_string(number)), "0.0000000");
-  ClearCurrentUser();
 }
 
 TEST_F(ItemsTest, TheListDeletesFindsByAnyFieldAndChangesItsView) {
@@ -559,18 +483,18 @@ TEST_F(ItemsTest, TheListDeletesFindsByAnyFieldAndChangesItsView) {
   EXPECT_EQ(Scalar("SELECT count(*) FROM dane_kat_tow_"), "2");
   LogIn({}, true);
   // F7: search by column 12 (miejsce_w_magazynie) for R12; F6 then "tylko z ilością niezerową" hides SER.
-  Play({Keys("", {keys::F(7)}), Keys("", {keys::kDown, keys::kDown, keys::kDown, keys::kDown, keys::kDown, keys::kDown,
-        keys::kDown, keys::kDown, keys::kDown, keys::kDown, keys::kDown, keys::kEnter}), Keys("R12", {keys::kEnter}),
-        Keys("", {keys::F(6)}), Keys("1"), Keys("", {keys::kDel}), Keys("", {keys::kEnter}), Keys("T")});
+  std::vector<KeyPair> toPlace = Repeat(keys::kDown, 11);
+  toPlace.push_back(kEnter);
+  Play({Keys("", {keys::F(7)}), {toPlace}, Keys("R12", {kEnter}), Keys("", {keys::F(6)}), Keys("1"),
+        Keys("", {keys::kDel}), Keys("", {kEnter}), Keys("T")});
   ItemCatalogue(kWarehouse);
   EXPECT_TRUE(Shown("Wybierz, według jakiego pola szukać:"_mz));
   EXPECT_TRUE(Shown("Podaj pełną wartość pola:"_mz));
   EXPECT_TRUE(Shown("Na towarze przeprowadzano obroty."_mz));
-  const std::string last = gScreens.back();
+  const std::string last = LastScreen();
   EXPECT_NE(last.find(" BULKA"), std::string::npos);
   EXPECT_EQ(last.find(" SER"), std::string::npos);
   EXPECT_EQ(Scalar("SELECT count(*) FROM dane_kat_tow_"), "2");
-  ClearCurrentUser();
 }
 
 }  // namespace
