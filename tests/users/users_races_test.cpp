@@ -20,15 +20,10 @@ using keys::kEsc;
 void DeleteUserTwoElsewhere() {
   const pid_t pid = fork();
   if (pid == 0) {
-    PGConn = nullptr;
-    PGConnected = false;
-    PGTransDepth = 0;
-    const bool ok = PGSetDefaults() == 0 && PGRunQueryNoTup("DELETE FROM dane_uzytkown_uzytkown WHERE numer = 2") == 0;
-    _exit(ok ? 0 : 1);
+    ConnectChild();
+    _exit(PGRunQueryNoTup("DELETE FROM dane_uzytkown_uzytkown WHERE numer = 2") == 0 ? 0 : 1);
   }
-  int status = -1;
-  waitpid(pid, &status, 0);
-  ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+  ASSERT_EQ(ExitStatus(pid), 0);
 }
 
 TEST_F(UsersTest, RowDeletedByAnotherProcessWhileTheListShowsIt) {

@@ -2,10 +2,6 @@
 // catalogue against values the test computes, the DBF written and read back
 // (also by Debian's python3-dbfread), bad DBF files, passing between users,
 // and a second process holding another user's session.
-#include <signal.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -28,6 +24,7 @@
 #include "tui/keyboard.h"
 #include "users/session.h"
 #include "users/users.h"
+#include "users/users_fixture.h"
 
 namespace {
 
@@ -53,10 +50,7 @@ class WorkFileTest : public CatalogueTest {
     Play({});
   }
   void TearDown() override {
-    if (child_ > 0) {
-      ::kill(child_, SIGKILL);
-      ::waitpid(child_, nullptr, 0);
-    }
+    KillHolder(child_);
     ClearCurrentUser();
     Stop();
     CatalogueTest::TearDown();
@@ -120,22 +114,12 @@ class WorkFileTest : public CatalogueTest {
   }
   // Another process takes the session lock and the work file lock of the user, and waits.
   void HoldElsewhere(int32_t user) {
-    int ready[2];
-    ASSERT_EQ(pipe(ready), 0);
-    child_ = fork();
-    if (child_ == 0) {
-      ::close(ready[0]);
+    child_ = HoldInAnotherProcess([user] {
       int session = -1, work = -1;
-      const bool held = !FileLockTake(UserPath(user, ShortText("kluczw__")), session, false) &&
-                        !FileLockTake(WorkFileName(user), work, false);
-      (void)!::write(ready[1], held ? "y" : "n", 1);
-      for (;;) pause();
-    }
-    ::close(ready[1]);
-    char answer = 0;
-    (void)!::read(ready[0], &answer, 1);
-    ::close(ready[0]);
-    ASSERT_EQ(answer, 'y');
+      return !FileLockTake(UserPath(user, ShortText("kluczw__")), session, false) &&
+             !FileLockTake(WorkFileName(user), work, false);
+    });
+    ASSERT_GT(child_, 0);
   }
 
   std::vector<int32_t> items_;
