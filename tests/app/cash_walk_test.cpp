@@ -18,12 +18,6 @@ std::string Money(double v) {
   std::snprintf(buf, sizeof buf, "%.2f", v);
   return buf;
 }
-// Backspaces that clear a field's text of that length before the cursor.
-std::string Erase(std::size_t length) {
-  std::string keys;
-  for (std::size_t i = 0; i < length; ++i) keys += "BSpace ";
-  return keys;
-}
 
 TEST_F(CashWalkTest, ACashPaymentForADemoCustomersInvoiceLeavesItsBalance) {
   ASSERT_TRUE(TmuxWalk::MakeDemoFirm(Db().home));
@@ -48,10 +42,10 @@ TEST_F(CashWalkTest, ACashPaymentForADemoCustomersInvoiceLeavesItsBalance) {
       {"", customer},
       {"", "bilans:     " + Money(total)},
       // The date stays today's, the amount is typed, the comment (the last field) confirms.
-      {"Enter " + Erase(Money(total).size()) + "100 Enter Enter", Money(paid) + " " + customer},
+      {"Enter " + TmuxWalk::Erase(Money(total).size()) + "100 Enter Enter", Money(paid) + " " + customer},
       {"F2", "Bilans dokumentu: " + Money(total - paid)},
       {"Escape F4", "Podaj, ile klient wpłaca:"},
-      {Erase(Money(paid).size()) + "150 Enter", "RESZTA:          " + Money(handed - paid)},
+      {TmuxWalk::Erase(Money(paid).size()) + "150 Enter", "RESZTA:          " + Money(handed - paid)},
       {"Enter Escape", "F4 Kasa"},
   }));
   walk_.Quit();

@@ -193,7 +193,7 @@ TEST_F(KloteGoodsE2eTest, CatalogueFindsByNameAndCodeAndChangesAPrice) {
       {"Down Down Down Down Down Down Down Down Enter", "Podaj pełną wartość pola:"},  // the ninth, indeks_znakowy_isbn
       {code + " Enter", "\n Chleb żytni Mazowiecki"},
       {"Enter", "Korekta danych oznaczonej ciemnym pasem kartoteki towarowej:"},
-      {"BSpace BSpace BSpace BSpace BSpace BSpace BSpace BSpace BSpace BSpace BSpace BSpace '7.77' Enter",
+      {TmuxWalk::Erase(12) + "'7.77' Enter",
        "Jak zmienić dane (jeśli nie wiesz, wybierz zaznaczoną opcję)"},
       {"Enter", "7.77"},  // the marked scope: the catalogue and the current warehouse
   }));

@@ -5,8 +5,8 @@
 #include <csignal>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 
+#include "base/file_fixture.h"
 #include "base/mazovia.h"
 #include "config/konfigur.h"
 #include "print/keyscript.h"
@@ -19,12 +19,7 @@ namespace fs = std::filesystem;
 
 using namespace keyscript;
 
-std::string ReadAll(const fs::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::ostringstream all;
-  all << in.rdbuf();
-  return all.str();
-}
+using file_test::ReadBytes;
 
 class PrintFlowTest : public tui_test::TuiTest {
  protected:
@@ -105,23 +100,11 @@ TEST_F(PrintFlowTest, FileToPrintKeepsCodesAndFileToEditDropsThem) {
     gScript.assign(keys.begin(), keys.end());
     PrintTarget taken = PrintTarget::kNone;
     ASSERT_TRUE(PrintDestination(printFile_, PrintTarget::kNone, taken)) << c.choice;
-    const std::string out = ReadAll(dir_ / "wyj.txt");
+    const std::string out = ReadBytes(dir_ / "wyj.txt");
     if (c.choice == '3') EXPECT_EQ(out, report_);
     else EXPECT_EQ(out.find_first_of("\x1b\f\r"), std::string::npos);
     EXPECT_FALSE(fs::exists(dir_ / "wyj.txt.tmp~"));
   }
-}
-
-TEST_F(PrintFlowTest, AFileInAMissingDirectoryIsRefusedWithTheQuestion) {
-  Type("3");
-  Press(keys::kBackspace, 12);
-  Type("brak/wyj.txt");
-  Press(keys::kEnter);
-  Type("1N");  // Mazovia; no second try
-  PrintTarget taken = PrintTarget::kNone;
-  EXPECT_FALSE(PrintDestination(printFile_, PrintTarget::kNone, taken));
-  EXPECT_TRUE(Seen("Nie można stworzyć takiego pliku. Wpisujesz jeszcze raz ?"_mz.View()));
-  EXPECT_FALSE(fs::exists(dir_ / "brak"));
 }
 
 TEST_F(PrintFlowTest, PrinterGoesThroughTheQueueCommandOfTheConfiguration) {
@@ -131,7 +114,7 @@ TEST_F(PrintFlowTest, PrinterGoesThroughTheQueueCommandOfTheConfiguration) {
   Script({Ch('5'), keys::kBackspace, Ch('2'), keys::kEnter, keys::kEnter});  // pages 2 to 999999999
   PrintTarget taken = PrintTarget::kNone;
   EXPECT_TRUE(PrintDestination(printFile_, PrintTarget::kNone, taken));
-  const std::string printed = ReadAll(dir_ / "kolejka1.out");
+  const std::string printed = ReadBytes(dir_ / "kolejka1.out");
   EXPECT_EQ(printed.substr(0, 20), "\x1b" "Estrona 2 linia 1\r\n");
   EXPECT_EQ(printed.find("strona 1 "), std::string::npos);
   EXPECT_FALSE(fs::exists(fs::path(std::string(printFile_.View()) + ".prn")));
@@ -163,7 +146,7 @@ TEST_F(PrintFlowTest, AFileNoOneCanWriteIsNeverLeftHalfWritten) {
   const int result = WriteFileAtomically("pelny.txt", std::string(100000, 'x'));
   ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &old), 0);
   EXPECT_NE(result, 0);
-  EXPECT_EQ(ReadAll(dir_ / "pelny.txt"), "poprzedni");
+  EXPECT_EQ(ReadBytes(dir_ / "pelny.txt"), "poprzedni");
   EXPECT_FALSE(fs::exists(dir_ / "pelny.txt.tmp~"));
 }
 

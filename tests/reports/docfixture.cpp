@@ -1,10 +1,8 @@
 #include "docfixture.h"
 
 #include <algorithm>
-#include <cstdarg>
-#include <fstream>
-#include <sstream>
 #include <cmath>
+#include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 
@@ -48,13 +46,6 @@ std::string Line(const char* format, ...) {
   std::vsnprintf(buf, sizeof buf, format, args);
   va_end(args);
   return std::string(buf) + "\r\n";
-}
-
-std::string ReadAll(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::ostringstream all;
-  all << in.rdbuf();
-  return all.str();
 }
 
 std::string SortKey(Real value) {

@@ -12,8 +12,6 @@
 
 // One line of an expected report: printf's format, ending in CR LF.
 std::string Line(const char* format, ...) __attribute__((format(printf, 1, 2)));
-// The bytes of a file; empty when it cannot be read.
-std::string ReadAll(const std::string& path);
 int32_t Day(int y, int m, int d);
 // The two figures differ by less than 1e-4.
 void ExpectNear(Real actual, Real expected, const std::string& what);
