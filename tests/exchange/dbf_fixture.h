@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <cstdio>
 #include <string>
 #include <vector>
 
@@ -16,6 +17,19 @@ namespace dbf_test {
 
 using file_test::ReadBytes;
 using file_test::WriteBytes;
+
+// Output of a shell command; ok is false when it cannot run or fails.
+inline std::string RunCommand(const std::string& command, bool& ok) {
+  std::string out;
+  FILE* p = ::popen(command.c_str(), "r");
+  ok = p != nullptr;
+  if (!ok) return out;
+  char buf[4096];
+  size_t n;
+  while ((n = std::fread(buf, 1, sizeof buf, p)) > 0) out.append(buf, n);
+  ok = ::pclose(p) == 0;
+  return out;
+}
 
 struct RawField {
   std::string name;

@@ -15,19 +15,6 @@
 namespace dbf_test {
 namespace {
 
-// Output of a shell command, or "" with ok false when it fails.
-std::string RunCommand(const std::string& command, bool& ok) {
-  std::string out;
-  FILE* p = ::popen(command.c_str(), "r");
-  ok = p != nullptr;
-  if (!ok) return out;
-  char buf[4096];
-  size_t n;
-  while ((n = std::fread(buf, 1, sizeof buf, p)) > 0) out.append(buf, n);
-  ok = ::pclose(p) == 0;
-  return out;
-}
-
 std::vector<std::string> Lines(const std::string& text) {
   std::vector<std::string> lines;
   std::istringstream in(text);

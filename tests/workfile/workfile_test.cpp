@@ -12,6 +12,7 @@
 
 #include "base/mazovia.h"
 #include "documents/docsave.h"
+#include "exchange/dbf_fixture.h"
 #include "exchange/workfile.h"
 #include "master/items_fixture.h"
 #include "master/contractors.h"
@@ -183,12 +184,9 @@ TEST_F(WorkFileTest, DbfRoundTripAndPythonDbfreadReadsTheSameValues) {
       "import dbfread\n"
       "for r in dbfread.DBF('" + Dbf() + "', encoding='latin1'):\n"
       "  print(r['NAZWA'].encode('latin1').hex(), r['NR_WEWN'], '%.3f' % r['ILOSC'], '%.2f' % r['CENA_S_B'], r['JEDNOSTKA'])\n";
-  FILE* py = popen(("/usr/bin/python3 -c \"" + script + "\"").c_str(), "r");
-  ASSERT_NE(py, nullptr);
-  std::string got;
-  char buf[256];
-  while (std::fgets(buf, sizeof buf, py)) got += buf;
-  ASSERT_EQ(pclose(py), 0);
+  bool ok = false;
+  const std::string got = dbf_test::RunCommand("/usr/bin/python3 -c \"" + script + "\"", ok);
+  ASSERT_TRUE(ok) << got;
   std::string expected;
   for (const WorkFileRow& r : rows) {
     std::string hex;
