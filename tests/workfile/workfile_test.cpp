@@ -19,8 +19,6 @@
 #include "master/keysteps.h"
 #include "master/tables.h"
 #include "sqltable/pglib.h"
-#include "sqltable/pgrecord.h"
-#include "sqltable/pgwrite.h"
 #include "sqltable/sqltest.h"
 #include "tui/keyboard.h"
 #include "users/session.h"
@@ -57,27 +55,17 @@ class WorkFileTest : public CatalogueTest {
     CatalogueTest::TearDown();
   }
   static int32_t AddItem(const ShortText& name, Real saleNet) { return AddItemRow(Item(name, "23", 0, saleNet), 5); }
-  // A saved document's lines, written straight through the table layer.
+  // A saved document's lines, written by another client as any program of the firm may write them.
   static void WriteDocument(int16_t kind, int32_t number, const char* mark, const std::vector<Line>& lines) {
-    int16_t tbl = 0, rec = 0;
-    ASSERT_EQ(PGTblOpen(WarehouseTablePath(kWarehouse, "specyfik"), tbl, 0), 0);
-    ASSERT_EQ(PGRecBufOpen(tbl, rec), 0);
+    std::string values;
     int32_t position = 0;
-    for (const Line& l : lines) {
-      ASSERT_EQ(PGRecBufEmpty(rec), 0);
-      ASSERT_EQ(PGPutShort(rec, SpecyfikCol::typ_dok, kind), 0);
-      ASSERT_EQ(PGPutLong(rec, SpecyfikCol::nr_dok, number), 0);
-      ASSERT_EQ(PGPutAlpha(rec, SpecyfikCol::znak_dok, ShortText(mark)), 0);
-      ASSERT_EQ(PGPutLong(rec, SpecyfikCol::pozycja, ++position), 0);
-      ASSERT_EQ(PGPutLong(rec, SpecyfikCol::nr_towaru, l.item), 0);
-      ASSERT_EQ(PGPutAlpha(rec, SpecyfikCol::vat, ShortText("23")), 0);
-      ASSERT_EQ(PGPutExt(rec, SpecyfikCol::ilosc, l.quantity), 0);
-      ASSERT_EQ(PGPutExt(rec, SpecyfikCol::c_zak_netto, l.buyNet), 0);
-      ASSERT_EQ(PGPutExt(rec, SpecyfikCol::c_spr_brutto, l.saleGross), 0);
-      ASSERT_EQ(PGRecAppend(tbl, rec), 0);
-    }
-    (void)PGRecBufClose(rec);
-    (void)PGTblClose(tbl);
+    for (const Line& l : lines)
+      values += std::string(values.empty() ? "(" : ",(") + std::to_string(kind) + "," + std::to_string(number) + ",'" +
+                mark + "'," + std::to_string(++position) + "," + std::to_string(l.item) + ",'23'," +
+                std::to_string(double(l.quantity)) + "," + std::to_string(double(l.buyNet)) + "," +
+                std::to_string(double(l.saleGross)) + ")";
+    ASSERT_TRUE(Psql("INSERT INTO dane_1_specyfik (typ_dok,nr_dok,znak_dok,pozycja,nr_towaru,vat,ilosc,c_zak_netto,"
+                     "c_spr_brutto) VALUES " + values));
   }
   // The rows of the saved document FV 1/number, and of the warehouse's catalogue.
   static std::vector<WorkFileRow> Document(int32_t number) {
@@ -127,7 +115,7 @@ class WorkFileTest : public CatalogueTest {
   pid_t child_ = -1;
 };
 
-TEST_F(WorkFileTest, RowsOfADocumentCarryItsQuantitiesAndPricesWithTheCatalogueNames) {
+TEST_F(WorkFileTest, RowsOfADocumentAndOfTheCatalogueWithTheCatalogueNamesAndTheStock) {
   Fill();
   std::vector<WorkFileRow> rows = Document(7);
   ASSERT_EQ(rows.size(), 2u);
@@ -141,11 +129,8 @@ TEST_F(WorkFileTest, RowsOfADocumentCarryItsQuantitiesAndPricesWithTheCatalogueN
   EXPECT_EQ(rows[0].quantity, 9);
   rows = Document(9);
   EXPECT_TRUE(rows.empty());
-}
-
-TEST_F(WorkFileTest, CatalogueRowsTakeTheWarehouseStock) {
-  Fill();
-  std::vector<WorkFileRow> rows = Catalogue();
+  // The catalogue's rows take the warehouse's stock.
+  rows = Catalogue();
   ASSERT_EQ(rows.size(), 3u);
   for (const WorkFileRow& r : rows) {
     EXPECT_EQ(r.quantity, 5) << r.item.name.Str();
@@ -209,7 +194,7 @@ TEST_F(WorkFileTest, DbfRoundTripAndPythonDbfreadReadsTheSameValues) {
   EXPECT_EQ(Rows(2), Rows(1));
 }
 
-TEST_F(WorkFileTest, BadDbfFilesChangeNothing) {
+TEST_F(WorkFileTest, BadDbfFilesChangeNothingAndRowsTheCatalogueDoesNotKnowAreDropped) {
   Fill();
   std::vector<WorkFileRow> rows = Catalogue();
   ASSERT_EQ(WorkFileWrite(WorkFileName(1), rows, false), 0);
@@ -258,11 +243,8 @@ TEST_F(WorkFileTest, BadDbfFilesChangeNothing) {
   EXPECT_FALSE(ImportWorkFileFrom(ShortText("cut/"), false));
   EXPECT_TRUE(Shown("Plik DBF jest uszkodzony, lub nie istnieje."_mz));
   EXPECT_EQ(Rows(1), before);
-}
 
-TEST_F(WorkFileTest, ImportDropsRowsThatTheCatalogueDoesNotKnow) {
-  Fill();
-  std::vector<WorkFileRow> rows = Catalogue();
+  // A taken file drops the rows that the catalogue does not know.
   rows[1].item.name = "Obcy towar";
   ASSERT_EQ(WorkFileWrite(WorkFileName(1), rows, false), 0);
   std::vector<ShortText> dropped;
@@ -270,37 +252,6 @@ TEST_F(WorkFileTest, ImportDropsRowsThatTheCatalogueDoesNotKnow) {
   ASSERT_EQ(dropped.size(), 1u);
   EXPECT_EQ(dropped[0], "Obcy towar ");
   EXPECT_EQ(Rows(1).find("Obcy"), std::string::npos);
-}
-
-TEST_F(WorkFileTest, PassingAppendsOrReplaces) {
-  Fill();
-  ASSERT_EQ(WorkFileWrite(WorkFileName(1), Document(7), false), 0);
-  ASSERT_EQ(WorkFileWrite(WorkFileName(2), Document(8), false), 0);
-  const std::string mine = Rows(1), theirs = Rows(2);
-  ASSERT_EQ(WorkFileTransfer(1, 2, true), 0);
-  EXPECT_EQ(Rows(2), theirs + mine);
-  ASSERT_EQ(WorkFileTransfer(2, 1, false), 0);
-  EXPECT_EQ(Rows(1), theirs + mine);
-  ASSERT_EQ(WorkFileTransfer(1, 3, false), 0);  // a user without a work file gets one
-  EXPECT_EQ(Rows(3), theirs + mine);
-}
-
-TEST_F(WorkFileTest, AUserWorkingInAnotherProcessKeepsHisWorkFile) {
-  Fill();
-  std::vector<WorkFileRow> rows = Document(8);
-  ASSERT_EQ(WorkFileWrite(WorkFileName(2), rows, false), 0);
-  ASSERT_EQ(WorkFileToDbf(WorkFileName(2), ShortText("dane/other.dbf")), 0);
-  const std::string before = Rows(2);
-  EXPECT_FALSE(UserWorkingElsewhere(2));
-  HoldElsewhere(2);
-  EXPECT_TRUE(UserWorkingElsewhere(2));
-  EXPECT_TRUE(WorkFileLock(WorkFileName(2)).busy());
-  int16_t code = 0;
-  EXPECT_EQ(WorkFileFromDbf(WorkFileName(2), ShortText("dane/other.dbf"), DbfCodePage::kAsIs,
-                            code),
-            WorkFileImport::kLocked);
-  EXPECT_EQ(Rows(2), before);
-  EXPECT_FALSE(UserWorkingElsewhere(1));
 }
 
 TEST(WorkFileMiniTest, LinesAreNumberCommaQuantityAndAnyBadLineRefusesTheFile) {
@@ -531,8 +482,9 @@ TEST_F(WorkFileTest, TakenIntoTheSpecificationRowsFindOrAddTheirItems) {
   }
 }
 
-// Passing by the screen: to oneself, and to a user whose session another process holds; nothing moves.
-TEST_F(WorkFileTest, PassingRefusesOneselfAndAUserWhoIsWorking) {
+// Passing appends or replaces; by the screen, to oneself and from a user whose
+// session another process holds, nothing moves; his work file takes no import either.
+TEST_F(WorkFileTest, PassingAppendsOrReplacesButNotToOneselfNorFromAUserAtWork) {
   Fill();
   ASSERT_EQ(UsersTableEnsure(), 0);
   for (const char* name : {"Jan", "Ewa"}) {
@@ -540,12 +492,28 @@ TEST_F(WorkFileTest, PassingRefusesOneselfAndAUserWhoIsWorking) {
     user.firstName = name;
     ASSERT_EQ(UserAppend(user), UserAppendOutcome::kDone);
   }
-  std::vector<WorkFileRow> rows = Document(7);
-  ASSERT_EQ(WorkFileWrite(WorkFileName(1), rows, false), 0);
-  rows = Document(8);
-  ASSERT_EQ(WorkFileWrite(WorkFileName(2), rows, false), 0);
+  ASSERT_EQ(WorkFileWrite(WorkFileName(1), Document(7), false), 0);
+  ASSERT_EQ(WorkFileWrite(WorkFileName(2), Document(8), false), 0);
   const std::string mine = Rows(1), theirs = Rows(2);
+  ASSERT_EQ(WorkFileTransfer(1, 2, true), 0);
+  EXPECT_EQ(Rows(2), theirs + mine);
+  ASSERT_EQ(WorkFileTransfer(2, 1, false), 0);
+  EXPECT_EQ(Rows(1), theirs + mine);
+  ASSERT_EQ(WorkFileTransfer(1, 3, false), 0);  // a user without a work file gets one
+  EXPECT_EQ(Rows(3), theirs + mine);
+
+  ASSERT_EQ(WorkFileWrite(WorkFileName(1), Document(7), false), 0);
+  ASSERT_EQ(WorkFileToDbf(WorkFileName(1), ShortText("dane/other.dbf")), 0);
+  const std::string before1 = Rows(1), before2 = Rows(2);
+  EXPECT_FALSE(UserWorkingElsewhere(2));
   HoldElsewhere(2);
+  EXPECT_TRUE(UserWorkingElsewhere(2));
+  EXPECT_FALSE(UserWorkingElsewhere(1));
+  EXPECT_TRUE(WorkFileLock(WorkFileName(2)).busy());
+  int16_t code = 0;
+  EXPECT_EQ(WorkFileFromDbf(WorkFileName(2), ShortText("dane/other.dbf"), DbfCodePage::kAsIs, code),
+            WorkFileImport::kLocked);
+  EXPECT_EQ(Rows(2), before2);
   auto key = [](KeyPair k) { return [k] { (void)PushKey(k.ch, k.scan); }; };
   auto digit = [](char d) { return [d] { (void)PushKey(static_cast<unsigned char>(d), 0); }; };
   struct Case {
@@ -563,8 +531,8 @@ TEST_F(WorkFileTest, PassingRefusesOneselfAndAUserWhoIsWorking) {
     Play(c.steps);
     PassWorkFile();
     EXPECT_TRUE(Shown(c.message)) << c.what;
-    EXPECT_EQ(Rows(1), mine) << c.what;
-    EXPECT_EQ(Rows(2), theirs) << c.what;
+    EXPECT_EQ(Rows(1), before1) << c.what;
+    EXPECT_EQ(Rows(2), before2) << c.what;
   }
 }
 
