@@ -19,6 +19,10 @@ void ExpectNear(Real actual, Real expected, const std::string& what);
 // decimals, "a" before a negative one, "b" before the rest.
 std::string SortKey(Real value);
 
+// How many temporary tables the layer's connection holds (sibling test
+// processes in the same database keep theirs apart).
+std::string TemporaryTablesLeft();
+
 // What each kind does to stock, written out here on its own.
 inline const std::set<int16_t> kIssues = {1, 2, 4, 8, 9, 13, 14, 15};
 inline const std::set<int16_t> kReceipts = {3, 5, 6, 7, 10, 11, 12, 18};
