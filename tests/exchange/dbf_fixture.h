@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "base/file_fixture.h"
+#include "base/text.h"
 #include "exchange/dbf/dbf.h"
 
 namespace dbf_test {
@@ -29,6 +30,21 @@ inline std::string RunCommand(const std::string& command, bool& ok) {
   while ((n = std::fread(buf, 1, sizeof buf, p)) > 0) out.append(buf, n);
   ok = ::pclose(p) == 0;
   return out;
+}
+
+// The records of a DBF file as the layer reads them, a line each: the first
+// `fields` fields (0: all) without their leading blanks, ":" between them.
+inline std::string DbfRecords(const char* path, int fields = 0) {
+  DbfFile dbf;
+  if (DbfOpen(dbf, path) != 0) return "unreadable";
+  if (fields == 0) fields = dbf.FieldCount();
+  std::string rows;
+  for (int64_t n = 1; n <= dbf.recordCount; ++n) {
+    if (DbfReadRecord(dbf, n) != 0) return "bad record";
+    for (int f = 1; f <= fields; ++f) rows += TrimLeftAll(DbfGetField(dbf, f), ' ').Str() + (f < fields ? ":" : "\n");
+  }
+  (void)DbfClose(dbf);
+  return rows;
 }
 
 struct RawField {

@@ -157,20 +157,6 @@ TEST_F(DbfWriteTest, BadFieldListsAreRefused) {
   EXPECT_EQ(file_test::Listing(), "bad.dbf ");
 }
 
-TEST_F(DbfWriteTest, TextIsWrittenInTheCodePageWithItsLanguageByte) {
-  ASSERT_EQ(DbfCreate(table_, "cp.dbf", kSpecs, DbfCodePage::kCp1250), 0);
-  DbfBlankRecord(table_);
-  ASSERT_EQ(DbfPutField(table_, 1, "ŁóżŚ"_mz), 0);
-  ASSERT_EQ(DbfAppendRecord(table_), 0);
-  ASSERT_EQ(DbfClose(table_), 0);
-  const std::string b = ReadBytes("cp.dbf");
-  EXPECT_EQ(static_cast<unsigned char>(b[29]), 0xC8);
-  EXPECT_EQ(b.substr(32 + 4 * 32 + 2, 4), "\xA3\xF3\xBF\x8C");  // the letters in Windows 1250
-  ASSERT_EQ(DbfOpen(table_, "cp.dbf"), 0);
-  ASSERT_EQ(DbfReadRecord(table_, 1), 0);
-  EXPECT_EQ(DbfGetField(table_, 1), "ŁóżŚ"_mz);
-}
-
 TEST_F(DbfWriteTest, PackDropsDeletedRecordsAndAppendTakesFieldsByName) {
   WriteTable("p.dbf", 10);
   ASSERT_EQ(DbfOpen(table_, "p.dbf"), 0);
