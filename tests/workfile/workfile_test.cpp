@@ -10,7 +10,6 @@
 #include <tuple>
 #include <vector>
 
-#include "base/mazovia.h"
 #include "documents/docsave.h"
 #include "exchange/dbf_fixture.h"
 #include "exchange/workfile.h"
@@ -18,11 +17,8 @@
 #include "master/contractors.h"
 #include "master/keysteps.h"
 #include "master/tables.h"
-#include "sqltable/pglib.h"
 #include "sqltable/sqltest.h"
-#include "tui/keyboard.h"
 #include "users/session.h"
-#include "users/users.h"
 #include "users/users_fixture.h"
 
 namespace {
@@ -47,6 +43,7 @@ class WorkFileTest : public CatalogueTest {
     me.firstName = "Jan";
     SetCurrentUser(me);
     Play({});
+    Fill();
   }
   void TearDown() override {
     KillHolder(child_);
@@ -95,7 +92,7 @@ class WorkFileTest : public CatalogueTest {
   static std::string Dbf() { return "out/plikrob_.dbf"; }
   // Whether the terminal was sent the text (boxes that only wait a time).
   bool Sent(const char* text) { return ScreenBytes().find(text) != std::string::npos; }
-  // The catalogue of three items, one with a Polish name, and two documents.
+  // The catalogue of three items, one with a Polish name, and two documents: every test starts with them.
   void Fill() {
     items_ = {AddItem("Mleko", 2.5L), AddItem("Chleb", 3), AddItem("Żółć"_mz, 10)};
     WriteDocument(1, 7, "FV", {{items_[0], 4, 2.1L, 3.08L}, {items_[2], 1.5L, 8, 12.3L}});
@@ -116,7 +113,6 @@ class WorkFileTest : public CatalogueTest {
 };
 
 TEST_F(WorkFileTest, RowsOfADocumentAndOfTheCatalogueWithTheCatalogueNamesAndTheStock) {
-  Fill();
   std::vector<WorkFileRow> rows = Document(7);
   ASSERT_EQ(rows.size(), 2u);
   EXPECT_EQ(std::tuple(rows[0].item.name, rows[0].item.number, rows[0].quantity, rows[0].item.buyNet),
@@ -139,7 +135,6 @@ TEST_F(WorkFileTest, RowsOfADocumentAndOfTheCatalogueWithTheCatalogueNamesAndThe
 }
 
 TEST_F(WorkFileTest, WritingAsksToAddAndAnEmptySourceWithNoLeavesItEmpty) {
-  Fill();
   std::vector<WorkFileRow> rows = Document(7);
   ASSERT_TRUE(AddSpecificationToWorkFile(rows));  // nothing there yet: no question
   EXPECT_TRUE(Sent("Zapis poprawny."));
@@ -157,7 +152,6 @@ TEST_F(WorkFileTest, WritingAsksToAddAndAnEmptySourceWithNoLeavesItEmpty) {
 }
 
 TEST_F(WorkFileTest, DbfRoundTripAndPythonDbfreadReadsTheSameValues) {
-  Fill();
   std::vector<WorkFileRow> rows = Document(7);
   ASSERT_EQ(WorkFileWrite(WorkFileName(1), rows, false), 0);
   std::filesystem::create_directories("out");
@@ -195,7 +189,6 @@ TEST_F(WorkFileTest, DbfRoundTripAndPythonDbfreadReadsTheSameValues) {
 }
 
 TEST_F(WorkFileTest, BadDbfFilesChangeNothingAndRowsTheCatalogueDoesNotKnowAreDropped) {
-  Fill();
   std::vector<WorkFileRow> rows = Catalogue();
   ASSERT_EQ(WorkFileWrite(WorkFileName(1), rows, false), 0);
   std::filesystem::create_directories("out");
@@ -291,7 +284,6 @@ TEST(WorkFileMiniTest, LinesAreNumberCommaQuantityAndAnyBadLineRefusesTheFile) {
 }
 
 TEST_F(WorkFileTest, TheMiniFormGoesOutAndComesBackThroughTheCatalogue) {
-  Fill();
   std::vector<WorkFileRow> rows = Document(7);
   rows[0].quantity = 1.234567L;
   ASSERT_EQ(WorkFileWrite(WorkFileName(1), rows, false), 0);
@@ -337,7 +329,6 @@ TEST_F(WorkFileTest, TheMiniFormGoesOutAndComesBackThroughTheCatalogue) {
 
 // The menu by keys: its rows under their key-caps, and the entries run by their digits.
 TEST_F(WorkFileTest, TheMenuShowsItsRowsAndRunsThemByTheirKeys) {
-  Fill();
   std::vector<WorkFileRow> rows = Catalogue();
   ASSERT_EQ(WorkFileWrite(WorkFileName(1), rows, false), 0);
   auto keys = [](const std::string& text) {
@@ -425,7 +416,6 @@ TEST(WorkFileTakeTest, TheSourceDecidesThePricesOfTheRows) {
 }
 
 TEST_F(WorkFileTest, TakenIntoTheSpecificationRowsFindOrAddTheirItems) {
-  Fill();
   std::vector<WorkFileRow> rows = Document(7);
   WorkFileRow stranger;
   stranger.item.name = "Nowy towar";
@@ -485,7 +475,6 @@ TEST_F(WorkFileTest, TakenIntoTheSpecificationRowsFindOrAddTheirItems) {
 // Passing appends or replaces; by the screen, to oneself and from a user whose
 // session another process holds, nothing moves; his work file takes no import either.
 TEST_F(WorkFileTest, PassingAppendsOrReplacesButNotToOneselfNorFromAUserAtWork) {
-  Fill();
   ASSERT_EQ(UsersTableEnsure(), 0);
   for (const char* name : {"Jan", "Ewa"}) {
     UserRecord user;
@@ -538,7 +527,6 @@ TEST_F(WorkFileTest, PassingAppendsOrReplacesButNotToOneselfNorFromAUserAtWork) 
 
 // Taking the work file by the screen: a missing or empty file says so; the own form takes the rows as they are.
 TEST_F(WorkFileTest, TakingByTheScreenNamesAMissingOrEmptyFileAndTakesOwnRows) {
-  Fill();
   std::vector<WorkFileRow> rows = Document(7);
   struct Case {
     const char* what;
