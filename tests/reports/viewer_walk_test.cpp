@@ -1,6 +1,6 @@
-// Walks of the real klote in tmux: from Analizy, the turnover analysis and
-// the stock with turnover of the small firm to the screen viewer, moves in
-// it, and back to the menu.
+// A walk of the real klote in tmux: from Analizy, the turnover analysis, the
+// stock with turnover and the cash report of the small firm to the screen
+// viewer, moves in it, and back to the menu.
 #include <optional>
 #include <string>
 
@@ -36,7 +36,7 @@ class ViewerWalkTest : public DocumentsTest {
 // The period of February typed over today's dates.
 const std::string kFebruary = TmuxWalk::Erase(10) + "01-02-2026 Enter " + TmuxWalk::Erase(10) + "28-02-2026 Enter";
 
-TEST_F(ViewerWalkTest, TurnoverAnalysisOnTheScreen) {
+TEST_F(ViewerWalkTest, TurnoverStockAndCashAnalysesOnTheScreen) {
   ASSERT_NO_FATAL_FAILURE(Analysis("1"));
   ASSERT_NO_FATAL_FAILURE(walk_->Walk({{"", "Podaj tytuł wydruku:"},
                                        {"Test Enter " + kFebruary, "Wybierz magazyny, na których dokonywano operacji:"},
@@ -55,12 +55,9 @@ TEST_F(ViewerWalkTest, TurnoverAnalysisOnTheScreen) {
   EXPECT_TRUE(Shows("\nhleb      ")) << Pane();
   ASSERT_NO_FATAL_FAILURE(walk_->Walk({{"Escape", "Czy zapisać zestawienie w standardzie DBF-3 ?"},
                                        {"N", "Obroty i stany towarów w wybranym okresie, z podsumowaniami."}}));
-  walk_->Quit();
-}
 
-TEST_F(ViewerWalkTest, StockWithTurnoverOnTheScreen) {
-  ASSERT_NO_FATAL_FAILURE(Analysis("6"));
-  ASSERT_NO_FATAL_FAILURE(walk_->Walk({{"", "Dane będą blokowane kolejno w każdym analizowanym magazynie."},
+  // The stock with turnover, from the same list.
+  ASSERT_NO_FATAL_FAILURE(walk_->Walk({{"6", "Dane będą blokowane kolejno w każdym analizowanym magazynie."},
                                        {"Enter", "Podaj tytuł wydruku:"},
                                        {"Stany Enter " + kFebruary, "Wybierz magazyny, na których dokonywano operacji:"},
                                        {"Enter F10", "Sprzedaż"},
@@ -75,14 +72,10 @@ TEST_F(ViewerWalkTest, StockWithTurnoverOnTheScreen) {
   EXPECT_TRUE(Shows("42.86                0.00 bez obrotu\n")) << Pane();
   EXPECT_TRUE(Shows("60.00                0.00\n")) << Pane();
   ASSERT_NO_FATAL_FAILURE(walk_->Walk({{"Escape", "Zestawienia stanów i towary bez obrotu"}}));
-  walk_->Quit();
-}
 
-// The cash summary as a cash report: a symbol and an opening balance, no cash
-// in February, so the closing balance is the opening one.
-TEST_F(ViewerWalkTest, CashReportOnTheScreen) {
-  ASSERT_NO_FATAL_FAILURE(Analysis("3"));
-  ASSERT_NO_FATAL_FAILURE(walk_->Walk({{"", "Podsumowanie kasy za wybrany dzień"},
+  // The cash summary as a cash report: a symbol and an opening balance, no cash
+  // in February, so the closing balance is the opening one.
+  ASSERT_NO_FATAL_FAILURE(walk_->Walk({{"3", "Podsumowanie kasy za wybrany dzień"},
                                        {"1", "Podaj zakres dat"},
                                        {kFebruary, "Wybierz magazyny, na których dokonywano operacji:"},
                                        {"Enter F10", "Jeżeli nie podasz nic"},
