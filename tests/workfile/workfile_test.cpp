@@ -407,11 +407,7 @@ TEST(WorkFileTakeTest, TheSourceDecidesThePricesOfTheRows) {
 TEST_F(WorkFileTest, TakenIntoTheSpecificationRowsFindOrAddTheirItems) {
   std::vector<WorkFileRow> rows = Document(7);
   WorkFileRow stranger;
-  stranger.item.name = "Nowy towar";
-  stranger.item.vat = "23";
-  stranger.item.unit = "kg";
-  stranger.item.saleNet = 4;
-  stranger.item.saleGross = 4.92L;
+  stranger.item = Item("Nowy towar", "23", 0, 4);
   stranger.item.supplierText = "Dostawca X";
   stranger.quantity = 6;
   rows.push_back(stranger);
