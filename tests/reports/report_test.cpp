@@ -43,53 +43,41 @@ TEST_F(ReportTest, ThePeriodMustBeRealDatesInOrder) {
   }
 }
 
-TEST_F(ReportTest, NoWarehouseOrNoKindEndsTheDialogue) {
-  TitleAndDates("01-02-2026", "28-02-2026");
-  Press(keys::F(10));  // nothing marked
-  TurnoverParams p;
-  EXPECT_FALSE(AskTurnoverParams(p));
-  EXPECT_GE(ScreensWith("Nie wybrano żadnego magazynu do zestawienia - nie ma czego analizować."_mz.View()), 1);
-  gScript.clear();
-  TitleAndDates("01-02-2026", "28-02-2026");
-  Press(keys::kEnter);  // warehouse 1 marked
-  Press(keys::F(10), 3);  // and every supplier and item
-  Press(keys::kEnter);  // the first set (sales) unmarked
-  Press(keys::F(10));
-  TurnoverParams q;
-  EXPECT_FALSE(AskTurnoverParams(q));
-  EXPECT_EQ(q.warehouses, std::vector<int32_t>{1});
-  EXPECT_GE(ScreensWith("Nie skonfigurowano żadnego dokumentu do tej analizy."_mz.View()), 1);
-}
-
-// Suppliers are offered first, then the items of the suppliers marked.
-TEST_F(ReportTest, SupplierAndItemChoicesNarrowTheAnalysis) {
+// After the dates the warehouses, then the suppliers, then the items of the suppliers marked, then the kinds:
+// no warehouse or no kind ends the dialogue.
+TEST_F(ReportTest, ChoicesNarrowTheAnalysisOrEndTheDialogue) {
+  const KeyPair enter = keys::kEnter, f10 = keys::F(10), down = keys::kDown, esc = keys::kEsc;
+  const ShortText suppliers = "Wybierz dostawców, na których towarach dokonywano operacji:"_mz;
   const struct {
     const char* name;
-    std::vector<KeyPair> keys;  // after the warehouses
+    std::vector<KeyPair> keys;  // after the dates
     bool given;
-    std::vector<int32_t> suppliers, items;
+    std::vector<int32_t> warehouses, suppliers, items;
+    ShortText shown;
   } cases[] = {
-      {"nothing marked: all", {keys::F(10), keys::F(10)}, true, {}, {}},
-      {"the second supplier, its only item", {keys::kDown, keys::kEnter, keys::F(10), keys::kEnter, keys::F(10)}, true,
-       {200}, {2}},
-      {"an item of all, by name", {keys::F(10), keys::kDown, keys::kEnter, keys::F(10)}, true, {}, {1}},
-      {"Esc at the suppliers", {keys::kEsc}, false, {}, {}},
-      {"Esc at the items", {keys::F(10), keys::kEsc}, false, {}, {}},
+      {"no warehouse", {f10}, false, {}, {}, {},
+       "Nie wybrano żadnego magazynu do zestawienia - nie ma czego analizować."_mz},
+      {"the sales unmarked", {enter, f10, f10, f10, enter, f10}, false, {1}, {}, {},
+       "Nie skonfigurowano żadnego dokumentu do tej analizy."_mz},
+      {"nothing marked: all", {enter, f10, f10, f10, f10}, true, {1}, {}, {}, suppliers},
+      {"the second supplier, its only item", {enter, f10, down, enter, f10, enter, f10, f10}, true, {1}, {200}, {2},
+       suppliers},
+      {"an item of all, by name", {enter, f10, f10, down, enter, f10, f10}, true, {1}, {}, {1}, suppliers},
+      {"Esc at the suppliers", {enter, f10, esc}, false, {1}, {}, {}, suppliers},
+      {"Esc at the items", {enter, f10, f10, esc}, false, {1}, {}, {}, suppliers},
   };
   for (const auto& c : cases) {
     gScript.clear();
     gScreens.clear();
     TitleAndDates("01-02-2026", "28-02-2026");
-    Press(keys::kEnter);  // warehouse 1
-    Press(keys::F(10));
     for (KeyPair k : c.keys) Press(k);
-    if (c.given) Press(keys::F(10));  // sales
     if (c.given) Type("1N");
     TurnoverParams p;
     EXPECT_EQ(AskTurnoverParams(p), c.given) << c.name;
+    EXPECT_EQ(p.warehouses, c.warehouses) << c.name;
     EXPECT_EQ(p.suppliers, c.suppliers) << c.name;
     EXPECT_EQ(p.items, c.items) << c.name;
-    EXPECT_GE(ScreensWith("Wybierz dostawców, na których towarach dokonywano operacji:"_mz.View()), 1) << c.name;
+    EXPECT_GE(ScreensWith(c.shown.View()), 1) << c.name;
     // Supplier 100's item is not offered once only supplier 200 is marked.
     if (c.suppliers == std::vector<int32_t>{200}) {
       EXPECT_EQ(ScreensWith("Mleko"), 0);
