@@ -65,7 +65,7 @@ TEST_F(DbfWriteTest, WrittenBytesAreADbase3FileWithItsMarks) {
   EXPECT_EQ(b.substr(header, record), " R1" + std::string(14, ' ') + "1.5020200201T");
 }
 
-TEST_F(DbfWriteTest, CreatedFileAppearsOnlyWhenClosedWhole) {
+TEST_F(DbfWriteTest, CreatedFileAppearsOnlyWhenClosedWholeAndOneRemovedWhileWrittenIsReported) {
   std::string old = RawDbase3(kRawFields, kRawRecords);
   WriteBytes("tabela.dbf", old);
   ASSERT_EQ(DbfCreate(table_, "tabela.dbf", kSpecs), 0);
@@ -75,6 +75,21 @@ TEST_F(DbfWriteTest, CreatedFileAppearsOnlyWhenClosedWhole) {
   ASSERT_EQ(DbfClose(table_), 0);
   EXPECT_EQ(Names("tabela.dbf", false), std::vector<std::string>{""});
   EXPECT_EQ(file_test::Listing(), "tabela.dbf ");
+  std::remove("tabela.dbf");
+
+  // A file removed while it is written is reported.
+  ASSERT_EQ(DbfCreate(table_, "znika.dbf", kSpecs), 0);
+  DbfBlankRecord(table_);
+  ASSERT_EQ(DbfAppendRecord(table_), 0);
+  ASSERT_EQ(std::system("rm -f ./~*.dbf"), 0);  // the file being written
+  EXPECT_EQ(DbfClose(table_), kDbfNotFound);
+  EXPECT_EQ(file_test::Listing(), "");
+
+  WriteTable("znika.dbf", 3);
+  ASSERT_EQ(DbfOpen(table_, "znika.dbf"), 0);
+  ASSERT_EQ(DbfAppendRecord(table_), 0);
+  std::remove("znika.dbf");
+  EXPECT_EQ(DbfClose(table_), kDbfNotFound);
 }
 
 TEST_F(DbfWriteTest, RecordsAreRewrittenInPlaceAndFound) {
@@ -243,21 +258,6 @@ TEST_F(DbfWriteTest, FullDiskLeavesNoNewFileAndAnOldFileWhole) {
   for (int64_t n = 1; n <= table_.recordCount; ++n) ASSERT_EQ(DbfReadRecord(table_, n), 0) << n;
   const std::string after = ReadBytes("stary.dbf");
   EXPECT_EQ(after[table_.headerSize + table_.recordCount * table_.recordSize], 0x1A);
-}
-
-TEST_F(DbfWriteTest, FileRemovedWhileWrittenIsReported) {
-  ASSERT_EQ(DbfCreate(table_, "znika.dbf", kSpecs), 0);
-  DbfBlankRecord(table_);
-  ASSERT_EQ(DbfAppendRecord(table_), 0);
-  ASSERT_EQ(std::system("rm -f ./~*.dbf"), 0);  // the file being written
-  EXPECT_EQ(DbfClose(table_), kDbfNotFound);
-  EXPECT_EQ(file_test::Listing(), "");
-
-  WriteTable("znika.dbf", 3);
-  ASSERT_EQ(DbfOpen(table_, "znika.dbf"), 0);
-  ASSERT_EQ(DbfAppendRecord(table_), 0);
-  std::remove("znika.dbf");
-  EXPECT_EQ(DbfClose(table_), kDbfNotFound);
 }
 
 TEST_F(DbfWriteTest, ReadOnlyFileRefusesWrites) {
