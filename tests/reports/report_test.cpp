@@ -8,8 +8,9 @@
 
 #include "base/dates.h"
 #include "base/mazovia.h"
-#include "dialogfixture.h"
+#include "docfixture.h"
 #include "exchange/dbf/dbf.h"
+#include "print/keyscript.h"
 #include "reports/analyses.h"
 #include "reports/itemanalyses.h"
 #include "reports/dbfsave.h"
@@ -18,8 +19,35 @@ namespace {
 
 using namespace keyscript;
 
-class ReportTest : public DialogTest {
+// The small firm with scripted keys: dialogs of the reports answered from a script.
+class ReportTest : public DocumentsTest {
  protected:
+  void SetUp() override {
+    DocumentsTest::SetUp();
+    SaveSmallFirm();
+    keyscript::Begin();
+  }
+  void TearDown() override {
+    keyscript::End();
+    DocumentsTest::TearDown();
+  }
+  // The period typed over the proposed dates.
+  static void Period(const char* from, const char* to) {
+    Press(keys::kBackspace, 10);
+    Type(from);
+    Press(keys::kEnter);
+    Press(keys::kBackspace, 10);
+    Type(to);
+    Press(keys::kEnter);
+  }
+  // The destination "file to print" under the name given, Mazovia.
+  static void ToFile(const std::string& name) {
+    Type("3");
+    Press(keys::kBackspace, 12);
+    Type(name);
+    Press(keys::kEnter);
+    Type("1");
+  }
   // The dialog up to the dates: the title typed, the dates replaced.
   static void TitleAndDates(const char* from, const char* to) {
     Type("Test");
@@ -134,7 +162,7 @@ TEST_F(ReportTest, TheReportGoesToAFileByteForByteAndToDbf) {
 
 std::string M(const ShortText& text) { return text.Str(); }
 
-using ItemReportTest = DialogTest;
+using ItemReportTest = ReportTest;
 
 TEST_F(ItemReportTest, TheReportGoesToAFileByteForByteAndAFileThatCannotBeWrittenIsRefused) {
   // Title, one period, warehouse 1, sales, sort by name ascending.
