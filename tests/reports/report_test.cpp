@@ -6,7 +6,6 @@
 
 #include <filesystem>
 
-#include "base/dates.h"
 #include "base/mazovia.h"
 #include "docfixture.h"
 #include "exchange/dbf/dbf.h"
