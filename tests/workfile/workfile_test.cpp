@@ -151,7 +151,7 @@ TEST_F(WorkFileTest, WritingAsksToAddAndAnEmptySourceWithNoLeavesItEmpty) {
   EXPECT_TRUE(std::filesystem::exists("dane/uzytkown/1/plikrob_.lcu"));
 }
 
-TEST_F(WorkFileTest, DbfRoundTripAndPythonDbfreadReadsTheSameValues) {
+TEST_F(WorkFileTest, DbfRoundTripReadByDbfreadAndBadOrUnknownRowsChangeNothing) {
   std::vector<WorkFileRow> rows = Document(7);
   ASSERT_EQ(WorkFileWrite(WorkFileName(1), rows, false), 0);
   std::filesystem::create_directories("out");
@@ -186,20 +186,10 @@ TEST_F(WorkFileTest, DbfRoundTripAndPythonDbfreadReadsTheSameValues) {
   ASSERT_EQ(WorkFileFromDbf(WorkFileName(2), ShortText(Dbf().c_str()), DbfCodePage::kAsIs, code), WorkFileImport::kDone);
   EXPECT_EQ(code, 0);
   EXPECT_EQ(Rows(2), Rows(1));
-}
 
-TEST_F(WorkFileTest, BadDbfFilesChangeNothingAndRowsTheCatalogueDoesNotKnowAreDropped) {
-  std::vector<WorkFileRow> rows = Catalogue();
-  ASSERT_EQ(WorkFileWrite(WorkFileName(1), rows, false), 0);
-  std::filesystem::create_directories("out");
-  ASSERT_EQ(WorkFileToDbf(WorkFileName(1), ShortText(Dbf().c_str())), 0);
+  // Bad DBF files change nothing.
   const std::string good = ReadFile(Dbf());
   const std::string before = Rows(1);
-  auto writeFile = [](const std::string& path, const std::string& bytes) {
-    FILE* f = std::fopen(path.c_str(), "wb");
-    std::fwrite(bytes.data(), 1, bytes.size(), f);
-    std::fclose(f);
-  };
   const std::string other = "out/other.dbf";
   {
     DbfFile dbf;
@@ -222,7 +212,7 @@ TEST_F(WorkFileTest, BadDbfFilesChangeNothingAndRowsTheCatalogueDoesNotKnowAreDr
   const std::string target = "out/bad.dbf";
   for (const Case& c : cases) {
     std::filesystem::remove(target);
-    if (!c.bytes.empty()) writeFile(target, c.bytes);
+    if (!c.bytes.empty()) file_test::WriteBytes(target, c.bytes);
     int16_t code = 0;
     EXPECT_EQ(WorkFileFromDbf(WorkFileName(1), ShortText(target.c_str()), DbfCodePage::kAsIs, code),
               WorkFileImport::kBadDbf)
@@ -232,7 +222,7 @@ TEST_F(WorkFileTest, BadDbfFilesChangeNothingAndRowsTheCatalogueDoesNotKnowAreDr
   }
   // Through the screen: the system's message, the work file as it was.
   std::filesystem::create_directories("cut");
-  writeFile("cut/plikrob_.dbf", good.substr(0, good.size() - 40));
+  file_test::WriteBytes("cut/plikrob_.dbf", good.substr(0, good.size() - 40));
   EXPECT_FALSE(ImportWorkFileFrom(ShortText("cut/"), false));
   EXPECT_TRUE(Shown("Plik DBF jest uszkodzony, lub nie istnieje."_mz));
   EXPECT_EQ(Rows(1), before);
