@@ -143,7 +143,8 @@ TEST_F(MenuTest, EntriesRunTheirOperationAndComeBackToTheirList) {
       {"document analyses not built yet", {keys::F(5), {'2', 3}}, 0, false, kNotYetAvailableText},
       {"tenth entry by its key 0", {keys::F(6), {'0', 11}}, 0, false, kNoWarehouseText},  // deposits need a warehouse
       // Inne's seventh entry asks about the operator's fiscal printer; "no" ends it.
-      {"fiscal printer entry", {keys::F(6), {'7', 8}}, 0, false, "Czy zmienić ustawienia drukarki fiskalnej ?"_mz, {'N', 49}},
+      {"fiscal printer entry", {keys::F(6), {'7', 8}}, 0, false, "Czy zmienić ustawienia drukarki fiskalnej ?"_mz,
+       {'N', 49}},
   };
   for (const OperationCase& c : cases) {
     SCOPED_TRACE(c.name);
