@@ -94,7 +94,8 @@ TEST_F(UsersTest, CopyOfTheListReadsBackWithoutPasswords) {
   ASSERT_TRUE(Psql("UPDATE dane_uzytkown_uzytkown SET haslo = '7878', uprawnienia = 'TNNNNNNNNNNNT' WHERE numer = 1"));
   ASSERT_TRUE(UsersWriteDbfCopy());
   // NUMER:IMIE:NAZWISKO:UPR_MAX:UPRAWN:STATUS of each record.
-  EXPECT_EQ(dbf_test::DbfRecords("dane\\uzytkown\\uzytkown.dbf", 6), "0:Kierownik:Systemu:1:TTTTTTTTTTTTT:N\n1:Jan:Nowak:0:TNNNNNNNNNNNT:N\n");
+  EXPECT_EQ(dbf_test::DbfRecords("dane\\uzytkown\\uzytkown.dbf", 6),
+            "0:Kierownik:Systemu:1:TTTTTTTTTTTTT:N\n1:Jan:Nowak:0:TNNNNNNNNNNNT:N\n");
   EXPECT_EQ(ReadFile("dane/uzytkown/uzytkown.dbf").find("xx"), std::string::npos);
   // A copy that cannot be written is said; the table keeps its rows.
   ASSERT_TRUE(Psql("DELETE FROM dane_uzytkown_uzytkown WHERE numer = 1"));
