@@ -14,20 +14,12 @@
 #include "master/contractor_hooks.h"
 #include "master/contractor_screens.h"
 #include "master/dictionary_screens.h"
-#include "tui/keyboard.h"
+#include "print/keyscript.h"
 #include "tui/tui_fixture.h"
 
 namespace {
 
-std::vector<KeyPair> gKeys;
-std::size_t gNext = 0;
-std::string gSeen;  // every screen at a wait for a key
-
-void LookAndPush() {
-  for (int row = 1; row <= kScreenRows; ++row) gSeen += RowText(row).Str() + "\n";
-  if (gNext < gKeys.size()) (void)PushKey(gKeys[gNext].ch, gKeys[gNext].scan);
-  ++gNext;
-}
+using namespace keyscript;
 
 class CatalogueLinks : public PaymentsTest {
  protected:
@@ -40,22 +32,20 @@ class CatalogueLinks : public PaymentsTest {
     ASSERT_TRUE(Psql("INSERT INTO DANE_MAGAZYNY (nazwa,nazwa_inne,numer,czy_podmiot_gosp) VALUES ('M1','',1,'Z')"));
     state_.warehouse = kWarehouse;
     RegisterCatalogueLinks(state_);
-    SetKeyIdleHook(LookAndPush);
+    Begin();
   }
   void TearDown() override {
-    SetKeyIdleHook(nullptr);
-    KeyboardReset();
+    End();
     SetContractorDocumentHooks({});
     SetOtherCatalogueRow(ShortText(), nullptr);
     ConfigSettings() = ConfigValues::Defaults();
     PaymentsTest::TearDown();
   }
-  static void Keys(std::vector<KeyPair> keys) {
-    gKeys = std::move(keys);
-    gNext = 0;
-    gSeen.clear();
+  static void Keys(std::initializer_list<KeyPair> keys) {
+    gScript.assign(keys);
+    gScreens.clear();
   }
-  static bool Seen(const ShortText& text) { return gSeen.find(text.Str()) != std::string::npos; }
+  static bool Seen(const std::string& text) { return ScreensWith(text) > 0; }
   AppState state_;
 };
 
@@ -85,8 +75,8 @@ TEST_F(CatalogueLinks, ReceivablesAndDocumentsOfTheCurrentWarehouse) {
     state_.warehouse = c.warehouse;
     Keys({c.key, keys::kEsc, keys::kEsc});
     ContractorCatalogue(ContractorKind::kCustomer);
-    for (const std::string& text : c.shown) EXPECT_NE(gSeen.find(text), std::string::npos) << text;
-    for (const std::string& text : c.absent) EXPECT_EQ(gSeen.find(text), std::string::npos) << text;
+    for (const std::string& text : c.shown) EXPECT_TRUE(Seen(text)) << text;
+    for (const std::string& text : c.absent) EXPECT_FALSE(Seen(text)) << text;
   }
 }
 
@@ -108,8 +98,8 @@ TEST_F(CatalogueLinks, RebuildOfTheNumberRegisterFromTheOtherCatalogues) {
     ConfigSettings().SetNumber(kConfigLineCommonNumbering, c.common);
     Keys({keys::kEnd, keys::kEnter, c.common == 0 ? keys::kEnter : KeyOfByte('2')});
     DictionaryCataloguesMenu();
-    EXPECT_TRUE(Seen("katalog numerów dokumentów"_mz));
-    EXPECT_TRUE(Seen(c.shown.Copy(1, c.shown.Pos("@") ? c.shown.Pos("@") - 1 : c.shown.Length()))) << c.common;
+    EXPECT_TRUE(Seen("katalog numerów dokumentów"_mz.Str()));
+    EXPECT_TRUE(Seen(c.shown.Str().substr(0, c.shown.Str().find('@')))) << c.common;
     EXPECT_EQ(Scalar("SELECT string_agg(typ_dok||':'||nr_dok, ',') FROM DANE_NAGLOWKI"), c.registered);
   }
 }

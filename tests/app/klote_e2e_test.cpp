@@ -6,11 +6,11 @@
 // that the start lends the other catalogues.
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <filesystem>
 #include <string>
 #include <vector>
 
+#include "exchange/dbf_fixture.h"
 #include "tmuxwalk.h"
 
 namespace {
@@ -69,7 +69,7 @@ class KloteE2eTest : public WalkTest {
   }
 };
 
-TEST_F(KloteE2eTest, StartWalkEveryHeadingOpenAnEntryAndLeave) {
+TEST_F(KloteE2eTest, StartWalkEveryHeadingOpenEntriesAndLeave) {
   Start(Db().home);
   LogInAsManager();
   ASSERT_TRUE(ShowsHeading(kHeadings[0])) << walk_.Pane();
@@ -100,7 +100,27 @@ TEST_F(KloteE2eTest, StartWalkEveryHeadingOpenAnEntryAndLeave) {
   ASSERT_NO_FATAL_FAILURE(walk_.Walk({{"F6 1", "Lista użytkowników:"}}));
   walk_.Keys("Escape");
   EXPECT_TRUE(ShowsHeading(kHeadings[4])) << walk_.Pane();
-  walk_.Quit();
+  // The customer catalogue: a customer with Polish letters added by the form, found again by a fragment of its name.
+  ASSERT_NO_FATAL_FAILURE(walk_.Walk({
+      {"F6 2", "odbiorcy"},
+      {"1", "Wybierz żądanego odbiorcy:"},
+      {"IC", "Dopisanie nowego odbiorcy:"},
+      // The name (the number left empty takes the next one), other name, code, town, then confirm.
+      {"'Zakład Żółć' Enter Enter Enter 'Łódź' F10", "Zakład Żółć"},
+      {"", "Łódź"},
+      {"C-r", "Wprowadź szukany fragment (ciąg znaków) z nazwy:"},
+      {"'żółć' Enter", "Jest ! Czy szukać dalej ?"},
+  }));
+  walk_.Keys("n Escape");  // back in the list of Inne, on the entry that ran
+  EXPECT_TRUE(walk_.ShowsRow(24, "Dopisywanie i zmiany danych odbiorców, dostawców i magazynów.")) << walk_.Pane();
+  // "Inne katalogi" ends with the register of document numbers, lent at the start: with common numbering off it
+  // refuses.
+  ASSERT_NO_FATAL_FAILURE(walk_.Walk({
+      {"3", "katalog numerów dokumentów"},
+      {"End Enter", "Opcje wspólnej numeracji dokumentów sa wylaczone."},
+      {"Enter Escape Escape", "KLOTE-END"},
+  }));
+  EXPECT_EQ(Value("SELECT numer || ':' || nazwa || ':' || miasto FROM dane_odbiorcy"), "1:Zakład Żółć:Łódź");
   // The connection step gave the new database its catalogue and the firm's tables; the end cleared the mark.
   std::string out;
   EXPECT_TRUE(Psql("SELECT count(*) FROM tables_list", &out)) << out;
@@ -118,73 +138,26 @@ TEST_F(KloteE2eTest, FailedConnectionShowsTheLayersMessageAndEnds) {
   EXPECT_TRUE(walk_.Shows("KLOTE-END")) << walk_.Pane();
 }
 
-// The customer catalogue from the menu: a customer with Polish letters
-// added by the form, found again by a fragment of its name, and the way out.
-TEST_F(KloteE2eTest, CustomerCatalogueAddAndFindByName) {
-  Start(Db().home);
-  LogInAsManager();
-  ASSERT_TRUE(ShowsHeading(kHeadings[0])) << walk_.Pane();
-  ASSERT_NO_FATAL_FAILURE(walk_.Walk({
-      {"F6 2", "odbiorcy"},
-      {"1", "Wybierz żądanego odbiorcy:"},
-      {"IC", "Dopisanie nowego odbiorcy:"},
-      // The name (the number left empty takes the next one), other name, code, town, then confirm.
-      {"'Zakład Żółć' Enter Enter Enter 'Łódź' F10", "Zakład Żółć"},
-      {"", "Łódź"},
-      {"C-r", "Wprowadź szukany fragment (ciąg znaków) z nazwy:"},
-      {"'żółć' Enter", "Jest ! Czy szukać dalej ?"},
-  }));
-  walk_.Keys("n Escape");  // back in the list of Inne, on the entry that ran
-  EXPECT_TRUE(walk_.ShowsRow(24, "Dopisywanie i zmiany danych odbiorców, dostawców i magazynów.")) << walk_.Pane();
-  walk_.Quit();
-  EXPECT_EQ(Value("SELECT numer || ':' || nazwa || ':' || miasto FROM dane_odbiorcy"), "1:Zakład Żółć:Łódź");
-}
-
-// "Inne katalogi" of the real program ends with the register of document
-// numbers, lent at the start: with common numbering off it refuses.
-TEST_F(KloteE2eTest, OtherCataloguesOfferTheNumberRegister) {
-  Start(Db().home);
-  LogInAsManager();
-  ASSERT_TRUE(ShowsHeading(kHeadings[0])) << walk_.Pane();
-  ASSERT_NO_FATAL_FAILURE(walk_.Walk({
-      {"F6 3", "katalog numerów dokumentów"},
-      {"End Enter", "Opcje wspólnej numeracji dokumentów sa wylaczone."},
-      {"Enter Escape Escape", "KLOTE-END"},
-  }));
-}
-
-// The goods walks run on the demo firm, made by tools/demo-firm in the test's own schema.
-class KloteGoodsE2eTest : public KloteE2eTest {
- protected:
-  void SetUp() override {
-    KloteE2eTest::SetUp();
-    if (IsSkipped()) return;
-    ASSERT_TRUE(TmuxWalk::MakeDemoFirm(Db().home));
-  }
-  // The manager logs in and takes the first warehouse; the bar of Towary is up.
-  void StartInFirstWarehouse() {
-    Start(Db().home);
-    ASSERT_NO_FATAL_FAILURE(walk_.LogIn(true));
-    ASSERT_TRUE(ShowsHeading(kHeadings[0])) << walk_.Pane();
-  }
-  // Esc back to the menu, whose bar rests on the entry with that explanation, and Esc out of the program.
-  void LeaveToTheEnd(const std::string& explanation) {
-    walk_.Keys("Escape");
-    ASSERT_TRUE(walk_.ShowsRow(24, explanation)) << walk_.Pane();
-    walk_.Quit();
-  }
-};
-
-// The catalogue from the menu: an item found by the start of its name, another
-// by its character index (the search by any field), its price changed in the
-// catalogue and the warehouse, and the way out; the database then holds the price.
-TEST_F(KloteGoodsE2eTest, CatalogueFindsByNameAndCodeAndChangesAPrice) {
+// The demo firm, made by tools/demo-firm in the test's own schema. The goods
+// catalogue from the menu: an item found by the start of its name, another by
+// its character index (the search by any field), its price changed in the
+// catalogue and the warehouse; the database then holds the price. The work
+// file from the Towary menu: filled from the catalogue in its editor, written
+// as DBF to a directory, and that file read by Debian's python3-dbfread
+// against the warehouse's stock.
+TEST_F(KloteE2eTest, DemoFirmCatalogueChangesAPriceAndWritesTheWorkFileAsDbf) {
+  ASSERT_TRUE(TmuxWalk::MakeDemoFirm(Db().home));
   const std::string bread = "nazwa='Chleb żytni' AND nazwa_='Mazowiecki'";
   const std::string number = Value("SELECT nr_wewn FROM dane_kat_tow_ WHERE " + bread);
   const std::string code = Value("SELECT rtrim(indeks_znakowy_isbn) FROM dane_kat_tow_ WHERE " + bread);
   ASSERT_EQ(code.size(), 13u);
   const std::string elsewhere = Value("SELECT csb FROM dane_2_stany_mg WHERE nr_wewn=" + number);
-  StartInFirstWarehouse();
+  const std::string dir = Db().home + "/wyj";
+  std::filesystem::remove_all(dir);
+  std::filesystem::create_directories(dir);
+  Start(Db().home);
+  ASSERT_NO_FATAL_FAILURE(walk_.LogIn(true));
+  ASSERT_TRUE(ShowsHeading(kHeadings[0])) << walk_.Pane();
   ASSERT_NO_FATAL_FAILURE(walk_.Walk({
       {"F3 1", "Katalog towarów - magazyn nr 1"},
       {"F2", "Wprowadź początek szukanej nazwy:"},
@@ -193,25 +166,11 @@ TEST_F(KloteGoodsE2eTest, CatalogueFindsByNameAndCodeAndChangesAPrice) {
       {"Down Down Down Down Down Down Down Down Enter", "Podaj pełną wartość pola:"},  // the ninth, indeks_znakowy_isbn
       {code + " Enter", "\n Chleb żytni Mazowiecki"},
       {"Enter", "Korekta danych oznaczonej ciemnym pasem kartoteki towarowej:"},
-      {"BSpace BSpace BSpace BSpace BSpace BSpace BSpace BSpace BSpace BSpace BSpace BSpace '7.77' Enter",
-       "Jak zmienić dane (jeśli nie wiesz, wybierz zaznaczoną opcję)"},
+      {TmuxWalk::Erase(12) + "'7.77' Enter", "Jak zmienić dane (jeśli nie wiesz, wybierz zaznaczoną opcję)"},
       {"Enter", "7.77"},  // the marked scope: the catalogue and the current warehouse
   }));
-  LeaveToTheEnd("Specjalne operacje na katalogu towarów, dopisywanie kartotek, zmiany.");
-  EXPECT_EQ(Value("SELECT cena_s_b||'/'||round(cena_s_n,2) FROM dane_kat_tow_ WHERE " + bread),
-            "7.7700000/" + Value("SELECT round(7.77/1.05,2)"));
-  EXPECT_EQ(Value("SELECT csb FROM dane_1_stany_mg WHERE nr_wewn=" + number), "7.7700000");
-  EXPECT_EQ(Value("SELECT csb FROM dane_2_stany_mg WHERE nr_wewn=" + number), elsewhere);  // out of the scope
-}
-
-// The work file from the Towary menu: filled from the catalogue in its
-// editor, written as DBF to a directory, and that file read by Debian's
-// python3-dbfread against the warehouse's stock.
-TEST_F(KloteGoodsE2eTest, WorkFileFromTheCatalogueWrittenAsDbf) {
-  const std::string dir = Db().home + "/wyj";
-  std::filesystem::remove_all(dir);
-  std::filesystem::create_directories(dir);
-  StartInFirstWarehouse();
+  walk_.Keys("Escape");  // back in the list, on the entry that ran
+  ASSERT_TRUE(walk_.ShowsRow(24, "Specjalne operacje na katalogu towarów, dopisywanie kartotek, zmiany.")) << walk_.Pane();
   ASSERT_NO_FATAL_FAILURE(walk_.Walk({
       {"F3 2", "6  Wprowadzanie zmian w pliku roboczym"},
       {"6", "Plik roboczy jest pusty."},
@@ -222,20 +181,22 @@ TEST_F(KloteGoodsE2eTest, WorkFileFromTheCatalogueWrittenAsDbf) {
       {"wyj Enter", "Kopiowanie zakończone poprawnie."},
       {"Enter", "Wybierz opcję:"},
   }));
-  LeaveToTheEnd("Przesyłanie, eksporty, importy sporządzonej listy roboczej towarów.");
+  walk_.Keys("Escape");
+  ASSERT_TRUE(walk_.ShowsRow(24, "Przesyłanie, eksporty, importy sporządzonej listy roboczej towarów.")) << walk_.Pane();
+  walk_.Quit();
+  EXPECT_EQ(Value("SELECT cena_s_b||'/'||round(cena_s_n,2) FROM dane_kat_tow_ WHERE " + bread),
+            "7.7700000/" + Value("SELECT round(7.77/1.05,2)"));
+  EXPECT_EQ(Value("SELECT csb FROM dane_1_stany_mg WHERE nr_wewn=" + number), "7.7700000");
+  EXPECT_EQ(Value("SELECT csb FROM dane_2_stany_mg WHERE nr_wewn=" + number), elsewhere);  // out of the scope
 
   const std::string script = "import dbfread\n"
                              "rows = list(dbfread.DBF('" + dir + "/plikrob_.dbf', encoding='latin1'))\n"
                              "print(len(rows), sum(r['NR_WEWN'] for r in rows), '%.3f' % sum(r['ILOSC'] for r in rows))\n";
-  FILE* py = ::popen(("/usr/bin/python3 -c \"" + script + "\"").c_str(), "r");
-  ASSERT_NE(py, nullptr);
-  char line[200] = {};
-  const bool read = std::fgets(line, sizeof line, py) != nullptr;
-  ASSERT_EQ(::pclose(py), 0);
-  ASSERT_TRUE(read);
-  EXPECT_EQ(std::string(line),
+  bool ok = false;
+  EXPECT_EQ(dbf_test::RunCommand("/usr/bin/python3 -c \"" + script + "\"", ok),
             Value("SELECT count(*)||' '||sum(K.nr_wewn)||' '||to_char(sum(S.ilosc),'FM999990.000') FROM dane_kat_tow_ K "
                   "JOIN dane_1_stany_mg S ON S.nr_wewn=K.nr_wewn WHERE K.ilosc IS NOT NULL") + "\n");
+  EXPECT_TRUE(ok);
   EXPECT_EQ(Value("SELECT count(*) FROM dane_uzytkown_0_plikrob_"), Value("SELECT count(*) FROM dane_kat_tow_"));
 }
 

@@ -1,16 +1,16 @@
 // Starting and stopping the throw-away cluster of a test run.
 #include "pgcluster.h"
 
-#include <arpa/inet.h>
 #include <fcntl.h>
-#include <netinet/in.h>
 #include <pwd.h>
-#include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cctype>
+#include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 
@@ -28,22 +28,6 @@ std::vector<std::string> AsServerUser(std::vector<std::string> argv) {
   std::vector<std::string> wrapped = {"runuser", "-u", "postgres", "--"};
   wrapped.insert(wrapped.end(), argv.begin(), argv.end());
   return wrapped;
-}
-
-// A port nobody listens on; with TCP off it only names the socket file.
-int FreePort() {
-  int fd = socket(AF_INET, SOCK_STREAM, 0);
-  if (fd < 0) return 54329;
-  sockaddr_in addr{};
-  addr.sin_family = AF_INET;
-  addr.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  socklen_t len = sizeof addr;
-  int port = 54329;
-  if (bind(fd, reinterpret_cast<sockaddr*>(&addr), sizeof addr) == 0 &&
-      getsockname(fd, reinterpret_cast<sockaddr*>(&addr), &len) == 0)
-    port = ntohs(addr.sin_port);
-  close(fd);
-  return port;
 }
 
 bool GiveToServerUser(const std::string& dir) {
@@ -133,22 +117,17 @@ std::string PgFindBinDir() {
 }
 
 std::string PgClusterLocale() {
-  char path[] = "/tmp/klote-locales-XXXXXX";
-  int fd = mkstemp(path);
-  if (fd < 0) return "C";
-  close(fd);
-  PgRunProgram({"locale", "-a"}, path);
-  std::ifstream in(path);
-  std::string line, found = "C";
-  while (std::getline(in, line)) {
+  FILE* locales = ::popen("locale -a 2>/dev/null", "r");
+  if (!locales) return "C";
+  std::string found = "C";
+  char line[256];
+  while (found == "C" && std::fgets(line, sizeof line, locales)) {
+    const std::string name(line, std::strcspn(line, "\n"));
     std::string lower;
-    for (char ch : line) lower += static_cast<char>(std::tolower(static_cast<unsigned char>(ch)));
-    if (lower == "pl_pl.utf8" || lower == "pl_pl.utf-8") {
-      found = line;
-      break;
-    }
+    for (char ch : name) lower += static_cast<char>(std::tolower(static_cast<unsigned char>(ch)));
+    if (lower == "pl_pl.utf8" || lower == "pl_pl.utf-8") found = name;
   }
-  unlink(path);
+  ::pclose(locales);
   return found;
 }
 
@@ -167,7 +146,7 @@ bool PgClusterStart(const std::string& stateDir, PgCluster& c, std::string& erro
   }
   c.socketDir = dir;
   c.dataDir = c.socketDir + "/data";
-  c.port = FreePort();
+  c.port = 5432;  // TCP is off: the port only names the socket file in the cluster's own directory
   c.locale = PgClusterLocale();
   chmod(dir, 0755);
   if (!GiveToServerUser(c.socketDir)) {

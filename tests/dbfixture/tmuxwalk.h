@@ -103,6 +103,12 @@ class TmuxWalk {
   static bool MakeDemoFirm(const std::string& home) {
     return std::system((InFirm(home, KLOTE_BINARY_DIR "/tools/demo-firm/demo-firm") + " >/dev/null").c_str()) == 0;
   }
+  // Backspaces that rub out n characters before the cursor, each followed by a blank.
+  static std::string Erase(std::size_t n) {
+    std::string keys;
+    for (std::size_t i = 0; i < n; ++i) keys += "BSpace ";
+    return keys;
+  }
   void Keys(const std::string& keys) {
     if (!keys.empty()) (void)Tmux("send-keys -t k " + keys);
   }

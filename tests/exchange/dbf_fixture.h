@@ -6,16 +6,46 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <cstdio>
 #include <string>
 #include <vector>
 
 #include "base/file_fixture.h"
+#include "base/text.h"
 #include "exchange/dbf/dbf.h"
 
 namespace dbf_test {
 
 using file_test::ReadBytes;
 using file_test::WriteBytes;
+
+// Output of a shell command; ok is false when it cannot run or fails.
+inline std::string RunCommand(const std::string& command, bool& ok) {
+  std::string out;
+  FILE* p = ::popen(command.c_str(), "r");
+  ok = p != nullptr;
+  if (!ok) return out;
+  char buf[4096];
+  size_t n;
+  while ((n = std::fread(buf, 1, sizeof buf, p)) > 0) out.append(buf, n);
+  ok = ::pclose(p) == 0;
+  return out;
+}
+
+// The records of a DBF file as the layer reads them, a line each: the first
+// `fields` fields (0: all) without their leading blanks, ":" between them.
+inline std::string DbfRecords(const char* path, int fields = 0) {
+  DbfFile dbf;
+  if (DbfOpen(dbf, path) != 0) return "unreadable";
+  if (fields == 0) fields = dbf.FieldCount();
+  std::string rows;
+  for (int64_t n = 1; n <= dbf.recordCount; ++n) {
+    if (DbfReadRecord(dbf, n) != 0) return "bad record";
+    for (int f = 1; f <= fields; ++f) rows += TrimLeftAll(DbfGetField(dbf, f), ' ').Str() + (f < fields ? ":" : "\n");
+  }
+  (void)DbfClose(dbf);
+  return rows;
+}
 
 struct RawField {
   std::string name;

@@ -5,8 +5,8 @@
 #include <csignal>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 
+#include "base/file_fixture.h"
 #include "base/mazovia.h"
 #include "config/konfigur.h"
 #include "print/keyscript.h"
@@ -19,21 +19,14 @@ namespace fs = std::filesystem;
 
 using namespace keyscript;
 
-std::string ReadAll(const fs::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::ostringstream all;
-  all << in.rdbuf();
-  return all.str();
-}
+using file_test::ReadBytes;
 
 class PrintFlowTest : public tui_test::TuiTest {
  protected:
   void SetUp() override {
     TuiTest::SetUp();
-    start_ = fs::current_path();
-    dir_ = fs::temp_directory_path() / ("klote-print-" + std::to_string(getpid()));
-    fs::create_directories(dir_ / "dane/uzytkown/0/tmp");
-    fs::current_path(dir_);
+    ASSERT_TRUE(scratch_.Entered());
+    fs::create_directories("dane/uzytkown/0/tmp");
     ConfigSettings() = ConfigValues::Defaults();
     Begin();
     printFile_ = PrintFilePath();
@@ -47,15 +40,13 @@ class PrintFlowTest : public tui_test::TuiTest {
   }
   void TearDown() override {
     End();
-    fs::current_path(start_);
-    fs::remove_all(dir_);
     TuiTest::TearDown();
   }
   static void Script(std::initializer_list<KeyPair> keys) { gScript.assign(keys); }
   static KeyPair Ch(char c) { return KeyPair{static_cast<uint8_t>(c), 0}; }
   static bool Seen(std::string_view text) { return ScreensWith(text) > 0; }
 
-  fs::path start_, dir_;
+  file_test::ScratchDir scratch_;
   ShortText printFile_;
   std::string report_;
 };
@@ -97,41 +88,27 @@ TEST_F(PrintFlowTest, FileToPrintKeepsCodesAndFileToEditDropsThem) {
     std::string expected;
   } cases[] = {{'3', report_}, {'4', ""}};
   for (const auto& c : cases) {
-    std::vector<KeyPair> keys{Ch(c.choice)};
-    for (int i = 0; i < 12; ++i) keys.push_back(keys::kBackspace);
-    for (char ch : std::string("wyj.txt")) keys.push_back(Ch(ch));
-    keys.push_back(keys::kEnter);
-    keys.push_back(Ch('1'));  // Mazovia
-    gScript.assign(keys.begin(), keys.end());
+    Script({Ch(c.choice)});
+    Press(keys::kBackspace, 12);
+    Type("wyj.txt");
+    Press(keys::kEnter);
+    Type("1");  // Mazovia
     PrintTarget taken = PrintTarget::kNone;
     ASSERT_TRUE(PrintDestination(printFile_, PrintTarget::kNone, taken)) << c.choice;
-    const std::string out = ReadAll(dir_ / "wyj.txt");
+    const std::string out = ReadBytes("wyj.txt");
     if (c.choice == '3') EXPECT_EQ(out, report_);
     else EXPECT_EQ(out.find_first_of("\x1b\f\r"), std::string::npos);
-    EXPECT_FALSE(fs::exists(dir_ / "wyj.txt.tmp~"));
+    EXPECT_FALSE(fs::exists("wyj.txt.tmp~"));
   }
 }
 
-TEST_F(PrintFlowTest, AFileInAMissingDirectoryIsRefusedWithTheQuestion) {
-  Type("3");
-  Press(keys::kBackspace, 12);
-  Type("brak/wyj.txt");
-  Press(keys::kEnter);
-  Type("1N");  // Mazovia; no second try
-  PrintTarget taken = PrintTarget::kNone;
-  EXPECT_FALSE(PrintDestination(printFile_, PrintTarget::kNone, taken));
-  EXPECT_TRUE(Seen("Nie można stworzyć takiego pliku. Wpisujesz jeszcze raz ?"_mz.View()));
-  EXPECT_FALSE(fs::exists(dir_ / "brak"));
-}
-
 TEST_F(PrintFlowTest, PrinterGoesThroughTheQueueCommandOfTheConfiguration) {
-  fs::create_directories(dir_ / "dane");
-  std::ofstream(dir_ / "dane/drukpar.txt") << "60#linie\nkolejka1#urzadzenie\n";
+  std::ofstream("dane/drukpar.txt") << "60#linie\nkolejka1#urzadzenie\n";
   ConfigSettings().SetText(kConfigLinePrintCommands, R"(/bin/sh,,,f() { cp "$3" "$1.out"; }; f,-o)");
   Script({Ch('5'), keys::kBackspace, Ch('2'), keys::kEnter, keys::kEnter});  // pages 2 to 999999999
   PrintTarget taken = PrintTarget::kNone;
   EXPECT_TRUE(PrintDestination(printFile_, PrintTarget::kNone, taken));
-  const std::string printed = ReadAll(dir_ / "kolejka1.out");
+  const std::string printed = ReadBytes("kolejka1.out");
   EXPECT_EQ(printed.substr(0, 20), "\x1b" "Estrona 2 linia 1\r\n");
   EXPECT_EQ(printed.find("strona 1 "), std::string::npos);
   EXPECT_FALSE(fs::exists(fs::path(std::string(printFile_.View()) + ".prn")));
@@ -151,7 +128,7 @@ TEST_F(PrintFlowTest, PageRangeRefusesTheFirstAboveTheLast) {
 
 TEST_F(PrintFlowTest, AFileNoOneCanWriteIsNeverLeftHalfWritten) {
   EXPECT_NE(WriteFileAtomically("brak/katalogu/plik.txt", "x"), 0);
-  EXPECT_FALSE(fs::exists(dir_ / "brak"));
+  EXPECT_FALSE(fs::exists("brak"));
   // A disk that fills: the process may write no more than 1000 bytes.
   ASSERT_EQ(WriteFileAtomically("pelny.txt", "poprzedni"), 0);
   std::signal(SIGXFSZ, SIG_IGN);
@@ -163,8 +140,8 @@ TEST_F(PrintFlowTest, AFileNoOneCanWriteIsNeverLeftHalfWritten) {
   const int result = WriteFileAtomically("pelny.txt", std::string(100000, 'x'));
   ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &old), 0);
   EXPECT_NE(result, 0);
-  EXPECT_EQ(ReadAll(dir_ / "pelny.txt"), "poprzedni");
-  EXPECT_FALSE(fs::exists(dir_ / "pelny.txt.tmp~"));
+  EXPECT_EQ(ReadBytes("pelny.txt"), "poprzedni");
+  EXPECT_FALSE(fs::exists("pelny.txt.tmp~"));
 }
 
 TEST_F(PrintFlowTest, AMissingPrintFileIsTold) {

@@ -1,10 +1,8 @@
 #include "docfixture.h"
 
 #include <algorithm>
-#include <cstdarg>
-#include <fstream>
-#include <sstream>
 #include <cmath>
+#include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 
@@ -17,20 +15,12 @@
 
 namespace {
 
-// Opens a table with a record buffer; closes both when done.
-struct OpenRecord {
-  explicit OpenRecord(const ShortText& path) {
-    EXPECT_EQ(PGTblOpen(path, tbl, 0), 0) << path.View();
-    EXPECT_EQ(PGRecBufOpen(tbl, rec), 0);
-    EXPECT_EQ(PGRecBufEmpty(rec), 0);
-  }
-  ~OpenRecord() {
-    PGRecBufClose(rec);
-    PGTblClose(tbl);
-  }
-  void Append() { EXPECT_EQ(PGRecAppend(tbl, rec), 0) << PGLastOp.Str(); }
-  int16_t tbl = 0, rec = 0;
-};
+// A figure as SQL writes it, to the seven decimals of the tables.
+std::string Sql(Real value) {
+  char text[48];
+  std::snprintf(text, sizeof text, "%.7Lf", static_cast<long double>(value));
+  return text;
+}
 
 }  // namespace
 
@@ -50,18 +40,18 @@ std::string Line(const char* format, ...) {
   return std::string(buf) + "\r\n";
 }
 
-std::string ReadAll(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::ostringstream all;
-  all << in.rdbuf();
-  return all.str();
-}
-
 std::string SortKey(Real value) {
   const Real k = -100 * value;
   char digits[32];
   std::snprintf(digits, sizeof digits, "%014.2Lf", k < 0 ? -k : k);
   return (k < 0 && std::string(digits) != "00000000000.00" ? "a" : "b") + std::string(digits);
+}
+
+std::string TemporaryTablesLeft() {
+  PGResult result;
+  if (PGRunQueryWithTup("SELECT count(*) FROM pg_class WHERE relnamespace = pg_my_temp_schema()", result) != 0)
+    return "no answer";
+  return std::string(result.Value(0, 0));
 }
 
 void DocumentsTest::SetUp() {
@@ -75,59 +65,53 @@ void DocumentsTest::SetUp() {
 
 void DocumentsTest::AddItem(int32_t item, const ShortText& name, int32_t supplier, Real purchaseGross,
                             const ShortText& group) {
-  OpenRecord r("dane\\kat_tow_");
-  EXPECT_EQ(PGPutAlpha(r.rec, KatTowCol::nazwa, name), 0);
-  EXPECT_EQ(PGPutLong(r.rec, KatTowCol::nr_wewn, item), 0);
-  EXPECT_EQ(PGPutLong(r.rec, KatTowCol::dostawca, supplier), 0);
-  EXPECT_EQ(PGPutAlpha(r.rec, KatTowCol::vat, "23"), 0);
-  EXPECT_EQ(PGPutExt(r.rec, KatTowCol::cena_z_b, purchaseGross), 0);
-  EXPECT_EQ(PGPutAlpha(r.rec, KatTowCol::k3_grupa_tow, group), 0);
-  r.Append();
+  int16_t tbl = 0, rec = 0;
+  ASSERT_EQ(PGTblOpen("dane\\kat_tow_", tbl, 0), 0);
+  ASSERT_EQ(PGRecBufOpen(tbl, rec), 0);
+  EXPECT_EQ(PGRecBufEmpty(rec), 0);
+  EXPECT_EQ(PGPutAlpha(rec, KatTowCol::nazwa, name), 0);
+  EXPECT_EQ(PGPutLong(rec, KatTowCol::nr_wewn, item), 0);
+  EXPECT_EQ(PGPutLong(rec, KatTowCol::dostawca, supplier), 0);
+  EXPECT_EQ(PGPutAlpha(rec, KatTowCol::vat, "23"), 0);
+  EXPECT_EQ(PGPutExt(rec, KatTowCol::cena_z_b, purchaseGross), 0);
+  EXPECT_EQ(PGPutAlpha(rec, KatTowCol::k3_grupa_tow, group), 0);
+  EXPECT_EQ(PGRecAppend(tbl, rec), 0) << PGLastOp.Str();
+  PGRecBufClose(rec);
+  PGTblClose(tbl);
   catalogue_.insert(item);
   suppliers_[static_cast<std::size_t>(item)] = supplier;
 }
 
 void DocumentsTest::AddWarehouse(int32_t number, const char* name) {
-  OpenRecord r("dane\\magazyny");
-  EXPECT_EQ(PGPutAlpha(r.rec, KontrahentCol::nazwa, name), 0);
-  EXPECT_EQ(PGPutLong(r.rec, KontrahentCol::numer, number), 0);
-  r.Append();
+  std::string out;
+  ASSERT_TRUE(Psql("INSERT INTO dane_magazyny (nazwa,nazwa_inne,numer) VALUES ('" + std::string(name) + "',''," +
+                   std::to_string(number) + ")", &out)) << out;
 }
 
 void DocumentsTest::SaveDocument(int32_t number, const std::vector<SavedLine>& lines) {
   const SavedLine& first = lines.front();
-  {
-    OpenRecord h(WarehouseTablePath(first.warehouse, "naglowki"));
-    EXPECT_EQ(PGPutShort(h.rec, NaglowkiCol::typ_dok, first.kind), 0);
-    EXPECT_EQ(PGPutLong(h.rec, NaglowkiCol::nr_dok, number), 0);
-    EXPECT_EQ(PGPutAlpha(h.rec, NaglowkiCol::znak_dok, "A"), 0);
-    EXPECT_EQ(PGPutDate(h.rec, NaglowkiCol::data_dok, first.date), 0);
-    const bool deposit = std::any_of(lines.begin(), lines.end(), [](const SavedLine& l) { return l.onDeposit != 0; });
-    EXPECT_EQ(PGPutAlpha(h.rec, NaglowkiCol::czy_depozyt, deposit ? "T" : "N"), 0);
-    h.Append();
-  }
-  OpenRecord s(WarehouseTablePath(first.warehouse, "specyfik"));
+  const std::string table = "dane_" + std::to_string(first.warehouse) + "_";
+  const std::string key = std::to_string(first.kind) + "," + std::to_string(number) + ",'A',DATE '1899-12-30'+" +
+                          std::to_string(first.date);
+  const bool deposit = std::any_of(lines.begin(), lines.end(), [](const SavedLine& l) { return l.onDeposit != 0; });
+  std::string out;
+  ASSERT_TRUE(Psql("INSERT INTO " + table + "naglowki (typ_dok,nr_dok,znak_dok,data_dok,czy_depozyt) VALUES (" + key +
+                   (deposit ? ",'T')" : ",'N')"), &out)) << out;
+  std::string values;
   int32_t position = 0;
   for (const SavedLine& line : lines) {
-    EXPECT_EQ(PGPutShort(s.rec, SpecyfikCol::typ_dok, first.kind), 0);
-    EXPECT_EQ(PGPutLong(s.rec, SpecyfikCol::nr_dok, number), 0);
-    EXPECT_EQ(PGPutAlpha(s.rec, SpecyfikCol::znak_dok, "A"), 0);
-    EXPECT_EQ(PGPutLong(s.rec, SpecyfikCol::pozycja, ++position), 0);
-    EXPECT_EQ(PGPutDate(s.rec, SpecyfikCol::data_dok, first.date), 0);
-    EXPECT_EQ(PGPutLong(s.rec, SpecyfikCol::nr_towaru, line.item), 0);
-    EXPECT_EQ(PGPutExt(s.rec, SpecyfikCol::ilosc, line.quantity), 0);
-    EXPECT_EQ(PGPutExt(s.rec, SpecyfikCol::c_zak_netto, line.purchaseNet), 0);
-    EXPECT_EQ(PGPutExt(s.rec, SpecyfikCol::c_zak_brutto, line.purchaseGross), 0);
-    EXPECT_EQ(PGPutExt(s.rec, SpecyfikCol::c_spr_netto, line.saleNet), 0);
-    EXPECT_EQ(PGPutExt(s.rec, SpecyfikCol::c_spr_brutto, line.saleGross), 0);
-    EXPECT_EQ(PGPutExt(s.rec, SpecyfikCol::ilosc_w_depozycie, line.onDeposit), 0);
-    s.Append();
+    values += std::string(values.empty() ? "(" : ",(") + key + "," + std::to_string(++position) + "," +
+              std::to_string(line.item) + "," + Sql(line.quantity) + "," + Sql(line.purchaseNet) + "," +
+              Sql(line.purchaseGross) + "," + Sql(line.saleNet) + "," + Sql(line.saleGross) + "," +
+              Sql(line.onDeposit) + ")";
     SavedLine kept = line;
     kept.warehouse = first.warehouse;
     kept.kind = first.kind;
     kept.date = first.date;
     saved_.push_back(kept);
   }
+  ASSERT_TRUE(Psql("INSERT INTO " + table + "specyfik (typ_dok,nr_dok,znak_dok,data_dok,pozycja,nr_towaru,ilosc,"
+                   "c_zak_netto,c_zak_brutto,c_spr_netto,c_spr_brutto,ilosc_w_depozycie) VALUES " + values, &out)) << out;
 }
 
 void DocumentsTest::SaveSmallFirm() {

@@ -12,14 +12,16 @@
 
 // One line of an expected report: printf's format, ending in CR LF.
 std::string Line(const char* format, ...) __attribute__((format(printf, 1, 2)));
-// The bytes of a file; empty when it cannot be read.
-std::string ReadAll(const std::string& path);
 int32_t Day(int y, int m, int d);
 // The two figures differ by less than 1e-4.
 void ExpectNear(Real actual, Real expected, const std::string& what);
 // The text key by which a report sorts a number: -100 times the value at two
 // decimals, "a" before a negative one, "b" before the rest.
 std::string SortKey(Real value);
+
+// How many temporary tables the layer's connection holds (sibling test
+// processes in the same database keep theirs apart).
+std::string TemporaryTablesLeft();
 
 // What each kind does to stock, written out here on its own.
 inline const std::set<int16_t> kIssues = {1, 2, 4, 8, 9, 13, 14, 15};

@@ -167,7 +167,7 @@ TEST_F(ItemAnalysesTest, EveryAnalysisMatchesTheSavedLines) {
     EXPECT_EQ(outcome.missingItems, six ? std::vector<int32_t>{6} : std::vector<int32_t>{}) << c.name;
     EXPECT_EQ(outcome.priceAnomaly, SeveralPrices(expected)) << c.name;
   }
-  EXPECT_EQ(Scalar("SELECT count(*) FROM pg_class WHERE relname LIKE 'tmp\\_%' AND relpersistence='t'"), "0");
+  EXPECT_EQ(TemporaryTablesLeft(), "0");
 }
 
 TEST_F(ItemAnalysesTest, NumberColumnsSortByTheirTextKeysWithinARange) {

@@ -100,7 +100,7 @@ TEST_F(TurnoverTest, EveryItemAndTotalMatchesTheSavedLines) {
     EXPECT_EQ(missing, expected.count(6) ? std::vector<int32_t>{6} : std::vector<int32_t>{}) << c.name;
   }
   // No temporary table outlives a run.
-  EXPECT_EQ(Scalar("SELECT count(*) FROM pg_class WHERE relname LIKE 'tmp\\_%' AND relpersistence='t'"), "0");
+  EXPECT_EQ(TemporaryTablesLeft(), "0");
 }
 
 TEST_F(TurnoverTest, NumberColumnsSortByTheirTextKeys) {

@@ -1,8 +1,6 @@
 // Whole-table operations on the real server: a copy is complete and equal
 // row for row or reported and absent; sorts, dedupes, wipes and fills leave
 // what the test computes from its own rows.
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <string>
 #include <vector>
@@ -11,8 +9,7 @@
 #include "sqltable/pgrecord.h"
 #include "sqltable/sqltest.h"
 #include "base/paths.h"
-#include "base/text.h"
-#include "exchange/dbf/dbf.h"
+#include "exchange/dbf_fixture.h"
 #include "users/bulk.h"
 
 namespace {
@@ -64,25 +61,8 @@ class BulkTest : public CatalogueTest {
   static std::string Column(const std::string& sql) { return Scalar("SELECT string_agg(x, ',') FROM (" + sql + ") q"); }
 };
 
-TEST_F(BulkTest, CopyOfAHundredThousandRowsIsEqualRowForRow) {
+TEST_F(BulkTest, FailedCopyLeavesTheOldTargetAndACopyOfAHundredThousandRowsIsEqualRowForRow) {
   MakeSource(100000);
-  MakeOldTarget();
-  ASSERT_EQ(TblCopyData("dane\\zrod", "dane\\kopia"), 0) << PGLastOp.Str();
-  EXPECT_EQ(Scalar("SELECT count(*) FROM dane_kopia"), "100000");
-  const std::string fields = "SELECT k,nazwa,cena,d FROM ";
-  EXPECT_EQ(Scalar("SELECT count(*) FROM (" + fields + "dane_zrod EXCEPT ALL " + fields + "dane_kopia) a"), "0");
-  EXPECT_EQ(Scalar("SELECT count(*) FROM (" + fields + "dane_kopia EXCEPT ALL " + fields + "dane_zrod) a"), "0");
-  EXPECT_EQ(Scalar("SELECT count(*) FROM dane_kopia WHERE d IS NULL"), std::to_string(100000 / 13));
-  // New row ids follow the source's key order.
-  EXPECT_EQ(Scalar("SELECT count(*) FROM (SELECT k, lag(k) OVER (ORDER BY oid) p FROM dane_kopia) s WHERE k < p"),
-            "0");
-  EXPECT_EQ(Scalar("SELECT string_agg(nazp||typp||k, ',' ORDER BY lp) FROM tables_list WHERE nazt='DANE_KOPIA'"),
-            "KI*,NAZWAA30,CENAN,DD");
-  EXPECT_EQ(PGTransDepth, 0);
-}
-
-TEST_F(BulkTest, FailedCopyIsReportedAndLeavesTheOldTarget) {
-  MakeSource(60000);
   MakeOldTarget();
   // A view that depends on the old target: it cannot be replaced.
   ASSERT_TRUE(Psql("CREATE VIEW dane_widok AS SELECT k FROM dane_kopia"));
@@ -98,6 +78,20 @@ TEST_F(BulkTest, FailedCopyIsReportedAndLeavesTheOldTarget) {
   EXPECT_NE(TblCopyData("dane\\brak", "dane\\kopia"), 0);
   EXPECT_EQ(TblCopyData("dane\\kopia", "DANE\\KOPIA"), kPGBadArgument);
   ExpectOldTarget();
+
+  // Disarmed, the copy goes through.
+  ASSERT_EQ(TblCopyData("dane\\zrod", "dane\\kopia"), 0) << PGLastOp.Str();
+  EXPECT_EQ(Scalar("SELECT count(*) FROM dane_kopia"), "100000");
+  const std::string fields = "SELECT k,nazwa,cena,d FROM ";
+  EXPECT_EQ(Scalar("SELECT count(*) FROM (" + fields + "dane_zrod EXCEPT ALL " + fields + "dane_kopia) a"), "0");
+  EXPECT_EQ(Scalar("SELECT count(*) FROM (" + fields + "dane_kopia EXCEPT ALL " + fields + "dane_zrod) a"), "0");
+  EXPECT_EQ(Scalar("SELECT count(*) FROM dane_kopia WHERE d IS NULL"), std::to_string(100000 / 13));
+  // New row ids follow the source's key order.
+  EXPECT_EQ(Scalar("SELECT count(*) FROM (SELECT k, lag(k) OVER (ORDER BY oid) p FROM dane_kopia) s WHERE k < p"),
+            "0");
+  EXPECT_EQ(Scalar("SELECT string_agg(nazp||typp||k, ',' ORDER BY lp) FROM tables_list WHERE nazt='DANE_KOPIA'"),
+            "KI*,NAZWAA30,CENAN,DD");
+  EXPECT_EQ(PGTransDepth, 0);
 }
 
 TEST_F(BulkTest, CopyCutOffFromTheServerEndsTheProgramAndLeavesTheOldTarget) {
@@ -107,18 +101,13 @@ TEST_F(BulkTest, CopyCutOffFromTheServerEndsTheProgramAndLeavesTheOldTarget) {
   const pid_t child = fork();
   ASSERT_GE(child, 0);
   if (child == 0) {
-    PGConn = nullptr;  // a connection of its own
-    PGConnected = false;
-    PGTransDepth = 0;
-    if (PGSetDefaults() != 0) _exit(3);
+    ConnectChild();
     const int16_t code = TblCopyData("dane\\zrod", "dane\\kopia");
     _exit(code == 0 ? 9 : 8);  // the failed rollback ends the program first, with status 0
   }
-  int status = 0;
-  ASSERT_EQ(waitpid(child, &status, 0), child);
+  const int status = ExitStatus(child);
   Disarm();
-  ASSERT_TRUE(WIFEXITED(status));
-  EXPECT_EQ(WEXITSTATUS(status), 0);
+  EXPECT_EQ(status, 0);
   ExpectOldTarget();
 }
 
@@ -212,22 +201,12 @@ TEST_F(BulkTest, QueriesOverAWholeTable) {
   EXPECT_EQ(Column("SELECT a::text x FROM dane_q ORDER BY a"), "3,12");
 }
 
-}  // namespace
-
-namespace {
 
 // dane\eks: t A6, n I, d D, x X, m M40; two rows, the second with blanks and a quote.
-class ExportTest : public BulkTest {
- protected:
-  void SetUp() override {
-    BulkTest::SetUp();
-    ASSERT_EQ(CreateTable("dane\\eks", {{"t", "A6"}, {"n", "I"}, {"d", "D"}, {"x", "X"}, {"m", "M40"}}), 0);
-    ASSERT_TRUE(Psql("INSERT INTO dane_eks (t,n,d,x,m) VALUES ('ab\"c',-12,'2024-03-05',1.5,'6d656d6f'),"
-                     " ('',7,NULL,NULL,'')"));
-  }
-};
-
-TEST_F(ExportTest, CsvHoldsEveryRowInTheFileForm) {
+TEST_F(BulkTest, CsvAndDbfHoldEveryRowInTheirForms) {
+  ASSERT_EQ(CreateTable("dane\\eks", {{"t", "A6"}, {"n", "I"}, {"d", "D"}, {"x", "X"}, {"m", "M40"}}), 0);
+  ASSERT_TRUE(Psql("INSERT INTO dane_eks (t,n,d,x,m) VALUES ('ab\"c',-12,'2024-03-05',1.5,'6d656d6f'),"
+                   " ('',7,NULL,NULL,'')"));
   ASSERT_EQ(TblToCsv("dane\\eks", "eks.csv"), 0);
   EXPECT_EQ(ReadFile("eks.csv"),
             "\"ab\"\"c\",-12,20240305,1.5000000,\"memo\"\r\n"
@@ -235,22 +214,14 @@ TEST_F(ExportTest, CsvHoldsEveryRowInTheFileForm) {
   EXPECT_NE(TblToCsv("dane\\eks", "brak/eks.csv"), 0);
   EXPECT_NE(TblToCsv("dane\\brak", "eks2.csv"), 0);
   EXPECT_FALSE(FileExists("eks2.csv"));
-}
 
-TEST_F(ExportTest, DbfHoldsEveryRowInColumnsOfTheFieldTypes) {
   ASSERT_EQ(TblToDbf("dane\\eks", "eks.dbf"), 0);
+  EXPECT_EQ(dbf_test::DbfRecords("eks.dbf"), "ab\"c:-12:20240305:1.5000000:memo\n:7:01000101::\n");
   DbfFile dbf;
   ASSERT_EQ(DbfOpen(dbf, "eks.dbf"), 0);
-  ASSERT_EQ(dbf.recordCount, 2);
   const std::string types = {dbf.Field(1).type, dbf.Field(2).type, dbf.Field(3).type, dbf.Field(4).type,
                              dbf.Field(5).type};
   EXPECT_EQ(types, "CNDNC");
-  const char* rows[2][5] = {{"ab\"c", "-12", "20240305", "1.5000000", "memo"}, {"", "7", "01000101", "", ""}};
-  for (int r = 0; r < 2; ++r) {
-    ASSERT_EQ(DbfReadRecord(dbf, r + 1), 0);
-    for (int f = 0; f < 5; ++f) EXPECT_EQ(TrimLeftAll(DbfGetField(dbf, f + 1), ' ').Str(), rows[r][f]) << r << f;
-  }
-  (void)DbfClose(dbf);
   EXPECT_NE(TblToDbf("dane\\brak", "eks2.dbf"), 0);
   EXPECT_FALSE(FileExists("eks2.dbf"));
 }

@@ -2,10 +2,6 @@
 // (lock file and mark) or dies by SIGKILL leaving the mark; the login of this
 // process is then refused, asked or admitted by the override rule; and the
 // failure path of CheckDBError ends a session for real.
-#include <signal.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <cstdlib>
 
 #include "sqltable/dbapp.h"
@@ -43,39 +39,18 @@ class SessionTest : public UsersTest {
     ASSERT_TRUE(Psql("UPDATE dane_uzytkown_uzytkown SET upr_max = 1 WHERE numer = 2"));
   }
   void TearDown() override {
-    if (child_ > 0) Kill();
+    KillHolder(child_);
     SessionEnd();
     UsersTest::TearDown();
   }
-  // Another process, with its own connection, takes user n's session from
-  // the computer named and waits to be killed.
+  // Another process takes user n's session from the computer named and waits to be killed.
   void StartOther(int32_t number, const char* host) {
-    int ready[2];
-    ASSERT_EQ(pipe(ready), 0);
-    child_ = fork();
-    if (child_ == 0) {
-      ::close(ready[0]);
-      PGConn = nullptr;
-      PGConnected = false;
-      PGTransDepth = 0;
+    child_ = HoldInAnotherProcess([&] {
       setenv("HOSTNAME", host, 1);
       int lock = -1;
-      const bool in = PGSetDefaults() == 0 && !FileLockTake(UserPath(number, ShortText("kluczw__")), lock, false) &&
-                      !SessionEnterByNumber(number);
-      const char answer = in ? 'y' : 'n';
-      (void)!::write(ready[1], &answer, 1);
-      for (;;) pause();
-    }
-    ::close(ready[1]);
-    char answer = 0;
-    (void)!::read(ready[0], &answer, 1);
-    ::close(ready[0]);
-    ASSERT_EQ(answer, 'y');
-  }
-  void Kill() {
-    ::kill(child_, SIGKILL);
-    ::waitpid(child_, nullptr, 0);
-    child_ = -1;
+      return !FileLockTake(UserPath(number, ShortText("kluczw__")), lock, false) && !SessionEnterByNumber(number);
+    });
+    ASSERT_GT(child_, 0);
   }
   // "status:system user:computer" of user n's row.
   static std::string Mark(int32_t number) {
@@ -121,7 +96,7 @@ TEST_F(SessionTest, StaleMarkPassesOnlyByTheOverrideRule) {
     SCOPED_TRACE(testing::Message() << "rule " << c.rule << " user " << c.number << " from " << c.deadHost
                                     << " answer " << c.answer);
     StartOther(c.number, c.deadHost);
-    Kill();
+    KillHolder(child_);
     const std::string stale = ">:OPER:" + std::string(c.deadHost == std::string("alfa") ? "ALFA" : "BETA");
     ASSERT_EQ(Mark(c.number), stale);
     SessionSetOverrideRule(c.rule);
@@ -142,18 +117,13 @@ TEST_F(SessionTest, DatabaseFailureEndsTheSession) {
   Play({{Choose(2)}});  // after the steps every box is answered with Esc: no details
   const pid_t pid = fork();
   if (pid == 0) {
-    PGConn = nullptr;
-    PGConnected = false;
-    PGTransDepth = 0;
-    if (PGSetDefaults() != 0 || !SessionLogin()) _exit(3);
+    ConnectChild();
+    if (!SessionLogin()) _exit(3);
     (void)PGTransBegin();
     CheckDBError(97);  // ends the process with 0 after the session's end
     _exit(4);
   }
-  int status = -1;
-  ::waitpid(pid, &status, 0);
-  ASSERT_TRUE(WIFEXITED(status)) << status;
-  EXPECT_EQ(WEXITSTATUS(status), 0);
+  EXPECT_EQ(ExitStatus(pid), 0);
   EXPECT_EQ(Mark(2), "N::");
   EXPECT_EQ(Scalar("SELECT data_wejscia IS NOT NULL AND data_wyjscia IS NOT NULL FROM dane_uzytkown_uzytkown "
                    "WHERE numer = 2"),

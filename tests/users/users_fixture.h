@@ -3,6 +3,8 @@
 // (as another process would) before their keys go in.
 #pragma once
 
+#include <signal.h>
+
 #include <functional>
 #include <string>
 #include <vector>
@@ -17,6 +19,37 @@ struct Step {
   std::vector<KeyPair> keys;
   std::function<void()> before;  // runs before the keys go in
 };
+
+// Forks a process with a connection of its own that runs take and, when take
+// holds, waits to be killed: its pid once it has answered, or -1 when take failed.
+inline pid_t HoldInAnotherProcess(const std::function<bool()>& take) {
+  int ready[2];
+  if (pipe(ready) != 0) return -1;
+  const pid_t child = fork();
+  if (child == 0) {
+    ::close(ready[0]);
+    ConnectChild();
+    const char answer = take() ? 'y' : 'n';
+    (void)!::write(ready[1], &answer, 1);
+    for (;;) pause();
+  }
+  ::close(ready[1]);
+  char answer = 0;
+  (void)!::read(ready[0], &answer, 1);
+  ::close(ready[0]);
+  if (answer == 'y') return child;
+  ::kill(child, SIGKILL);
+  ::waitpid(child, nullptr, 0);
+  return -1;
+}
+
+// Ends a process of HoldInAnotherProcess, if any.
+inline void KillHolder(pid_t& child) {
+  if (child <= 0) return;
+  ::kill(child, SIGKILL);
+  ::waitpid(child, nullptr, 0);
+  child = -1;
+}
 
 // Keys of typed text followed by further keys.
 std::vector<KeyPair> Type(const std::string& text, std::vector<KeyPair> after = {});

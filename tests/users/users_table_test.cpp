@@ -3,8 +3,7 @@
 #include <sys/stat.h>
 
 #include "base/paths.h"
-#include "base/text.h"
-#include "exchange/dbf/dbf.h"
+#include "exchange/dbf_fixture.h"
 #include "tui/keyboard.h"
 #include "users_fixture.h"
 
@@ -89,28 +88,14 @@ TEST_F(UsersTest, CurrentUserState) {
   EXPECT_EQ(CurrentUserNumber(), kNoUser);
 }
 
-}  // namespace
-
-namespace {
-
-// The copy read back with the DBF reader: "NUMER:IMIE:NAZWISKO:UPR_MAX:UPRAWN:STATUS" per record.
-std::string CopyRows() {
-  DbfFile dbf;
-  if (DbfOpen(dbf, "dane\\uzytkown\\uzytkown.dbf") != 0) return "unreadable";
-  std::string rows;
-  for (int64_t n = 1; n <= dbf.recordCount; ++n) {
-    if (DbfReadRecord(dbf, n) != 0) return "bad record";
-    for (int f = 1; f <= 6; ++f) rows += TrimLeftAll(DbfGetField(dbf, f), ' ').Str() + (f < 6 ? ":" : "\n");
-  }
-  (void)DbfClose(dbf);
-  return rows;
-}
 
 TEST_F(UsersTest, CopyOfTheListReadsBackWithoutPasswords) {
   AddRow(1, "Jan", "Nowak");
   ASSERT_TRUE(Psql("UPDATE dane_uzytkown_uzytkown SET haslo = '7878', uprawnienia = 'TNNNNNNNNNNNT' WHERE numer = 1"));
   ASSERT_TRUE(UsersWriteDbfCopy());
-  EXPECT_EQ(CopyRows(), "0:Kierownik:Systemu:1:TTTTTTTTTTTTT:N\n1:Jan:Nowak:0:TNNNNNNNNNNNT:N\n");
+  // NUMER:IMIE:NAZWISKO:UPR_MAX:UPRAWN:STATUS of each record.
+  EXPECT_EQ(dbf_test::DbfRecords("dane\\uzytkown\\uzytkown.dbf", 6),
+            "0:Kierownik:Systemu:1:TTTTTTTTTTTTT:N\n1:Jan:Nowak:0:TNNNNNNNNNNNT:N\n");
   EXPECT_EQ(ReadFile("dane/uzytkown/uzytkown.dbf").find("xx"), std::string::npos);
   // A copy that cannot be written is said; the table keeps its rows.
   ASSERT_TRUE(Psql("DELETE FROM dane_uzytkown_uzytkown WHERE numer = 1"));

@@ -2,10 +2,6 @@
 // catalogue against values the test computes, the DBF written and read back
 // (also by Debian's python3-dbfread), bad DBF files, passing between users,
 // and a second process holding another user's session.
-#include <signal.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -14,20 +10,16 @@
 #include <tuple>
 #include <vector>
 
-#include "base/mazovia.h"
 #include "documents/docsave.h"
+#include "exchange/dbf_fixture.h"
 #include "exchange/workfile.h"
 #include "master/items_fixture.h"
 #include "master/contractors.h"
 #include "master/keysteps.h"
 #include "master/tables.h"
-#include "sqltable/pglib.h"
-#include "sqltable/pgrecord.h"
-#include "sqltable/pgwrite.h"
 #include "sqltable/sqltest.h"
-#include "tui/keyboard.h"
 #include "users/session.h"
-#include "users/users.h"
+#include "users/users_fixture.h"
 
 namespace {
 
@@ -51,38 +43,26 @@ class WorkFileTest : public CatalogueTest {
     me.firstName = "Jan";
     SetCurrentUser(me);
     Play({});
+    Fill();
   }
   void TearDown() override {
-    if (child_ > 0) {
-      ::kill(child_, SIGKILL);
-      ::waitpid(child_, nullptr, 0);
-    }
+    KillHolder(child_);
     ClearCurrentUser();
     Stop();
     CatalogueTest::TearDown();
   }
   static int32_t AddItem(const ShortText& name, Real saleNet) { return AddItemRow(Item(name, "23", 0, saleNet), 5); }
-  // A saved document's lines, written straight through the table layer.
+  // A saved document's lines, written by another client as any program of the firm may write them.
   static void WriteDocument(int16_t kind, int32_t number, const char* mark, const std::vector<Line>& lines) {
-    int16_t tbl = 0, rec = 0;
-    ASSERT_EQ(PGTblOpen(WarehouseTablePath(kWarehouse, "specyfik"), tbl, 0), 0);
-    ASSERT_EQ(PGRecBufOpen(tbl, rec), 0);
+    std::string values;
     int32_t position = 0;
-    for (const Line& l : lines) {
-      ASSERT_EQ(PGRecBufEmpty(rec), 0);
-      ASSERT_EQ(PGPutShort(rec, SpecyfikCol::typ_dok, kind), 0);
-      ASSERT_EQ(PGPutLong(rec, SpecyfikCol::nr_dok, number), 0);
-      ASSERT_EQ(PGPutAlpha(rec, SpecyfikCol::znak_dok, ShortText(mark)), 0);
-      ASSERT_EQ(PGPutLong(rec, SpecyfikCol::pozycja, ++position), 0);
-      ASSERT_EQ(PGPutLong(rec, SpecyfikCol::nr_towaru, l.item), 0);
-      ASSERT_EQ(PGPutAlpha(rec, SpecyfikCol::vat, ShortText("23")), 0);
-      ASSERT_EQ(PGPutExt(rec, SpecyfikCol::ilosc, l.quantity), 0);
-      ASSERT_EQ(PGPutExt(rec, SpecyfikCol::c_zak_netto, l.buyNet), 0);
-      ASSERT_EQ(PGPutExt(rec, SpecyfikCol::c_spr_brutto, l.saleGross), 0);
-      ASSERT_EQ(PGRecAppend(tbl, rec), 0);
-    }
-    (void)PGRecBufClose(rec);
-    (void)PGTblClose(tbl);
+    for (const Line& l : lines)
+      values += std::string(values.empty() ? "(" : ",(") + std::to_string(kind) + "," + std::to_string(number) + ",'" +
+                mark + "'," + std::to_string(++position) + "," + std::to_string(l.item) + ",'23'," +
+                std::to_string(double(l.quantity)) + "," + std::to_string(double(l.buyNet)) + "," +
+                std::to_string(double(l.saleGross)) + ")";
+    ASSERT_TRUE(Psql("INSERT INTO dane_1_specyfik (typ_dok,nr_dok,znak_dok,pozycja,nr_towaru,vat,ilosc,c_zak_netto,"
+                     "c_spr_brutto) VALUES " + values));
   }
   // The rows of the saved document FV 1/number, and of the warehouse's catalogue.
   static std::vector<WorkFileRow> Document(int32_t number) {
@@ -112,7 +92,7 @@ class WorkFileTest : public CatalogueTest {
   static std::string Dbf() { return "out/plikrob_.dbf"; }
   // Whether the terminal was sent the text (boxes that only wait a time).
   bool Sent(const char* text) { return ScreenBytes().find(text) != std::string::npos; }
-  // The catalogue of three items, one with a Polish name, and two documents.
+  // The catalogue of three items, one with a Polish name, and two documents: every test starts with them.
   void Fill() {
     items_ = {AddItem("Mleko", 2.5L), AddItem("Chleb", 3), AddItem("Żółć"_mz, 10)};
     WriteDocument(1, 7, "FV", {{items_[0], 4, 2.1L, 3.08L}, {items_[2], 1.5L, 8, 12.3L}});
@@ -120,30 +100,19 @@ class WorkFileTest : public CatalogueTest {
   }
   // Another process takes the session lock and the work file lock of the user, and waits.
   void HoldElsewhere(int32_t user) {
-    int ready[2];
-    ASSERT_EQ(pipe(ready), 0);
-    child_ = fork();
-    if (child_ == 0) {
-      ::close(ready[0]);
+    child_ = HoldInAnotherProcess([user] {
       int session = -1, work = -1;
-      const bool held = !FileLockTake(UserPath(user, ShortText("kluczw__")), session, false) &&
-                        !FileLockTake(WorkFileName(user), work, false);
-      (void)!::write(ready[1], held ? "y" : "n", 1);
-      for (;;) pause();
-    }
-    ::close(ready[1]);
-    char answer = 0;
-    (void)!::read(ready[0], &answer, 1);
-    ::close(ready[0]);
-    ASSERT_EQ(answer, 'y');
+      return !FileLockTake(UserPath(user, ShortText("kluczw__")), session, false) &&
+             !FileLockTake(WorkFileName(user), work, false);
+    });
+    ASSERT_GT(child_, 0);
   }
 
   std::vector<int32_t> items_;
   pid_t child_ = -1;
 };
 
-TEST_F(WorkFileTest, RowsOfADocumentCarryItsQuantitiesAndPricesWithTheCatalogueNames) {
-  Fill();
+TEST_F(WorkFileTest, RowsOfADocumentAndOfTheCatalogueWithTheCatalogueNamesAndTheStock) {
   std::vector<WorkFileRow> rows = Document(7);
   ASSERT_EQ(rows.size(), 2u);
   EXPECT_EQ(std::tuple(rows[0].item.name, rows[0].item.number, rows[0].quantity, rows[0].item.buyNet),
@@ -156,11 +125,8 @@ TEST_F(WorkFileTest, RowsOfADocumentCarryItsQuantitiesAndPricesWithTheCatalogueN
   EXPECT_EQ(rows[0].quantity, 9);
   rows = Document(9);
   EXPECT_TRUE(rows.empty());
-}
-
-TEST_F(WorkFileTest, CatalogueRowsTakeTheWarehouseStock) {
-  Fill();
-  std::vector<WorkFileRow> rows = Catalogue();
+  // The catalogue's rows take the warehouse's stock.
+  rows = Catalogue();
   ASSERT_EQ(rows.size(), 3u);
   for (const WorkFileRow& r : rows) {
     EXPECT_EQ(r.quantity, 5) << r.item.name.Str();
@@ -169,7 +135,6 @@ TEST_F(WorkFileTest, CatalogueRowsTakeTheWarehouseStock) {
 }
 
 TEST_F(WorkFileTest, WritingAsksToAddAndAnEmptySourceWithNoLeavesItEmpty) {
-  Fill();
   std::vector<WorkFileRow> rows = Document(7);
   ASSERT_TRUE(AddSpecificationToWorkFile(rows));  // nothing there yet: no question
   EXPECT_TRUE(Sent("Zapis poprawny."));
@@ -186,8 +151,7 @@ TEST_F(WorkFileTest, WritingAsksToAddAndAnEmptySourceWithNoLeavesItEmpty) {
   EXPECT_TRUE(std::filesystem::exists("dane/uzytkown/1/plikrob_.lcu"));
 }
 
-TEST_F(WorkFileTest, DbfRoundTripAndPythonDbfreadReadsTheSameValues) {
-  Fill();
+TEST_F(WorkFileTest, DbfRoundTripReadByDbfreadAndBadOrUnknownRowsChangeNothing) {
   std::vector<WorkFileRow> rows = Document(7);
   ASSERT_EQ(WorkFileWrite(WorkFileName(1), rows, false), 0);
   std::filesystem::create_directories("out");
@@ -199,12 +163,9 @@ TEST_F(WorkFileTest, DbfRoundTripAndPythonDbfreadReadsTheSameValues) {
       "import dbfread\n"
       "for r in dbfread.DBF('" + Dbf() + "', encoding='latin1'):\n"
       "  print(r['NAZWA'].encode('latin1').hex(), r['NR_WEWN'], '%.3f' % r['ILOSC'], '%.2f' % r['CENA_S_B'], r['JEDNOSTKA'])\n";
-  FILE* py = popen(("/usr/bin/python3 -c \"" + script + "\"").c_str(), "r");
-  ASSERT_NE(py, nullptr);
-  std::string got;
-  char buf[256];
-  while (std::fgets(buf, sizeof buf, py)) got += buf;
-  ASSERT_EQ(pclose(py), 0);
+  bool ok = false;
+  const std::string got = dbf_test::RunCommand("/usr/bin/python3 -c \"" + script + "\"", ok);
+  ASSERT_TRUE(ok) << got;
   std::string expected;
   for (const WorkFileRow& r : rows) {
     std::string hex;
@@ -225,21 +186,10 @@ TEST_F(WorkFileTest, DbfRoundTripAndPythonDbfreadReadsTheSameValues) {
   ASSERT_EQ(WorkFileFromDbf(WorkFileName(2), ShortText(Dbf().c_str()), DbfCodePage::kAsIs, code), WorkFileImport::kDone);
   EXPECT_EQ(code, 0);
   EXPECT_EQ(Rows(2), Rows(1));
-}
 
-TEST_F(WorkFileTest, BadDbfFilesChangeNothing) {
-  Fill();
-  std::vector<WorkFileRow> rows = Catalogue();
-  ASSERT_EQ(WorkFileWrite(WorkFileName(1), rows, false), 0);
-  std::filesystem::create_directories("out");
-  ASSERT_EQ(WorkFileToDbf(WorkFileName(1), ShortText(Dbf().c_str())), 0);
+  // Bad DBF files change nothing.
   const std::string good = ReadFile(Dbf());
   const std::string before = Rows(1);
-  auto writeFile = [](const std::string& path, const std::string& bytes) {
-    FILE* f = std::fopen(path.c_str(), "wb");
-    std::fwrite(bytes.data(), 1, bytes.size(), f);
-    std::fclose(f);
-  };
   const std::string other = "out/other.dbf";
   {
     DbfFile dbf;
@@ -262,7 +212,7 @@ TEST_F(WorkFileTest, BadDbfFilesChangeNothing) {
   const std::string target = "out/bad.dbf";
   for (const Case& c : cases) {
     std::filesystem::remove(target);
-    if (!c.bytes.empty()) writeFile(target, c.bytes);
+    if (!c.bytes.empty()) file_test::WriteBytes(target, c.bytes);
     int16_t code = 0;
     EXPECT_EQ(WorkFileFromDbf(WorkFileName(1), ShortText(target.c_str()), DbfCodePage::kAsIs, code),
               WorkFileImport::kBadDbf)
@@ -272,15 +222,12 @@ TEST_F(WorkFileTest, BadDbfFilesChangeNothing) {
   }
   // Through the screen: the system's message, the work file as it was.
   std::filesystem::create_directories("cut");
-  writeFile("cut/plikrob_.dbf", good.substr(0, good.size() - 40));
+  file_test::WriteBytes("cut/plikrob_.dbf", good.substr(0, good.size() - 40));
   EXPECT_FALSE(ImportWorkFileFrom(ShortText("cut/"), false));
   EXPECT_TRUE(Shown("Plik DBF jest uszkodzony, lub nie istnieje."_mz));
   EXPECT_EQ(Rows(1), before);
-}
 
-TEST_F(WorkFileTest, ImportDropsRowsThatTheCatalogueDoesNotKnow) {
-  Fill();
-  std::vector<WorkFileRow> rows = Catalogue();
+  // A taken file drops the rows that the catalogue does not know.
   rows[1].item.name = "Obcy towar";
   ASSERT_EQ(WorkFileWrite(WorkFileName(1), rows, false), 0);
   std::vector<ShortText> dropped;
@@ -288,37 +235,6 @@ TEST_F(WorkFileTest, ImportDropsRowsThatTheCatalogueDoesNotKnow) {
   ASSERT_EQ(dropped.size(), 1u);
   EXPECT_EQ(dropped[0], "Obcy towar ");
   EXPECT_EQ(Rows(1).find("Obcy"), std::string::npos);
-}
-
-TEST_F(WorkFileTest, PassingAppendsOrReplaces) {
-  Fill();
-  ASSERT_EQ(WorkFileWrite(WorkFileName(1), Document(7), false), 0);
-  ASSERT_EQ(WorkFileWrite(WorkFileName(2), Document(8), false), 0);
-  const std::string mine = Rows(1), theirs = Rows(2);
-  ASSERT_EQ(WorkFileTransfer(1, 2, true), 0);
-  EXPECT_EQ(Rows(2), theirs + mine);
-  ASSERT_EQ(WorkFileTransfer(2, 1, false), 0);
-  EXPECT_EQ(Rows(1), theirs + mine);
-  ASSERT_EQ(WorkFileTransfer(1, 3, false), 0);  // a user without a work file gets one
-  EXPECT_EQ(Rows(3), theirs + mine);
-}
-
-TEST_F(WorkFileTest, AUserWorkingInAnotherProcessKeepsHisWorkFile) {
-  Fill();
-  std::vector<WorkFileRow> rows = Document(8);
-  ASSERT_EQ(WorkFileWrite(WorkFileName(2), rows, false), 0);
-  ASSERT_EQ(WorkFileToDbf(WorkFileName(2), ShortText("dane/other.dbf")), 0);
-  const std::string before = Rows(2);
-  EXPECT_FALSE(UserWorkingElsewhere(2));
-  HoldElsewhere(2);
-  EXPECT_TRUE(UserWorkingElsewhere(2));
-  EXPECT_TRUE(WorkFileLock(WorkFileName(2)).busy());
-  int16_t code = 0;
-  EXPECT_EQ(WorkFileFromDbf(WorkFileName(2), ShortText("dane/other.dbf"), DbfCodePage::kAsIs,
-                            code),
-            WorkFileImport::kLocked);
-  EXPECT_EQ(Rows(2), before);
-  EXPECT_FALSE(UserWorkingElsewhere(1));
 }
 
 TEST(WorkFileMiniTest, LinesAreNumberCommaQuantityAndAnyBadLineRefusesTheFile) {
@@ -358,7 +274,6 @@ TEST(WorkFileMiniTest, LinesAreNumberCommaQuantityAndAnyBadLineRefusesTheFile) {
 }
 
 TEST_F(WorkFileTest, TheMiniFormGoesOutAndComesBackThroughTheCatalogue) {
-  Fill();
   std::vector<WorkFileRow> rows = Document(7);
   rows[0].quantity = 1.234567L;
   ASSERT_EQ(WorkFileWrite(WorkFileName(1), rows, false), 0);
@@ -404,18 +319,11 @@ TEST_F(WorkFileTest, TheMiniFormGoesOutAndComesBackThroughTheCatalogue) {
 
 // The menu by keys: its rows under their key-caps, and the entries run by their digits.
 TEST_F(WorkFileTest, TheMenuShowsItsRowsAndRunsThemByTheirKeys) {
-  Fill();
   std::vector<WorkFileRow> rows = Catalogue();
   ASSERT_EQ(WorkFileWrite(WorkFileName(1), rows, false), 0);
-  auto keys = [](const std::string& text) {
-    return [text] {
-      for (unsigned char c : text) (void)PushKey(c == '\r' ? 13 : c, c == '\r' ? 28 : 0);
-    };
-  };
-  // 4: not built; the last row (key-cap A): drive A, which is no diskette; 7: a directory.
-  Play({keys("4"), keys("\r"), keys("A"), keys("\r"), keys("\r"), keys("7"), keys("menu\r"), keys("\r")});
-  std::filesystem::remove_all("menu");
-  std::filesystem::create_directories("menu");
+  const keysteps::Step enter = Keys("", {keys::kEnter});
+  // 4: not built; the last row (key-cap A): drive A, which is no diskette. (7, a directory: the klote walk.)
+  Play({Keys("4"), enter, Keys("A"), enter});
   WorkFileMenu(kWarehouse);
   const ShortText kRows[] = {
       "╧à  Eksport pliku roboczego do miejsc A i B (format `KLOTE\")"_mz,
@@ -435,11 +343,6 @@ TEST_F(WorkFileTest, TheMenuShowsItsRowsAndRunsThemByTheirKeys) {
   EXPECT_NE(gScreens[0].find(("Wybierz opcję:"_mz).Str()), std::string::npos);
   EXPECT_TRUE(Shown("Ta opcja nie jest jeszcze dostępna."_mz));
   EXPECT_TRUE(Shown("Wybrane miejsce nie wygląda na dyskietkę."_mz));
-  EXPECT_TRUE(Shown("Kopiowanie zakończone poprawnie."_mz));
-  DbfFile dbf;
-  ASSERT_EQ(DbfOpen(dbf, ShortText("menu/plikrob_.dbf")), 0);
-  EXPECT_EQ(dbf.recordCount, static_cast<int64_t>(rows.size()));
-  EXPECT_TRUE(DbfIsWorkFile(dbf));
 }
 
 // Drive A on a diskette directory: its main directory is emptied, its subdirectories stay.
@@ -492,14 +395,9 @@ TEST(WorkFileTakeTest, TheSourceDecidesThePricesOfTheRows) {
 }
 
 TEST_F(WorkFileTest, TakenIntoTheSpecificationRowsFindOrAddTheirItems) {
-  Fill();
   std::vector<WorkFileRow> rows = Document(7);
   WorkFileRow stranger;
-  stranger.item.name = "Nowy towar";
-  stranger.item.vat = "23";
-  stranger.item.unit = "kg";
-  stranger.item.saleNet = 4;
-  stranger.item.saleGross = 4.92L;
+  stranger.item = Item("Nowy towar", "23", 0, 4);
   stranger.item.supplierText = "Dostawca X";
   stranger.quantity = 6;
   rows.push_back(stranger);
@@ -549,21 +447,37 @@ TEST_F(WorkFileTest, TakenIntoTheSpecificationRowsFindOrAddTheirItems) {
   }
 }
 
-// Passing by the screen: to oneself, and to a user whose session another process holds; nothing moves.
-TEST_F(WorkFileTest, PassingRefusesOneselfAndAUserWhoIsWorking) {
-  Fill();
+// Passing appends or replaces; by the screen, to oneself and from a user whose
+// session another process holds, nothing moves; his work file takes no import either.
+TEST_F(WorkFileTest, PassingAppendsOrReplacesButNotToOneselfNorFromAUserAtWork) {
   ASSERT_EQ(UsersTableEnsure(), 0);
   for (const char* name : {"Jan", "Ewa"}) {
     UserRecord user;
     user.firstName = name;
     ASSERT_EQ(UserAppend(user), UserAppendOutcome::kDone);
   }
-  std::vector<WorkFileRow> rows = Document(7);
-  ASSERT_EQ(WorkFileWrite(WorkFileName(1), rows, false), 0);
-  rows = Document(8);
-  ASSERT_EQ(WorkFileWrite(WorkFileName(2), rows, false), 0);
+  ASSERT_EQ(WorkFileWrite(WorkFileName(1), Document(7), false), 0);
+  ASSERT_EQ(WorkFileWrite(WorkFileName(2), Document(8), false), 0);
   const std::string mine = Rows(1), theirs = Rows(2);
+  ASSERT_EQ(WorkFileTransfer(1, 2, true), 0);
+  EXPECT_EQ(Rows(2), theirs + mine);
+  ASSERT_EQ(WorkFileTransfer(2, 1, false), 0);
+  EXPECT_EQ(Rows(1), theirs + mine);
+  ASSERT_EQ(WorkFileTransfer(1, 3, false), 0);  // a user without a work file gets one
+  EXPECT_EQ(Rows(3), theirs + mine);
+
+  ASSERT_EQ(WorkFileWrite(WorkFileName(1), Document(7), false), 0);
+  ASSERT_EQ(WorkFileToDbf(WorkFileName(1), ShortText("dane/other.dbf")), 0);
+  const std::string before1 = Rows(1), before2 = Rows(2);
+  EXPECT_FALSE(UserWorkingElsewhere(2));
   HoldElsewhere(2);
+  EXPECT_TRUE(UserWorkingElsewhere(2));
+  EXPECT_FALSE(UserWorkingElsewhere(1));
+  EXPECT_TRUE(WorkFileLock(WorkFileName(2)).busy());
+  int16_t code = 0;
+  EXPECT_EQ(WorkFileFromDbf(WorkFileName(2), ShortText("dane/other.dbf"), DbfCodePage::kAsIs, code),
+            WorkFileImport::kLocked);
+  EXPECT_EQ(Rows(2), before2);
   auto key = [](KeyPair k) { return [k] { (void)PushKey(k.ch, k.scan); }; };
   auto digit = [](char d) { return [d] { (void)PushKey(static_cast<unsigned char>(d), 0); }; };
   struct Case {
@@ -581,14 +495,13 @@ TEST_F(WorkFileTest, PassingRefusesOneselfAndAUserWhoIsWorking) {
     Play(c.steps);
     PassWorkFile();
     EXPECT_TRUE(Shown(c.message)) << c.what;
-    EXPECT_EQ(Rows(1), mine) << c.what;
-    EXPECT_EQ(Rows(2), theirs) << c.what;
+    EXPECT_EQ(Rows(1), before1) << c.what;
+    EXPECT_EQ(Rows(2), before2) << c.what;
   }
 }
 
 // Taking the work file by the screen: a missing or empty file says so; the own form takes the rows as they are.
 TEST_F(WorkFileTest, TakingByTheScreenNamesAMissingOrEmptyFileAndTakesOwnRows) {
-  Fill();
   std::vector<WorkFileRow> rows = Document(7);
   struct Case {
     const char* what;
