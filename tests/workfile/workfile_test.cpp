@@ -15,7 +15,7 @@
 #include "exchange/workfile.h"
 #include "master/items_fixture.h"
 #include "master/contractors.h"
-#include "master/keysteps.h"
+#include "workfile/keysteps.h"
 #include "master/tables.h"
 #include "sqltable/sqltest.h"
 #include "users/session.h"
