@@ -118,13 +118,16 @@ class OneTableTest : public CatalogueTest {
 };
 
 // Creates a table from (name, type) pairs.
-inline int16_t CreateTable(const ShortText& path, std::initializer_list<std::pair<const char*, const char*>> fields) {
+inline int16_t CreateTable(const ShortText& path, const std::vector<std::pair<const char*, const char*>>& fields) {
   std::vector<PGName> names, types;
   for (const auto& f : fields) {
     names.emplace_back(f.first);
     types.emplace_back(f.second);
   }
   return PGTblCreate(path, static_cast<int>(names.size()), names.data(), types.data());
+}
+inline int16_t CreateTable(const ShortText& path, std::initializer_list<std::pair<const char*, const char*>> fields) {
+  return CreateTable(path, std::vector<std::pair<const char*, const char*>>(fields));
 }
 
 // In a forked child: a connection of its own, the parent's left untouched.
