@@ -39,6 +39,9 @@ class NavTest : public OneTableTest {
 TEST_F(NavTest, EndsOfTheTable) {
   MakeTable();
   Open();
+  EXPECT_EQ(SearchK1(5, 2), kPGRecordNotFound);  // the closest search on an empty table lands nowhere
+  EXPECT_FALSE(PGTableAt(tbl_)->positioned);
+  EXPECT_EQ(PGRecNext(tbl_), kPGEmptyTable);
   EXPECT_EQ(PGRecFirst(tbl_), kPGEmptyTable);
   EXPECT_EQ(PGRecLast(tbl_), kPGEmptyTable);
   EXPECT_EQ(PGRecNext(tbl_), kPGEmptyTable);  // an unplaced table starts at the first row
@@ -75,6 +78,15 @@ TEST_F(NavTest, EndsOfTheTable) {
   int32_t count = 0;
   ASSERT_EQ(PGTblNRecs(tbl_, count), 0);
   EXPECT_EQ(count, 5);
+  // On a fresh handle, a cursor over a free query walks the query's rows in its order.
+  PGTblClose(tbl_);
+  Open();
+  ASSERT_EQ(PGopCQ(tbl_, "SELECT * FROM dane_nav WHERE k1 IN (2,4) ORDER BY k1 DESC"), 0);
+  ASSERT_EQ(PGRecFirst(tbl_), 0);
+  EXPECT_EQ(K1(), 4);
+  ASSERT_EQ(PGRecGoto(tbl_, 2), 0);
+  EXPECT_EQ(K1(), 2);
+  EXPECT_EQ(PGRecGoto(tbl_, 3), kPGArgRange);
 }
 
 TEST_F(NavTest, WalksAcrossBatchesBothWays) {
@@ -162,14 +174,6 @@ TEST_F(NavTest, SearchModesAndTheirLandings) {
   EXPECT_EQ(PGSrchFld(tbl_, rec_, 3, 0), kPGRecordNotFound);
 }
 
-TEST_F(NavTest, ClosestSearchOnAnEmptyTableLandsNowhere) {
-  MakeTable();
-  Open();
-  EXPECT_EQ(SearchK1(5, 2), kPGRecordNotFound);
-  EXPECT_FALSE(PGTableAt(tbl_)->positioned);
-  EXPECT_EQ(PGRecNext(tbl_), kPGEmptyTable);
-}
-
 TEST_F(NavTest, RecordNumberCountsInEveryOrdering) {
   struct Case {
     const char* secondKeyType;
@@ -221,11 +225,21 @@ TEST_F(NavTest, RecordNumberCountsInEveryOrdering) {
   }
 }
 
-TEST_F(NavTest, OtherUsersDeleteGivesFifty) {
+TEST_F(NavTest, OtherUsersChangeIsSeenAfterItsCounterBumpAndTheirDeleteGivesFifty) {
   MakeTable();
   Fill(10);
   Open();
   ASSERT_EQ(PGRecFirst(tbl_), 0);  // the snapshot is taken here
+  ASSERT_EQ(SearchK1(2, 0), 0);
+  ASSERT_TRUE(Psql("UPDATE dane_nav SET v='new' WHERE k1=3"));
+  ASSERT_EQ(PGRecNext(tbl_), 0);
+  EXPECT_EQ(V(), "r3");
+  ASSERT_EQ(SearchK1(2, 0), 0);
+  Bump();
+  ASSERT_EQ(PGRecNext(tbl_), 0);
+  EXPECT_EQ(V(), "new");
+  EXPECT_EQ(Num(), 3);
+  EXPECT_FALSE(PGTblChanged(tbl_));
   ASSERT_EQ(SearchK1(4, 0), 0);
   ASSERT_TRUE(Psql("DELETE FROM dane_nav WHERE k1=4"));
   // Counting looks at the table itself: the row is missed at once.
@@ -239,23 +253,6 @@ TEST_F(NavTest, OtherUsersDeleteGivesFifty) {
   ASSERT_EQ(PGRecPrev(tbl_), 0);
   EXPECT_EQ(K1(), 5);
   EXPECT_EQ(Num(), 4);
-}
-
-TEST_F(NavTest, OtherUsersChangeIsSeenAfterItsCounterBump) {
-  MakeTable();
-  Fill(10);
-  Open();
-  ASSERT_EQ(PGRecFirst(tbl_), 0);
-  ASSERT_EQ(SearchK1(2, 0), 0);
-  ASSERT_TRUE(Psql("UPDATE dane_nav SET v='new' WHERE k1=3"));
-  ASSERT_EQ(PGRecNext(tbl_), 0);
-  EXPECT_EQ(V(), "r3");
-  ASSERT_EQ(SearchK1(2, 0), 0);
-  Bump();
-  ASSERT_EQ(PGRecNext(tbl_), 0);
-  EXPECT_EQ(V(), "new");
-  EXPECT_EQ(Num(), 3);
-  EXPECT_FALSE(PGTblChanged(tbl_));
 }
 
 TEST_F(NavTest, WhereClauseGlobalFilterAndView) {
@@ -468,18 +465,6 @@ TEST_F(NavTest, ReadingCachedRowsAllocatesNothing) {
   }
   EXPECT_EQ(gAllocations, before);
   EXPECT_EQ(v.Length(), 20);
-}
-
-TEST_F(NavTest, CursorOverAFreeQuery) {
-  MakeTable();
-  Fill(5);
-  Open();
-  ASSERT_EQ(PGopCQ(tbl_, "SELECT * FROM dane_nav WHERE k1 IN (2,4) ORDER BY k1 DESC"), 0);
-  ASSERT_EQ(PGRecFirst(tbl_), 0);
-  EXPECT_EQ(K1(), 4);
-  ASSERT_EQ(PGRecGoto(tbl_, 2), 0);
-  EXPECT_EQ(K1(), 2);
-  EXPECT_EQ(PGRecGoto(tbl_, 3), kPGArgRange);
 }
 
 TEST_F(NavTest, BigTablesShowTheRefreshNoticeAndRestoreTheScreen) {
