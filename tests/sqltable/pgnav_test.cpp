@@ -407,11 +407,12 @@ TEST_F(AlphaTripTest, BytesThatBothConversionsMapOneToOneSurvive) {
 TEST_F(AlphaTripTest, BytesAtTheOtherCodePagesLettersChangeByTheRules) {
   // An ISO 8859-2 letter's byte is not a Mazovia letter: it goes out
   // unchanged and comes back as the Mazovia letter of that ISO position.
+  // Byte 1 is how the server holds 255; a zero byte cannot travel in a statement.
   struct Case {
     unsigned char in, out;
   } cases[] = {{0xB1, 0x86}, {0xE6, 0x8D}, {0xEA, 0x91}, {0xB3, 0x92}, {0xF1, 0xA4}, {0xF3, 0xA2},
                {0xB6, 0x9E}, {0xBC, 0xA6}, {0xBF, 0xA7}, {0xC6, 0x95}, {0xCA, 0x90}, {0xD1, 0xA5},
-               {0xD3, 0xA3}, {0xAC, 0xA0}, {0xAF, 0xA1}, {0x01, 0xFF}};
+               {0xD3, 0xA3}, {0xAC, 0xA0}, {0xAF, 0xA1}, {0x01, 0xFF}, {0x00, 0x20}};
   ShortText in, out;
   for (const Case& c : cases) {
     in += static_cast<char>(c.in);

@@ -1,9 +1,7 @@
-// Record writes against the real server: every byte a text can hold, hostile
-// values in every literal, the state of the table after each write, row locks.
+// Record writes against the real server: hostile values in every literal, the
+// state of the table after each write, row locks.
 #include <string>
-#include <vector>
 
-#include "base/codepage.h"
 #include "sqltable/pgnav.h"
 #include "sqltable/pgrecord.h"
 #include "sqltable/pgwrite.h"
@@ -64,37 +62,16 @@ TEST_F(WriteTest, HandlesAndLayoutsAreChecked) {
   EXPECT_EQ(Rows(), "");
 }
 
-// Every byte a text can hold survives the trip; 0 becomes a blank and 1
-// (the separator's form in the database) comes back as 255.
-TEST_F(WriteTest, EveryByteOfATextRoundTrips) {
-  std::string sent = "'\\%_";
-  for (int c = 2; c <= 31; ++c) sent += static_cast<char>(c);
-  sent += '\xFF';
-  sent += '\0';
-  sent += '\x01';
-  sent += "\\'";
-  std::string expected = sent;
-  expected[expected.size() - 4] = ' ';
-  expected[expected.size() - 3] = '\xFF';
-  ASSERT_EQ(Append("K", ShortText(std::string_view(sent)), 1), 0) << PGLastOp.Str();
-  PGResult res;
-  ASSERT_EQ(PGRunQueryWithTup("SELECT nazwa FROM dane_w", res), 0);
-  EXPECT_EQ(DbToMaz(res.Text(0, 0)).Str(), expected);  // what the server holds
-  ASSERT_EQ(PGRecFirst(tbl_), 0);
-  ASSERT_EQ(PGRecGet(tbl_, rec_), 0);
-  ShortText back;
-  ASSERT_EQ(PGGetAlpha(rec_, 2, back), 0);
-  EXPECT_EQ(back.Str(), expected);
-  EXPECT_EQ(Scalar("SELECT length(nazwa) FROM dane_w"), std::to_string(sent.size()));
-}
-
 const char* const kHostile[] = {
     "x'); DROP TABLE dane_w; --",
     "\\'; DELETE FROM dane_w; --",
     "' OR '1'='1",
     "'' OR 1=1 --",
     "\\",
+    "'",
+    "''",
     "a\\'b",
+    "\\\\'",
     "%_%",
     "$$; DROP TABLE dane_w; $$",
     "E'\\x27'",
@@ -119,17 +96,6 @@ TEST_F(WriteTest, NoValueCanAlterAStatement) {
     ASSERT_EQ(PGRecDelete(tbl_), 0) << PGLastOp.Str();
     EXPECT_EQ(Rows(), "zz-guard|guard|0");
   }
-}
-
-// A number that is not number text cannot reach the statement bare.
-TEST_F(WriteTest, NumberValuesAreNeverBareText) {
-  PGRawArea raw;
-  ASSERT_EQ(PGRawGet(rec_, raw), 0);
-  const std::string evil = "1); DROP TABLE dane_w; --";
-  std::copy(evil.begin(), evil.end() + 1, raw.begin() + 2 * kPGRawSlot);
-  ASSERT_EQ(PGRawPut(rec_, raw), 0);
-  EXPECT_EQ(PGRecAppend(tbl_, rec_), kPGIndexInCatalogue);
-  EXPECT_EQ(Scalar("SELECT count(*) FROM dane_w"), "0");
 }
 
 TEST_F(WriteTest, UpdateWithoutChangeSendsNothing) {
