@@ -21,6 +21,12 @@ class NavTest : public OneTableTest {
     ASSERT_EQ(PGKeyAdd("dane\\nav", 2, key, 0), 0) << PGLastOp.Str();
   }
   void Open(int index = 0) { OpenTable("dane\\nav", index); }
+  // The table with n rows, open.
+  void MakeFilled(int n) {
+    MakeTable();
+    Fill(n);
+    Open();
+  }
   // Rows (i, 1, 'r<i>') for i in 1..n, inserted by the other user.
   static void Fill(int n) {
     ASSERT_TRUE(Psql("INSERT INTO dane_nav (k1,k2,v) SELECT i,1,'r'||i FROM generate_series(1," + std::to_string(n) +
@@ -29,6 +35,15 @@ class NavTest : public OneTableTest {
   static void Bump() { ASSERT_TRUE(Psql("UPDATE tables_list SET il_zm=il_zm+1 WHERE nazt='DANE_NAV' AND lp=1")); }
   int32_t K1() { return LongOf(1); }
   std::string V() { return AlphaOf(3); }
+  // A move's or a search's code, and the row it leaves the table on: its k1 or its v.
+  void ExpectOn(int16_t code, int32_t k1, int16_t expected = 0) {
+    EXPECT_EQ(code, expected);
+    EXPECT_EQ(K1(), k1);
+  }
+  void ExpectOn(int16_t code, const char* v, int16_t expected = 0) {
+    EXPECT_EQ(code, expected);
+    EXPECT_EQ(V(), v);
+  }
   int16_t SearchK1(int32_t k1, int mode, int nFields = 1, int32_t k2 = 1) {
     EXPECT_EQ(PGPutLong(rec_, 1, k1), 0);
     EXPECT_EQ(PGPutLong(rec_, 2, k2), 0);
@@ -49,32 +64,20 @@ TEST_F(NavTest, EndsOfTheTable) {
   PGTblClose(tbl_);
   Fill(5);
   Open();
-  ASSERT_EQ(PGRecFirst(tbl_), 0);
-  EXPECT_EQ(K1(), 1);
-  for (int k = 2; k <= 5; ++k) {
-    ASSERT_EQ(PGRecNext(tbl_), 0);
-    EXPECT_EQ(K1(), k);
-  }
-  EXPECT_EQ(PGRecNext(tbl_), kPGEndOfTable);
-  EXPECT_EQ(K1(), 5);
+  ExpectOn(PGRecFirst(tbl_), 1);
+  for (int k = 2; k <= 5; ++k) ExpectOn(PGRecNext(tbl_), k);
+  ExpectOn(PGRecNext(tbl_), 5, kPGEndOfTable);
   EXPECT_EQ(PGRecNext(tbl_), kPGEndOfTable);
   EXPECT_EQ(Num(), 5);
-  for (int k = 4; k >= 1; --k) {
-    ASSERT_EQ(PGRecPrev(tbl_), 0);
-    EXPECT_EQ(K1(), k);
-  }
-  EXPECT_EQ(PGRecPrev(tbl_), kPGStartOfTable);
-  EXPECT_EQ(K1(), 1);
+  for (int k = 4; k >= 1; --k) ExpectOn(PGRecPrev(tbl_), k);
+  ExpectOn(PGRecPrev(tbl_), 1, kPGStartOfTable);
   EXPECT_EQ(Num(), 1);
-  ASSERT_EQ(PGRecGoto(tbl_, 3), 0);
-  EXPECT_EQ(K1(), 3);
+  ExpectOn(PGRecGoto(tbl_, 3), 3);
   EXPECT_EQ(PGRecGoto(tbl_, 6), kPGArgRange);
   EXPECT_EQ(PGRecGoto(tbl_, 0), kPGArgRange);
-  ASSERT_EQ(PGRecLast(tbl_), 0);
-  EXPECT_EQ(K1(), 5);
+  ExpectOn(PGRecLast(tbl_), 5);
   EXPECT_EQ(Num(), 5);
-  ASSERT_EQ(PGRecPrev(tbl_), 0);
-  EXPECT_EQ(K1(), 4);
+  ExpectOn(PGRecPrev(tbl_), 4);
   int32_t count = 0;
   ASSERT_EQ(PGTblNRecs(tbl_, count), 0);
   EXPECT_EQ(count, 5);
@@ -82,17 +85,13 @@ TEST_F(NavTest, EndsOfTheTable) {
   PGTblClose(tbl_);
   Open();
   ASSERT_EQ(PGopCQ(tbl_, "SELECT * FROM dane_nav WHERE k1 IN (2,4) ORDER BY k1 DESC"), 0);
-  ASSERT_EQ(PGRecFirst(tbl_), 0);
-  EXPECT_EQ(K1(), 4);
-  ASSERT_EQ(PGRecGoto(tbl_, 2), 0);
-  EXPECT_EQ(K1(), 2);
+  ExpectOn(PGRecFirst(tbl_), 4);
+  ExpectOn(PGRecGoto(tbl_, 2), 2);
   EXPECT_EQ(PGRecGoto(tbl_, 3), kPGArgRange);
 }
 
 TEST_F(NavTest, WalksAcrossBatchesBothWays) {
-  MakeTable();
-  Fill(200);
-  Open();
+  MakeFilled(200);
   ASSERT_EQ(PGRecFirst(tbl_), 0);
   for (int k = 2; k <= 200; ++k) {
     ASSERT_EQ(PGRecNext(tbl_), 0) << k;
@@ -125,40 +124,28 @@ TEST_F(NavTest, SearchModesAndTheirLandings) {
   MakeTable();
   ASSERT_TRUE(Psql("INSERT INTO dane_nav (k1,k2,v) VALUES (10,1,'a'),(20,1,'b'),(20,2,'c'),(30,1,'d'),(40,1,'e')"));
   Open();
-  EXPECT_EQ(SearchK1(20, 0), 0);
-  EXPECT_EQ(V(), "b");
+  ExpectOn(SearchK1(20, 0), "b");
   EXPECT_EQ(Num(), 2);
-  EXPECT_EQ(SearchK1(20, 1), 0);  // the next 20 after the current one
-  EXPECT_EQ(V(), "c");
+  ExpectOn(SearchK1(20, 1), "c");  // the next 20 after the current one
   EXPECT_EQ(Num(), 3);
-  EXPECT_EQ(SearchK1(20, 1), kPGRecordNotFound);
-  EXPECT_EQ(V(), "c");
-  EXPECT_EQ(SearchK1(25, 0), kPGRecordNotFound);  // mode 0 leaves the record
-  EXPECT_EQ(V(), "c");
-  EXPECT_EQ(SearchK1(25, 2), kPGRecordNotFound);  // between two keys: the next higher
-  EXPECT_EQ(V(), "d");
+  ExpectOn(SearchK1(20, 1), "c", kPGRecordNotFound);
+  ExpectOn(SearchK1(25, 0), "c", kPGRecordNotFound);  // mode 0 leaves the record
+  ExpectOn(SearchK1(25, 2), "d", kPGRecordNotFound);  // between two keys: the next higher
   EXPECT_EQ(Num(), 4);
-  ASSERT_EQ(PGRecNext(tbl_), 0);
-  EXPECT_EQ(V(), "e");
-  EXPECT_EQ(SearchK1(99, 2), kPGRecordNotFound);  // past the end: the highest
-  EXPECT_EQ(V(), "e");
+  ExpectOn(PGRecNext(tbl_), "e");
+  ExpectOn(SearchK1(99, 2), "e", kPGRecordNotFound);  // past the end: the highest
   EXPECT_EQ(Num(), 5);
-  EXPECT_EQ(SearchK1(20, 2, 2, 5), kPGRecordNotFound);  // (20,5): next higher is (30,1)
-  EXPECT_EQ(V(), "d");
-  EXPECT_EQ(SearchK1(20, 2, 2, 2), 0);
-  EXPECT_EQ(V(), "c");
-  ASSERT_EQ(PGRecPrev(tbl_), 0);
-  EXPECT_EQ(V(), "b");
-  EXPECT_EQ(SearchK1(1, 2), kPGRecordNotFound);
-  EXPECT_EQ(V(), "a");
+  ExpectOn(SearchK1(20, 2, 2, 5), "d", kPGRecordNotFound);  // (20,5): next higher is (30,1)
+  ExpectOn(SearchK1(20, 2, 2, 2), "c");
+  ExpectOn(PGRecPrev(tbl_), "b");
+  ExpectOn(SearchK1(1, 2), "a", kPGRecordNotFound);
   EXPECT_EQ(SearchK1(1, 0, 0), kPGArgRange);
   EXPECT_EQ(SearchK1(1, 0, 4), kPGArgRange);
   ASSERT_EQ(PGPutLong(rec_, 1, 30), 0);
   ASSERT_EQ(PGPutLong(rec_, 2, 5), 0);
   EXPECT_EQ(PGSrchKeyFull(tbl_, rec_), kPGRecordNotFound);
   ASSERT_EQ(PGPutLong(rec_, 2, 1), 0);
-  EXPECT_EQ(PGSrchKeyFull(tbl_, rec_), 0);
-  EXPECT_EQ(V(), "d");
+  ExpectOn(PGSrchKeyFull(tbl_, rec_), "d");
   // Field searches: one field, a list, and the where clause only when asked.
   ASSERT_EQ(PGPutAlpha(rec_, 3, "c"), 0);
   EXPECT_EQ(PGSrchFld(tbl_, rec_, 3, 0), 0);
@@ -226,18 +213,14 @@ TEST_F(NavTest, RecordNumberCountsInEveryOrdering) {
 }
 
 TEST_F(NavTest, OtherUsersChangeIsSeenAfterItsCounterBumpAndTheirDeleteGivesFifty) {
-  MakeTable();
-  Fill(10);
-  Open();
+  MakeFilled(10);
   ASSERT_EQ(PGRecFirst(tbl_), 0);  // the snapshot is taken here
   ASSERT_EQ(SearchK1(2, 0), 0);
   ASSERT_TRUE(Psql("UPDATE dane_nav SET v='new' WHERE k1=3"));
-  ASSERT_EQ(PGRecNext(tbl_), 0);
-  EXPECT_EQ(V(), "r3");
+  ExpectOn(PGRecNext(tbl_), "r3");
   ASSERT_EQ(SearchK1(2, 0), 0);
   Bump();
-  ASSERT_EQ(PGRecNext(tbl_), 0);
-  EXPECT_EQ(V(), "new");
+  ExpectOn(PGRecNext(tbl_), "new");
   EXPECT_EQ(Num(), 3);
   EXPECT_FALSE(PGTblChanged(tbl_));
   ASSERT_EQ(SearchK1(4, 0), 0);
@@ -250,8 +233,7 @@ TEST_F(NavTest, OtherUsersChangeIsSeenAfterItsCounterBumpAndTheirDeleteGivesFift
   EXPECT_EQ(PGRecPrev(tbl_), kPGRecordGone);
   // Placed again, the refreshed snapshot knows the rows as they are.
   ASSERT_EQ(SearchK1(7, 0), 0);
-  ASSERT_EQ(PGRecPrev(tbl_), 0);
-  EXPECT_EQ(K1(), 5);
+  ExpectOn(PGRecPrev(tbl_), 5);
   EXPECT_EQ(Num(), 4);
 }
 
@@ -270,8 +252,7 @@ TEST_F(NavTest, WhereClauseGlobalFilterAndView) {
   ASSERT_EQ(SearchK1(16, 0), 0);
   EXPECT_EQ(Num(), 3);
   ASSERT_EQ(PGTblWhereClauseDrop(tbl_), 0);
-  ASSERT_EQ(PGRecFirst(tbl_), 0);
-  EXPECT_EQ(K1(), 2);
+  ExpectOn(PGRecFirst(tbl_), 2);
   PGClearGlobalFilter();
   PGTblClose(tbl_);
 
@@ -282,8 +263,7 @@ TEST_F(NavTest, WhereClauseGlobalFilterAndView) {
   EXPECT_EQ(seen, (std::vector<int>{5, 6, 7}));
   // The cursor reads a frozen copy of the view.
   ASSERT_TRUE(Psql("DELETE FROM dane_nav WHERE k1=6"));
-  ASSERT_EQ(PGRecPrev(tbl_), 0);
-  EXPECT_EQ(K1(), 6);
+  ExpectOn(PGRecPrev(tbl_), 6);
   EXPECT_EQ(PGTblClose(tbl_), 0);
 }
 
@@ -305,44 +285,32 @@ TEST_F(NavTest, CursorlessRoad) {
   EXPECT_EQ(PGRecFirst_noc(tbl_), kPGEmptyTable);
   EXPECT_EQ(PGRecLast_noc(tbl_), kPGEmptyTable);
   Fill(6);
-  ASSERT_EQ(PGRecFirst_noc(tbl_), 0);
-  EXPECT_EQ(K1(), 1);
+  ExpectOn(PGRecFirst_noc(tbl_), 1);
   EXPECT_EQ(PGRecPrev_noc(tbl_), kPGStartOfTable);
-  ASSERT_EQ(PGRecNext_noc(tbl_), 0);
-  EXPECT_EQ(K1(), 2);
-  ASSERT_EQ(PGRecLast_noc(tbl_), 0);
-  EXPECT_EQ(K1(), 6);
+  ExpectOn(PGRecNext_noc(tbl_), 2);
+  ExpectOn(PGRecLast_noc(tbl_), 6);
   EXPECT_EQ(PGRecNext_noc(tbl_), kPGEndOfTable);  // the place is counted first
-  ASSERT_EQ(PGRecPrev_noc(tbl_), 0);
-  EXPECT_EQ(K1(), 5);
-  ASSERT_EQ(PGRecGoto_noc(tbl_, 3), 0);
-  EXPECT_EQ(K1(), 3);
+  ExpectOn(PGRecPrev_noc(tbl_), 5);
+  ExpectOn(PGRecGoto_noc(tbl_, 3), 3);
   EXPECT_EQ(PGRecGoto_noc(tbl_, 7), kPGArgRange);
   // The cursor road picks up from the row the cursorless road left.
-  ASSERT_EQ(PGRecNext(tbl_), 0);
-  EXPECT_EQ(K1(), 4);
+  ExpectOn(PGRecNext(tbl_), 4);
   EXPECT_EQ(Num(), 4);
 }
 
 TEST_F(NavTest, RowCacheRoadsAndPrefetch) {
-  MakeTable();
-  Fill(130);
-  Open();
+  MakeFilled(130);
   ASSERT_EQ(PGRecFirst(tbl_), 0);  // opening the cursor later would clear the cache
   ASSERT_EQ(fill_c_forw(tbl_), 0);
   const PGTable* t = PGTableAt(tbl_);
   EXPECT_EQ(t->cacheCount, 60);
-  ASSERT_EQ(PGRecGoto_c(tbl_, 60), 0);
-  EXPECT_EQ(K1(), 60);
-  ASSERT_EQ(PGRecNext_c(tbl_), 0);  // not cached: fetched and inserted
-  EXPECT_EQ(K1(), 61);
+  ExpectOn(PGRecGoto_c(tbl_, 60), 60);
+  ExpectOn(PGRecNext_c(tbl_), 61);  // not cached: fetched and inserted
   EXPECT_EQ(t->cacheCount, 60);
   EXPECT_EQ(t->cachePos, 1);  // full: the first slot is overwritten
   ASSERT_EQ(fill_c_back(tbl_), 0);
-  ASSERT_EQ(PGRecGoto_c(tbl_, 71), 0);
-  EXPECT_EQ(K1(), 71);
-  ASSERT_EQ(PGRecGoto_c(tbl_, 130), 0);
-  EXPECT_EQ(K1(), 130);
+  ExpectOn(PGRecGoto_c(tbl_, 71), 71);
+  ExpectOn(PGRecGoto_c(tbl_, 130), 130);
   EXPECT_EQ(PGRecNext_c(tbl_), kPGArgRange);
   EXPECT_EQ(PGRecGoto_c(tbl_, 131), kPGArgRange);
 }
@@ -353,17 +321,14 @@ TEST_F(NavTest, IndexSwitchReordersAndPublishes) {
   ASSERT_EQ(PGKeyAdd("dane\\nav", 1, v, 1), 0);
   ASSERT_TRUE(Psql("INSERT INTO dane_nav (k1,k2,v) VALUES (1,1,'c'),(2,1,'a'),(3,1,'b')"));
   Open();
-  ASSERT_EQ(PGRecFirst(tbl_), 0);
-  EXPECT_EQ(K1(), 1);
+  ExpectOn(PGRecFirst(tbl_), 1);
   ASSERT_EQ(PGRecNext(tbl_), 0);  // the row cache is in use: the switch opens the table again
   PGTableAt(tbl_)->changedByUs = true;
   ASSERT_EQ(PGIndexSwitch(tbl_, rec_, 3), 0);
   EXPECT_EQ(PGTableAt(tbl_)->indexHandle, 3);
   EXPECT_EQ(Scalar("SELECT il_zm FROM tables_list WHERE nazt='DANE_NAV' AND lp=1"), "-2147483646");
-  ASSERT_EQ(PGRecFirst(tbl_), 0);
-  EXPECT_EQ(K1(), 2);  // rec_ is the re-opened buffer
-  ASSERT_EQ(PGRecNext(tbl_), 0);
-  EXPECT_EQ(K1(), 3);
+  ExpectOn(PGRecFirst(tbl_), 2);  // rec_ is the re-opened buffer
+  ExpectOn(PGRecNext(tbl_), 3);
 }
 
 }  // namespace
@@ -469,9 +434,7 @@ TEST_F(NavTest, ReadingCachedRowsAllocatesNothing) {
 }
 
 TEST_F(NavTest, BigTablesShowTheRefreshNoticeAndRestoreTheScreen) {
-  MakeTable();
-  Fill(3);
-  Open();
+  MakeFilled(3);
   ASSERT_EQ(PGRecFirst(tbl_), 0);
   const ShortText rowBefore = RowText(12);
   PGTableAt(tbl_)->rowCount = 60001;
