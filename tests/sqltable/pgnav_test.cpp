@@ -14,6 +14,7 @@ namespace {
 
 class NavTest : public OneTableTest {
  protected:
+  static constexpr int kK1 = 1, kV = 3;
   // dane\nav: k1 I, k2 I, v A20; primary key (k1, k2).
   void MakeTable(const char* secondKeyType = "I") {
     ASSERT_EQ(CreateTable("dane\\nav", {{"k1", "I"}, {"k2", secondKeyType}, {"v", "A20"}}), 0);
@@ -33,17 +34,8 @@ class NavTest : public OneTableTest {
                      ") i"));
   }
   static void Bump() { ASSERT_TRUE(Psql("UPDATE tables_list SET il_zm=il_zm+1 WHERE nazt='DANE_NAV' AND lp=1")); }
-  int32_t K1() { return LongOf(1); }
-  std::string V() { return AlphaOf(3); }
-  // A move's or a search's code, and the row it leaves the table on: its k1 or its v.
-  void ExpectOn(int16_t code, int32_t k1, int16_t expected = 0) {
-    EXPECT_EQ(code, expected);
-    EXPECT_EQ(K1(), k1);
-  }
-  void ExpectOn(int16_t code, const char* v, int16_t expected = 0) {
-    EXPECT_EQ(code, expected);
-    EXPECT_EQ(V(), v);
-  }
+  int32_t K1() { return LongOf(kK1); }
+  std::string V() { return AlphaOf(kV); }
   int16_t SearchK1(int32_t k1, int mode, int nFields = 1, int32_t k2 = 1) {
     EXPECT_EQ(PGPutLong(rec_, 1, k1), 0);
     EXPECT_EQ(PGPutLong(rec_, 2, k2), 0);
@@ -64,20 +56,20 @@ TEST_F(NavTest, EndsOfTheTable) {
   PGTblClose(tbl_);
   Fill(5);
   Open();
-  ExpectOn(PGRecFirst(tbl_), 1);
-  for (int k = 2; k <= 5; ++k) ExpectOn(PGRecNext(tbl_), k);
-  ExpectOn(PGRecNext(tbl_), 5, kPGEndOfTable);
+  ExpectOn(PGRecFirst(tbl_), kK1, 1);
+  for (int k = 2; k <= 5; ++k) ExpectOn(PGRecNext(tbl_), kK1, k);
+  ExpectOn(PGRecNext(tbl_), kK1, 5, kPGEndOfTable);
   EXPECT_EQ(PGRecNext(tbl_), kPGEndOfTable);
   EXPECT_EQ(Num(), 5);
-  for (int k = 4; k >= 1; --k) ExpectOn(PGRecPrev(tbl_), k);
-  ExpectOn(PGRecPrev(tbl_), 1, kPGStartOfTable);
+  for (int k = 4; k >= 1; --k) ExpectOn(PGRecPrev(tbl_), kK1, k);
+  ExpectOn(PGRecPrev(tbl_), kK1, 1, kPGStartOfTable);
   EXPECT_EQ(Num(), 1);
-  ExpectOn(PGRecGoto(tbl_, 3), 3);
+  ExpectOn(PGRecGoto(tbl_, 3), kK1, 3);
   EXPECT_EQ(PGRecGoto(tbl_, 6), kPGArgRange);
   EXPECT_EQ(PGRecGoto(tbl_, 0), kPGArgRange);
-  ExpectOn(PGRecLast(tbl_), 5);
+  ExpectOn(PGRecLast(tbl_), kK1, 5);
   EXPECT_EQ(Num(), 5);
-  ExpectOn(PGRecPrev(tbl_), 4);
+  ExpectOn(PGRecPrev(tbl_), kK1, 4);
   int32_t count = 0;
   ASSERT_EQ(PGTblNRecs(tbl_, count), 0);
   EXPECT_EQ(count, 5);
@@ -85,8 +77,8 @@ TEST_F(NavTest, EndsOfTheTable) {
   PGTblClose(tbl_);
   Open();
   ASSERT_EQ(PGopCQ(tbl_, "SELECT * FROM dane_nav WHERE k1 IN (2,4) ORDER BY k1 DESC"), 0);
-  ExpectOn(PGRecFirst(tbl_), 4);
-  ExpectOn(PGRecGoto(tbl_, 2), 2);
+  ExpectOn(PGRecFirst(tbl_), kK1, 4);
+  ExpectOn(PGRecGoto(tbl_, 2), kK1, 2);
   EXPECT_EQ(PGRecGoto(tbl_, 3), kPGArgRange);
 }
 
@@ -124,28 +116,28 @@ TEST_F(NavTest, SearchModesAndTheirLandings) {
   MakeTable();
   ASSERT_TRUE(Psql("INSERT INTO dane_nav (k1,k2,v) VALUES (10,1,'a'),(20,1,'b'),(20,2,'c'),(30,1,'d'),(40,1,'e')"));
   Open();
-  ExpectOn(SearchK1(20, 0), "b");
+  ExpectOn(SearchK1(20, 0), kV, "b");
   EXPECT_EQ(Num(), 2);
-  ExpectOn(SearchK1(20, 1), "c");  // the next 20 after the current one
+  ExpectOn(SearchK1(20, 1), kV, "c");  // the next 20 after the current one
   EXPECT_EQ(Num(), 3);
-  ExpectOn(SearchK1(20, 1), "c", kPGRecordNotFound);
-  ExpectOn(SearchK1(25, 0), "c", kPGRecordNotFound);  // mode 0 leaves the record
-  ExpectOn(SearchK1(25, 2), "d", kPGRecordNotFound);  // between two keys: the next higher
+  ExpectOn(SearchK1(20, 1), kV, "c", kPGRecordNotFound);
+  ExpectOn(SearchK1(25, 0), kV, "c", kPGRecordNotFound);  // mode 0 leaves the record
+  ExpectOn(SearchK1(25, 2), kV, "d", kPGRecordNotFound);  // between two keys: the next higher
   EXPECT_EQ(Num(), 4);
-  ExpectOn(PGRecNext(tbl_), "e");
-  ExpectOn(SearchK1(99, 2), "e", kPGRecordNotFound);  // past the end: the highest
+  ExpectOn(PGRecNext(tbl_), kV, "e");
+  ExpectOn(SearchK1(99, 2), kV, "e", kPGRecordNotFound);  // past the end: the highest
   EXPECT_EQ(Num(), 5);
-  ExpectOn(SearchK1(20, 2, 2, 5), "d", kPGRecordNotFound);  // (20,5): next higher is (30,1)
-  ExpectOn(SearchK1(20, 2, 2, 2), "c");
-  ExpectOn(PGRecPrev(tbl_), "b");
-  ExpectOn(SearchK1(1, 2), "a", kPGRecordNotFound);
+  ExpectOn(SearchK1(20, 2, 2, 5), kV, "d", kPGRecordNotFound);  // (20,5): next higher is (30,1)
+  ExpectOn(SearchK1(20, 2, 2, 2), kV, "c");
+  ExpectOn(PGRecPrev(tbl_), kV, "b");
+  ExpectOn(SearchK1(1, 2), kV, "a", kPGRecordNotFound);
   EXPECT_EQ(SearchK1(1, 0, 0), kPGArgRange);
   EXPECT_EQ(SearchK1(1, 0, 4), kPGArgRange);
   ASSERT_EQ(PGPutLong(rec_, 1, 30), 0);
   ASSERT_EQ(PGPutLong(rec_, 2, 5), 0);
   EXPECT_EQ(PGSrchKeyFull(tbl_, rec_), kPGRecordNotFound);
   ASSERT_EQ(PGPutLong(rec_, 2, 1), 0);
-  ExpectOn(PGSrchKeyFull(tbl_, rec_), "d");
+  ExpectOn(PGSrchKeyFull(tbl_, rec_), kV, "d");
   // Field searches: one field, a list, and the where clause only when asked.
   ASSERT_EQ(PGPutAlpha(rec_, 3, "c"), 0);
   EXPECT_EQ(PGSrchFld(tbl_, rec_, 3, 0), 0);
@@ -217,10 +209,10 @@ TEST_F(NavTest, OtherUsersChangeIsSeenAfterItsCounterBumpAndTheirDeleteGivesFift
   ASSERT_EQ(PGRecFirst(tbl_), 0);  // the snapshot is taken here
   ASSERT_EQ(SearchK1(2, 0), 0);
   ASSERT_TRUE(Psql("UPDATE dane_nav SET v='new' WHERE k1=3"));
-  ExpectOn(PGRecNext(tbl_), "r3");
+  ExpectOn(PGRecNext(tbl_), kV, "r3");
   ASSERT_EQ(SearchK1(2, 0), 0);
   Bump();
-  ExpectOn(PGRecNext(tbl_), "new");
+  ExpectOn(PGRecNext(tbl_), kV, "new");
   EXPECT_EQ(Num(), 3);
   EXPECT_FALSE(PGTblChanged(tbl_));
   ASSERT_EQ(SearchK1(4, 0), 0);
@@ -233,7 +225,7 @@ TEST_F(NavTest, OtherUsersChangeIsSeenAfterItsCounterBumpAndTheirDeleteGivesFift
   EXPECT_EQ(PGRecPrev(tbl_), kPGRecordGone);
   // Placed again, the refreshed snapshot knows the rows as they are.
   ASSERT_EQ(SearchK1(7, 0), 0);
-  ExpectOn(PGRecPrev(tbl_), 5);
+  ExpectOn(PGRecPrev(tbl_), kK1, 5);
   EXPECT_EQ(Num(), 4);
 }
 
@@ -252,7 +244,7 @@ TEST_F(NavTest, WhereClauseGlobalFilterAndView) {
   ASSERT_EQ(SearchK1(16, 0), 0);
   EXPECT_EQ(Num(), 3);
   ASSERT_EQ(PGTblWhereClauseDrop(tbl_), 0);
-  ExpectOn(PGRecFirst(tbl_), 2);
+  ExpectOn(PGRecFirst(tbl_), kK1, 2);
   PGClearGlobalFilter();
   PGTblClose(tbl_);
 
@@ -263,7 +255,7 @@ TEST_F(NavTest, WhereClauseGlobalFilterAndView) {
   EXPECT_EQ(seen, (std::vector<int>{5, 6, 7}));
   // The cursor reads a frozen copy of the view.
   ASSERT_TRUE(Psql("DELETE FROM dane_nav WHERE k1=6"));
-  ExpectOn(PGRecPrev(tbl_), 6);
+  ExpectOn(PGRecPrev(tbl_), kK1, 6);
   EXPECT_EQ(PGTblClose(tbl_), 0);
 }
 
@@ -285,16 +277,16 @@ TEST_F(NavTest, CursorlessRoad) {
   EXPECT_EQ(PGRecFirst_noc(tbl_), kPGEmptyTable);
   EXPECT_EQ(PGRecLast_noc(tbl_), kPGEmptyTable);
   Fill(6);
-  ExpectOn(PGRecFirst_noc(tbl_), 1);
+  ExpectOn(PGRecFirst_noc(tbl_), kK1, 1);
   EXPECT_EQ(PGRecPrev_noc(tbl_), kPGStartOfTable);
-  ExpectOn(PGRecNext_noc(tbl_), 2);
-  ExpectOn(PGRecLast_noc(tbl_), 6);
+  ExpectOn(PGRecNext_noc(tbl_), kK1, 2);
+  ExpectOn(PGRecLast_noc(tbl_), kK1, 6);
   EXPECT_EQ(PGRecNext_noc(tbl_), kPGEndOfTable);  // the place is counted first
-  ExpectOn(PGRecPrev_noc(tbl_), 5);
-  ExpectOn(PGRecGoto_noc(tbl_, 3), 3);
+  ExpectOn(PGRecPrev_noc(tbl_), kK1, 5);
+  ExpectOn(PGRecGoto_noc(tbl_, 3), kK1, 3);
   EXPECT_EQ(PGRecGoto_noc(tbl_, 7), kPGArgRange);
   // The cursor road picks up from the row the cursorless road left.
-  ExpectOn(PGRecNext(tbl_), 4);
+  ExpectOn(PGRecNext(tbl_), kK1, 4);
   EXPECT_EQ(Num(), 4);
 }
 
@@ -304,13 +296,13 @@ TEST_F(NavTest, RowCacheRoadsAndPrefetch) {
   ASSERT_EQ(fill_c_forw(tbl_), 0);
   const PGTable* t = PGTableAt(tbl_);
   EXPECT_EQ(t->cacheCount, 60);
-  ExpectOn(PGRecGoto_c(tbl_, 60), 60);
-  ExpectOn(PGRecNext_c(tbl_), 61);  // not cached: fetched and inserted
+  ExpectOn(PGRecGoto_c(tbl_, 60), kK1, 60);
+  ExpectOn(PGRecNext_c(tbl_), kK1, 61);  // not cached: fetched and inserted
   EXPECT_EQ(t->cacheCount, 60);
   EXPECT_EQ(t->cachePos, 1);  // full: the first slot is overwritten
   ASSERT_EQ(fill_c_back(tbl_), 0);
-  ExpectOn(PGRecGoto_c(tbl_, 71), 71);
-  ExpectOn(PGRecGoto_c(tbl_, 130), 130);
+  ExpectOn(PGRecGoto_c(tbl_, 71), kK1, 71);
+  ExpectOn(PGRecGoto_c(tbl_, 130), kK1, 130);
   EXPECT_EQ(PGRecNext_c(tbl_), kPGArgRange);
   EXPECT_EQ(PGRecGoto_c(tbl_, 131), kPGArgRange);
 }
@@ -321,14 +313,14 @@ TEST_F(NavTest, IndexSwitchReordersAndPublishes) {
   ASSERT_EQ(PGKeyAdd("dane\\nav", 1, v, 1), 0);
   ASSERT_TRUE(Psql("INSERT INTO dane_nav (k1,k2,v) VALUES (1,1,'c'),(2,1,'a'),(3,1,'b')"));
   Open();
-  ExpectOn(PGRecFirst(tbl_), 1);
+  ExpectOn(PGRecFirst(tbl_), kK1, 1);
   ASSERT_EQ(PGRecNext(tbl_), 0);  // the row cache is in use: the switch opens the table again
   PGTableAt(tbl_)->changedByUs = true;
   ASSERT_EQ(PGIndexSwitch(tbl_, rec_, 3), 0);
   EXPECT_EQ(PGTableAt(tbl_)->indexHandle, 3);
   EXPECT_EQ(Scalar("SELECT il_zm FROM tables_list WHERE nazt='DANE_NAV' AND lp=1"), "-2147483646");
-  ExpectOn(PGRecFirst(tbl_), 2);  // rec_ is the re-opened buffer
-  ExpectOn(PGRecNext(tbl_), 3);
+  ExpectOn(PGRecFirst(tbl_), kK1, 2);  // rec_ is the re-opened buffer
+  ExpectOn(PGRecNext(tbl_), kK1, 3);
 }
 
 }  // namespace

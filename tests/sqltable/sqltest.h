@@ -107,6 +107,15 @@ class OneTableTest : public CatalogueTest {
     EXPECT_EQ(PGGetAlpha(rec_, fld, v), 0);
     return v.Str();
   }
+  // A move's or a search's code, and a field of the row it leaves the table on.
+  void ExpectOn(int16_t code, int fld, int32_t value, int16_t expected = 0) {
+    EXPECT_EQ(code, expected);
+    EXPECT_EQ(LongOf(fld), value);
+  }
+  void ExpectOn(int16_t code, int fld, const char* text, int16_t expected = 0) {
+    EXPECT_EQ(code, expected);
+    EXPECT_EQ(AlphaOf(fld), text);
+  }
   // The number of the current row as the layer counts it.
   int32_t Num() {
     int32_t n = -1;
