@@ -52,6 +52,10 @@ TEST_F(LockTest, RegisterKindsAndRemoval) {
   PGLockClearAll();
   EXPECT_EQ(PGLockCount(), 0);
   EXPECT_EQ(PGLockKind("dane\\inna"), 0);
+  // The shutdown of the layer clears the register too.
+  PGLockRegister("DANE_LOCKT", 1);
+  PGShutdownTables(1);
+  EXPECT_EQ(PGLockCount(), 0);
 }
 
 TEST_F(LockTest, SecondEntryWarnsAndIsAddedAllTheSame) {
@@ -72,12 +76,6 @@ TEST_F(LockTest, TwentyFirstEntryEndsTheProgram) {
   AnswerBoxesOnStderr();
   EXPECT_EXIT(PGLockRegister("T21", 1), ::testing::ExitedWithCode(0),
               "Przekroczona jest mo\xA7liwa ilo\x9E\x8D blokad tablic\\.[^\n]*\n[^\n]*Program musi przerwa\x8D dzia\x92" "anie\\.");
-}
-
-TEST_F(LockTest, ShutdownOfTheLayerClearsTheRegister) {
-  PGLockRegister("DANE_LOCKT", 1);
-  PGShutdownTables(1);
-  EXPECT_EQ(PGLockCount(), 0);
 }
 
 // --- Locks on the server ---
