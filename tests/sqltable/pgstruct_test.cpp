@@ -20,22 +20,14 @@ class StructureTest : public CatalogueTest {
     PGKeyRelease(h);
     ASSERT_TRUE(Psql("INSERT INTO dane_src (a,b,c) VALUES (3,'z',1.5),(1,'x',2),(2,'y',0)"));
   }
-  static std::string Catalogue(const std::string& table) {
-    return Scalar("SELECT string_agg(concat_ws('/', nazp, typp, trim(k), trim(i), ci, cilp, typi, typci), ' ' "
-                  "ORDER BY lp) FROM tables_list WHERE nazt='" + table + "'");
-  }
-  static std::string Indexes(const std::string& table) {
-    return Scalar("SELECT string_agg(regexp_replace(indexdef, '.* INDEX (\\S+) ON \\S+ USING btree ', '\\1 '), ';' "
-                  "ORDER BY indexname) FROM pg_indexes WHERE schemaname=current_schema() AND tablename='" + table + "'");
-  }
 };
 
 TEST_F(StructureTest, CloneIdxGivesAnEmptyTwinWithTheSameIndexes) {
   MakeSource();
   ASSERT_EQ(PGTblCloneIdx("dane\\src", "dane\\dst"), 0) << PGLastOp.Str();
-  EXPECT_EQ(Catalogue("DANE_DST"), "A/I/*///0/0/0 B/A5//*/PO_CB/2/1/3 C/N///PO_CB/1/0/3");
-  EXPECT_EQ(Indexes("dane_dst"),
-            "dane_dst_b (b);dane_dst_oidindeks (oid);dane_dst_pkey (a);dane_dst_po_cb (c, b)");
+  EXPECT_EQ(CatalogueOf("DANE_DST"), "A/I/*///0/0/0 B/A5//*/PO_CB/2/1/3 C/N///PO_CB/1/0/3");
+  EXPECT_EQ(IndexesOf("dane_dst"),
+            "dane_dst_b (b);UNIQUE dane_dst_oidindeks (oid);UNIQUE dane_dst_pkey (a);UNIQUE dane_dst_po_cb (c, b)");
   EXPECT_EQ(Scalar("SELECT count(*) FROM dane_dst"), "0");
   EXPECT_EQ(PGOpenTableCount(), 0);  // the source was closed
   EXPECT_EQ(PGTblCloneIdx("dane\\none", "dane\\dst"), 0);  // an unknown source clones as nothing
@@ -71,8 +63,8 @@ TEST_F(StructureTest, RenameMovesTableIndexesAndCatalogue) {
   const int16_t c[1] = {3};
   ASSERT_EQ(PGKeyAdd("dane\\src", 1, c, 1), 0);
   ASSERT_EQ(PGTblRename("dane\\src", "dane\\nowa"), 0) << PGLastOp.Str();
-  EXPECT_EQ(Indexes("dane_nowa"),
-            "dane_nowa_b (b);dane_nowa_c (c);dane_nowa_oidindeks (oid);dane_nowa_pkey (a);dane_nowa_po_cb (c, b)");
+  EXPECT_EQ(IndexesOf("dane_nowa"), "dane_nowa_b (b);dane_nowa_c (c);UNIQUE dane_nowa_oidindeks (oid);"
+                                    "UNIQUE dane_nowa_pkey (a);UNIQUE dane_nowa_po_cb (c, b)");
   EXPECT_EQ(Scalar("SELECT count(*) FROM tables_list WHERE nazt='DANE_SRC'"), "0");
   EXPECT_EQ(Scalar("SELECT count(*) FROM tables_list WHERE nazt='DANE_NOWA'"), "3");
   EXPECT_EQ(Scalar("SELECT count(*) FROM dane_nowa"), "3");

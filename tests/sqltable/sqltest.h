@@ -85,6 +85,17 @@ class CatalogueTest : public ConnectedTest {
     ConnectedTest::SetUp();
     ASSERT_EQ(PGinitializett(), 0) << PGLastOp.Str();
   }
+  // The table's indexes in name order, each "[UNIQUE ]name (columns)", ';' between them.
+  static std::string IndexesOf(const std::string& table) {
+    return Scalar("SELECT string_agg(regexp_replace(indexdef, 'CREATE (UNIQUE )?INDEX (\\S+) ON \\S+ USING btree ', "
+                  "'\\1\\2 '), ';' ORDER BY indexname) FROM pg_indexes WHERE schemaname=current_schema() AND tablename='" +
+                  table + "'");
+  }
+  // The table's catalogue rows in field order, each "name/type/k/i/ci/cilp/typi/typci", ' ' between them.
+  static std::string CatalogueOf(const std::string& table) {
+    return Scalar("SELECT string_agg(concat_ws('/', nazp, typp, trim(k), trim(i), ci, cilp, typi, typci), ' ' "
+                  "ORDER BY lp) FROM tables_list WHERE nazt='" + table + "'");
+  }
 };
 
 // A catalogue suite that works on one open table through one record buffer.
