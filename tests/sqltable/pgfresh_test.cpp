@@ -168,10 +168,8 @@ TEST_F(FreshTest, NullsWrittenByOtherProgramsAreFoundAndRewritten) {
   EXPECT_EQ(Scalar("SELECT v||'|'||(n IS NULL)||'|'||(d IS NULL) FROM dane_fr WHERE k=10"), "zmiana|true|true");
   ExpectOn(PGRecPrev(tbl_), kK, 20);
   // The row copies into a table of the same layout.
-  ASSERT_EQ(CreateTable("dane\\fr2", {{"k", "I"}, {"v", "A20"}, {"n", "I"}, {"d", "D"}}), 0);
   int16_t tbl2 = 0, rec2 = 0;
-  ASSERT_EQ(PGTblOpen("dane\\fr2", tbl2, 0), 0);
-  ASSERT_EQ(PGRecBufOpen(tbl2, rec2), 0);
+  ASSERT_NO_FATAL_FAILURE(CreateAndOpen("dane\\fr2", {{"k", "I"}, {"v", "A20"}, {"n", "I"}, {"d", "D"}}, tbl2, rec2));
   ASSERT_EQ(PGRecLast(tbl_), 0);
   ASSERT_EQ(PGRecGet(tbl_, rec2), 0);
   ASSERT_EQ(PGRecAppend(tbl2, rec2), 0) << PGLastOp.Str();

@@ -201,14 +201,10 @@ TEST_F(RecordTest, BlobsAreHexWithinTheirLimits) {
 }
 
 TEST_F(RecordTest, CopiesNeedTheSameLayout) {
-  ASSERT_EQ(CreateTable("dane\\a10", {{"a", "A10"}}), 0);
-  ASSERT_EQ(CreateTable("dane\\a11", {{"a", "A11"}}), 0);
   int16_t t10 = 0, t11 = 0, r10 = 0, r11 = 0, r10b = 0;
-  ASSERT_EQ(PGTblOpen("dane\\a10", t10, 0), 0);
-  ASSERT_EQ(PGTblOpen("dane\\a11", t11, 0), 0);
-  ASSERT_EQ(PGRecBufOpen(t10, r10), 0);
+  ASSERT_NO_FATAL_FAILURE(CreateAndOpen("dane\\a10", {{"a", "A10"}}, t10, r10));
+  ASSERT_NO_FATAL_FAILURE(CreateAndOpen("dane\\a11", {{"a", "A11"}}, t11, r11));
   ASSERT_EQ(PGRecBufOpen(t10, r10b), 0);
-  ASSERT_EQ(PGRecBufOpen(t11, r11), 0);
   ASSERT_EQ(PGPutAlpha(r10, 1, "abc"), 0);
   EXPECT_EQ(PGRecBufCopy(r10, r11), kPGLayoutDiffers);
   EXPECT_EQ(PGRecBufCopy(r10, rec_), kPGLayoutDiffers);
@@ -219,9 +215,8 @@ TEST_F(RecordTest, CopiesNeedTheSameLayout) {
   EXPECT_EQ(PGRecGet(t11, r10), kPGLayoutDiffers);
 
   int32_t size = 0;
-  ASSERT_EQ(CreateTable("dane\\len", {{"a", "A10"}, {"d", "D"}}), 0);
-  int16_t tl = 0;
-  ASSERT_EQ(PGTblOpen("dane\\len", tl, 0), 0);
+  int16_t tl = 0, rl = 0;
+  ASSERT_NO_FATAL_FAILURE(CreateAndOpen("dane\\len", {{"a", "A10"}, {"d", "D"}}, tl, rl));
   ASSERT_EQ(PGRecLen(tl, size), 0);
   EXPECT_EQ(size, 22);
 }

@@ -20,12 +20,6 @@ class WriteTest : public OneTableTest {
     Open();
   }
   void Open() { OpenTable("dane\\w"); }
-  // A second table without key fields, one field a (A5), open with a buffer.
-  static void OpenOneFieldTable(const char* path, int16_t& tbl, int16_t& rec) {
-    ASSERT_EQ(CreateTable(path, {{"a", "A5"}}), 0);
-    ASSERT_EQ(PGTblOpen(path, tbl, 0), 0);
-    ASSERT_EQ(PGRecBufOpen(tbl, rec), 0);
-  }
   PGTable& T() { return *PGTableAt(tbl_); }
   // Appends one row through the buffer.
   int16_t Append(const ShortText& kod, const ShortText& nazwa, int32_t ilosc) {
@@ -52,7 +46,7 @@ TEST_F(WriteTest, AppendTakesTheRowIdBackAndBecomesTheCurrentRecord) {
 
 TEST_F(WriteTest, HandlesAndLayoutsAreChecked) {
   int16_t other = 0, otherRec = 0;
-  ASSERT_NO_FATAL_FAILURE(OpenOneFieldTable("dane\\inna", other, otherRec));
+  ASSERT_NO_FATAL_FAILURE(CreateAndOpen("dane\\inna", {{"a", "A5"}}, other, otherRec));
   EXPECT_EQ(PGRecAppend(99, rec_), kPGBadTableHandle);
   EXPECT_EQ(PGRecAppend(tbl_, 198), kPGBadRecordBuffer);
   EXPECT_EQ(PGRecAppend(tbl_, otherRec), kPGLayoutDiffers);
@@ -140,7 +134,7 @@ TEST_F(WriteTest, UpdateTellsWhetherTheOrderingMayChange) {
 
 TEST_F(WriteTest, TablesWithoutKeysAreWrittenByRowId) {
   int16_t t = 0, r = 0;
-  ASSERT_NO_FATAL_FAILURE(OpenOneFieldTable("dane\\bez", t, r));
+  ASSERT_NO_FATAL_FAILURE(CreateAndOpen("dane\\bez", {{"a", "A5"}}, t, r));  // no key fields
   ASSERT_EQ(PGPutAlpha(r, 1, "same"), 0);
   ASSERT_EQ(PGRecAppend(t, r), 0);
   ASSERT_EQ(PGRecAppend(t, r), 0);  // two equal rows: only the row id tells them apart

@@ -150,6 +150,14 @@ inline int16_t CreateTable(const ShortText& path, std::initializer_list<std::pai
   return CreateTable(path, std::vector<std::pair<const char*, const char*>>(fields));
 }
 
+// Creates a table, opens it and a record buffer on it.
+inline void CreateAndOpen(const ShortText& path, const std::vector<std::pair<const char*, const char*>>& fields,
+                          int16_t& tbl, int16_t& rec) {
+  ASSERT_EQ(CreateTable(path, fields), 0) << PGLastOp.Str();
+  ASSERT_EQ(PGTblOpen(path, tbl, 0), 0) << PGLastOp.Str();
+  ASSERT_EQ(PGRecBufOpen(tbl, rec), 0);
+}
+
 // In a forked child: a connection of its own, the parent's left untouched.
 inline void ConnectChild() {
   PGConn = nullptr;
