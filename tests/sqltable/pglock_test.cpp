@@ -80,7 +80,7 @@ TEST_F(LockTest, TwentyFirstEntryEndsTheProgram) {
 
 // --- Locks on the server ---
 
-TEST_F(LockTest, LayerLockNeedsATransaction) {
+TEST_F(LockTest, LayerLockNeedsATransactionAndItsFailureEndsTheProgram) {
   EXPECT_EQ(PGTblLockEx("dane\\lockt"), kPGLockOutsideTransaction);
   EXPECT_EQ(ModeHeld("dane_lockt"), "");
   ASSERT_EQ(PGTransBegin(), 0);
@@ -89,9 +89,7 @@ TEST_F(LockTest, LayerLockNeedsATransaction) {
   EXPECT_EQ(PGLockCount(), 0);  // the layer's own lock is not registered
   EXPECT_EQ(PGTransCommit(), 0);
   EXPECT_EQ(ModeHeld("dane_lockt"), "");
-}
-
-TEST_F(LockTest, FailedLayerLockEndsTheProgram) {
+  // A failed lock ends the program.
   ASSERT_EQ(PGTransBegin(), 0);
   AnswerBoxesOnStderr();
   EXPECT_EXIT((void)PGTblLockEx("dane\\brak"), ::testing::ExitedWithCode(0),
