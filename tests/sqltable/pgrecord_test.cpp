@@ -28,7 +28,7 @@ class RecordTest : public OneTableTest {
   const std::string& Raw(int fld) { return PGRecordAt(rec_)->fields[fld].value; }
 };
 
-TEST_F(RecordTest, FreshBufferHoldsTheBlankOfEachKind) {
+TEST_F(RecordTest, FreshBufferHoldsTheBlankOfEachKindAndTheBlankTestFollowsTheKind) {
   const char* expected[] = {"", "", "0001-01-01", "0", "0", "0", "0", "0", "0", "", ""};
   for (int f = kA10; f <= kA1; ++f) EXPECT_EQ(Raw(f), expected[f]) << f;
   ASSERT_EQ(PGPutAlpha(rec_, kA10, "x"), 0);
@@ -39,9 +39,7 @@ TEST_F(RecordTest, FreshBufferHoldsTheBlankOfEachKind) {
   ASSERT_EQ(PGPutDate(rec_, kDate, EncodeDaySerial(2024, 2, 29)), 0);
   ASSERT_EQ(PGPutBlank(rec_, kDate), 0);
   EXPECT_EQ(Raw(kDate), "0001-01-01");
-}
-
-TEST_F(RecordTest, BlankTestFollowsTheKind) {
+  // The blank test follows the kind.
   struct Case {
     int fld;
     const char* value;
