@@ -29,7 +29,7 @@ class ConnectionTest : public DbTest {
   }
 };
 
-TEST_F(ConnectionTest, ConnectsWithConnParmAndSpeaksLatin2WithBackslashEscapes) {
+TEST_F(ConnectionTest, ConnectsWithConnParmSpeaksLatin2AndKeepsTheStringForAReconnection) {
   ASSERT_EQ(PGSetDefaults(), 0) << PGLastOp.Str();
   EXPECT_TRUE(PGConnected);
   EXPECT_EQ(PGLibRefs(), 1);
@@ -41,10 +41,19 @@ TEST_F(ConnectionTest, ConnectsWithConnParmAndSpeaksLatin2WithBackslashEscapes) 
   // The keyword string is kept for a reconnection.
   EXPECT_EQ(PGConnInfo, "dbname=" + Db().dbname + " user=postgres host=" + Db().cluster.socketDir +
                             " port=" + std::to_string(Db().cluster.port) + " ");
+  // A reconnection uses the kept string: the files no longer matter.
+  const std::string kept = PGConnInfo;
+  WriteConnParm("", "", "", "", "", "no_such_db");
   res.Clear();  // a result must not outlive the library that made it
+  ASSERT_EQ(PGReconnect(), 0) << PGLastOp.Str();
+  EXPECT_TRUE(PGConnected);
+  EXPECT_EQ(PGConnInfo, kept);
+  EXPECT_EQ(PGLibRefs(), 1);
   PGDisconnect();
   EXPECT_FALSE(PGConnected);
   EXPECT_EQ(PGLibRefs(), 0);
+  PGConnInfo.clear();
+  EXPECT_EQ(PGReconnect(kept), 0);
 }
 
 TEST_F(ConnectionTest, KeywordStringLeavesOutEmptyLinesAndKeepsItsOrder) {
@@ -127,20 +136,6 @@ TEST_F(ConnectionTest, LibraryIsCountedAndResolvedOnce) {
   EXPECT_EQ(PGLib().exec, nullptr);
   PGLibUnload();  // one too many does nothing
   EXPECT_EQ(PGLibRefs(), 0);
-}
-
-TEST_F(ConnectionTest, ReconnectUsesTheKeptString) {
-  ASSERT_EQ(PGSetDefaults(), 0);
-  const std::string kept = PGConnInfo;
-  // The files no longer matter.
-  WriteConnParm("", "", "", "", "", "no_such_db");
-  ASSERT_EQ(PGReconnect(), 0) << PGLastOp.Str();
-  EXPECT_TRUE(PGConnected);
-  EXPECT_EQ(PGConnInfo, kept);
-  EXPECT_EQ(PGLibRefs(), 1);
-  PGDisconnect();
-  PGConnInfo.clear();
-  EXPECT_EQ(PGReconnect(kept), 0);
 }
 
 TEST_F(ConnectionTest, InitFindsTheCatalogueOnlyAfterItIsCreated) {
