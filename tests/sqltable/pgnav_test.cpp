@@ -85,29 +85,17 @@ TEST_F(NavTest, EndsOfTheTable) {
 TEST_F(NavTest, WalksAcrossBatchesBothWays) {
   MakeFilled(200);
   ASSERT_EQ(PGRecFirst(tbl_), 0);
-  for (int k = 2; k <= 200; ++k) {
-    ASSERT_EQ(PGRecNext(tbl_), 0) << k;
-    ASSERT_EQ(K1(), k);
-  }
+  for (int k = 2; k <= 200 && !HasFailure(); ++k) ExpectOn(PGRecNext(tbl_), kK1, k);
   EXPECT_EQ(PGRecNext(tbl_), kPGEndOfTable);
-  for (int k = 199; k >= 1; --k) {
-    ASSERT_EQ(PGRecPrev(tbl_), 0) << k;
-    ASSERT_EQ(K1(), k);
-  }
+  for (int k = 199; k >= 1 && !HasFailure(); --k) ExpectOn(PGRecPrev(tbl_), kK1, k);
   // Back and forth around a batch edge: the cursor must continue where the
   // current row is, whatever the cache holds.
   ASSERT_EQ(PGRecGoto(tbl_, 60), 0);
   const char moves[] = "nnnppppnnnnnnppnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnppppppppppnnnnnn";
   int expected = 60;
   for (char m : std::string(moves)) {
-    if (m == 'n') {
-      ASSERT_EQ(PGRecNext(tbl_), 0);
-      ++expected;
-    } else {
-      ASSERT_EQ(PGRecPrev(tbl_), 0);
-      --expected;
-    }
-    ASSERT_EQ(K1(), expected);
+    expected += m == 'n' ? 1 : -1;
+    ExpectOn(m == 'n' ? PGRecNext(tbl_) : PGRecPrev(tbl_), kK1, expected);
     ASSERT_EQ(Num(), expected);
   }
 }
