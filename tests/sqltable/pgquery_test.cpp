@@ -27,6 +27,8 @@ TEST_F(QueryTest, ExecWantsExactlyTheExpectedStatus) {
   EXPECT_EQ(res.Value(0, 0), "1");
   EXPECT_EQ(res.Value(1, 0), "");  // outside the result reads empty
   EXPECT_EQ(res.Value(0, 1), "");
+  ASSERT_EQ(PGExec(res, "SELECT repeat('x', 300)", true), 0);
+  EXPECT_EQ(res.Text(0, 0), ShortText(std::string(255, 'x')));  // the short form is cut to 255 bytes
 
   PGLastOp = "op";
   EXPECT_EQ(PGExec(res, "SELECT 1", false), kPGExecFailed);
