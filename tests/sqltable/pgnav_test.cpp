@@ -311,10 +311,6 @@ TEST_F(NavTest, IndexSwitchReordersAndPublishes) {
   ExpectOn(PGRecNext(tbl_), kK1, 3);
 }
 
-}  // namespace
-
-namespace {
-
 class AlphaTripTest : public OneTableTest {
  protected:
   void SetUp() override {
@@ -337,7 +333,8 @@ class AlphaTripTest : public OneTableTest {
   }
 };
 
-TEST_F(AlphaTripTest, BytesThatBothConversionsMapOneToOneSurvive) {
+TEST_F(AlphaTripTest, BytesSurviveOrChangeByTheCodePageRules) {
+  // Bytes that both conversions map one to one survive.
   ShortText text;
   for (int c = 2; c < 127; ++c) text += static_cast<char>(c);  // controls, quote, backslash, % and _
   for (unsigned char c : {0x86, 0x8D, 0x91, 0x92, 0xA4, 0xA2, 0x9E, 0xA6, 0xA7, 0x8F, 0x95, 0x90, 0x9C, 0xA5, 0xA3,
@@ -347,9 +344,6 @@ TEST_F(AlphaTripTest, BytesThatBothConversionsMapOneToOneSurvive) {
   EXPECT_EQ(Trip(text), text);
   // The server holds real letters, and byte 255 as byte 1.
   EXPECT_EQ(Scalar("SELECT substr(a, 126) FROM dane_txt"), "ąćęłńóśźżĄĆĘŁŃÓŚŹŻ\x01");
-}
-
-TEST_F(AlphaTripTest, BytesAtTheOtherCodePagesLettersChangeByTheRules) {
   // An ISO 8859-2 letter's byte is not a Mazovia letter: it goes out
   // unchanged and comes back as the Mazovia letter of that ISO position.
   // Byte 1 is how the server holds 255; a zero byte cannot travel in a statement.
