@@ -75,7 +75,7 @@ class ControlTest : public CatalogueTest {
   }
 };
 
-TEST_F(ControlTest, MirrorAnswersLikeTheTableWithOneCounterReadPerQuestion) {
+TEST_F(ControlTest, MirrorAnswersLikeTheTableWithOneCounterReadPerQuestionAndReloadsAfterOwnWrites) {
   Make(1, 300);
   const Open o = OpenControl(1);
   ExpectAnswersOfFill(o, 300);
@@ -84,19 +84,15 @@ TEST_F(ControlTest, MirrorAnswersLikeTheTableWithOneCounterReadPerQuestion) {
   EXPECT_FALSE(PGControlHasNumber('K', 77, o.tbl, o.rec));
   EXPECT_EQ(PGStatementCount - before, 1u);  // the change counter only
   EXPECT_EQ(gBoxes, "");
-  EXPECT_EQ(PGTblClose(o.tbl), 0);
-  EXPECT_EQ(PGControlSlotOwner(1), 0);  // closing frees the slot
-}
-
-TEST_F(ControlTest, OwnAppendReloadsTheMirrorBeforeTheNextQuestion) {
-  Make(1, 10);
-  const Open o = OpenControl(1);
+  // An own append and delete reload the mirror before the next question.
   EXPECT_TRUE(PGControlHasNumber('Z', 5, o.tbl, o.rec));
   ASSERT_EQ(Append(o, 'Z', 5, "nowa"), 0);
   EXPECT_FALSE(PGControlHasNumber('Z', 5, o.tbl, o.rec));
   EXPECT_FALSE(PGControlHasName('Z', "nowa", o.tbl, o.rec));
   ASSERT_EQ(PGRecDelete(o.tbl), 0);
   EXPECT_TRUE(PGControlHasName('Z', "nowa", o.tbl, o.rec));
+  EXPECT_EQ(PGTblClose(o.tbl), 0);
+  EXPECT_EQ(PGControlSlotOwner(1), 0);  // closing frees the slot
 }
 
 TEST_F(ControlTest, ChangePublishedByAnotherProcessReloadsTheMirror) {
