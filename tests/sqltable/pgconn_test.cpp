@@ -1,5 +1,4 @@
 // Connection start, parameters, statements, the failure log and transactions.
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cstdlib>

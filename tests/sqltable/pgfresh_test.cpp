@@ -3,7 +3,6 @@
 // wrote before ours never make ours look deleted, a write that finds its row
 // gone says so, NULLs written by other programs are found and rewritten, and
 // long table names stay distinct.
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <string>

@@ -1,6 +1,5 @@
 // Table locks: the register, the layer's exclusive lock, and the
 // application's lock forms, alone and contended by a second process.
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <string>
