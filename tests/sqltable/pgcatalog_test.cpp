@@ -161,19 +161,6 @@ TEST_F(TableTest, HundredOpenTablesThenNoFreeHandle) {
   EXPECT_EQ(PGTableAt(1), nullptr);
 }
 
-TEST_F(TableTest, OpenTakesTheGlobalFilterOfItsName) {
-  ASSERT_EQ(CreateTable("dane\\t", {{"a", "I"}}), 0);
-  PGGlobalFilterTable = "dane\\t";
-  PGGlobalFilterText = "a>5";
-  int16_t h1 = 0, h2 = 0;
-  ASSERT_EQ(PGTblOpen("dane\\t", h1, 0), 0);
-  ASSERT_EQ(PGTblOpen("DANE\\T", h2, 0), 0);  // same table, other spelling: no filter
-  EXPECT_EQ(PGTableAt(h1)->globalFilter, "a>5");
-  EXPECT_EQ(PGTableAt(h2)->globalFilter, "");
-  PGGlobalFilterTable.Clear();
-  PGGlobalFilterText.clear();
-}
-
 TEST_F(TableTest, CloseBumpsTheChangeCounterOnlyForOurChanges) {
   ASSERT_EQ(CreateTable("dane\\t", {{"a", "I"}, {"b", "I"}}), 0);
   int16_t h = 0;

@@ -247,12 +247,18 @@ TEST_F(NavTest, WhereClauseGlobalFilterAndView) {
   EXPECT_EQ(PGTblClose(tbl_), 0);
 }
 
-TEST_F(NavTest, SecondGlobalFilterBeforeAClearChangesNothing) {
+TEST_F(NavTest, GlobalFilterGoesToItsNameOnlyAndASecondBeforeAClearChangesNothing) {
   PGSetGlobalFilter("dane\\nav", "k1 > 1");
   PGSetGlobalFilter("dane\\other", "1=0");
   EXPECT_EQ(PGGlobalFilterTable, "dane\\nav");
   EXPECT_EQ(PGGlobalFilterText, "k1 > 1");
   EXPECT_NE(ScreenBytes().find("[4/6]"), std::string::npos);
+  MakeTable();
+  int16_t h1 = 0, h2 = 0;
+  ASSERT_EQ(PGTblOpen("dane\\nav", h1, 0), 0);
+  ASSERT_EQ(PGTblOpen("DANE\\NAV", h2, 0), 0);  // same table, other spelling: no filter
+  EXPECT_EQ(PGTableAt(h1)->globalFilter, "k1 > 1");
+  EXPECT_EQ(PGTableAt(h2)->globalFilter, "");
   PGClearGlobalFilter();
   PGSetGlobalFilter("dane\\other", "1=0");
   EXPECT_EQ(PGGlobalFilterTable, "dane\\other");
