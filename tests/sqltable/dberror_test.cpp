@@ -51,12 +51,9 @@ class FailureTest : public CatalogueTest {
   static bool SessionLeft() { return access("session.left", F_OK) == 0; }
 };
 
-TEST_F(FailureTest, CodeZeroDoesNothing) {
-  CheckDBError(0);
-  EXPECT_TRUE(PGConnected);
-}
-
 TEST_F(FailureTest, OpenTableRemembersThePathForTheFailureMessage) {
+  CheckDBError(0);  // code 0 does nothing
+  EXPECT_TRUE(PGConnected);
   ASSERT_EQ(CreateTable("dane\\odbiorcy", {{"nazwa", "A10"}}), 0);
   int16_t tbl = 0;
   ASSERT_EQ(OpenTable("dane\\odbiorcy", tbl, 0), 0);
@@ -116,21 +113,17 @@ TEST_F(FailureTest, OpenTransactionsAreRolledBack) {
   EXPECT_EQ(PGRunQueryNoTup("COMMIT"), 0);  // no transaction is open any more
 }
 
-TEST_F(FailureTest, SessionEndsWhenTheUsersTableAnswers) {
-  ASSERT_EQ(CreateTable("dane\\uzytkown\\uzytkown", {{"nazwa", "A10"}}), 0);
-  SetDBSessionLeave(MarkSessionLeft);
-  PushKey('N', 49);
-  EXPECT_EXIT(CheckDBError(118), ::testing::ExitedWithCode(0), "");
-  EXPECT_TRUE(SessionLeft());
-}
-
-TEST_F(FailureTest, NoUsersTableMeansNoSessionToLeave) {
+TEST_F(FailureTest, SessionEndsOnlyWhenTheUsersTableAnswers) {
   SetDBSessionLeave(MarkSessionLeft);
   AnswerBoxesOnStderr();
   PushKey('N', 49);
   EXPECT_EXIT(CheckDBError(118), ::testing::ExitedWithCode(0),
               ::testing::Not(::testing::HasSubstr("Brak komunikacji")));
   EXPECT_FALSE(SessionLeft());
+  ASSERT_EQ(CreateTable("dane\\uzytkown\\uzytkown", {{"nazwa", "A10"}}), 0);
+  PushKey('N', 49);
+  EXPECT_EXIT(CheckDBError(118), ::testing::ExitedWithCode(0), "");
+  EXPECT_TRUE(SessionLeft());
 }
 
 TEST_F(FailureTest, LostServerIsReported) {

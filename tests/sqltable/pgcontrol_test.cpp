@@ -1,7 +1,6 @@
 // Control mirrors: answers equal what the table holds, after own writes and
 // after another process's published change; a third table or a too large one
 // is told and answered by the server.
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <string>
@@ -30,13 +29,11 @@ class ControlTest : public CatalogueTest {
     SetKeyIdleHook(CollectBoxAndAnswer);
   }
   static std::string Path(int n) { return "dane\\kontr" + std::to_string(n); }
-  static void Make(int n) {
+  // Kinds F and K with numbers 1..rows; names "F1", "K1", ...
+  static void Make(int n, int rows) {
     ASSERT_EQ(CreateTable(ShortText(Path(n)), {{"rodz", "A1"}, {"numer", "I"}, {"nazwa", "A15"}}), 0);
     const int16_t key[2] = {1, 2};
     ASSERT_EQ(PGKeyAdd(ShortText(Path(n)), 2, key, 0), 0) << PGLastOp.Str();
-  }
-  // Kinds F and K with numbers 1..rows; names "F1", "K1", ...
-  static void Fill(int n, int rows) {
     ASSERT_TRUE(Psql("INSERT INTO dane_kontr" + std::to_string(n) +
                      " (rodz,numer,nazwa) SELECT k, i, k||i FROM generate_series(1," + std::to_string(rows) +
                      ") i, (VALUES ('F'),('K')) v(k)"));
@@ -78,9 +75,8 @@ class ControlTest : public CatalogueTest {
   }
 };
 
-TEST_F(ControlTest, MirrorAnswersLikeTheTableWithOneCounterReadPerQuestion) {
-  Make(1);
-  Fill(1, 300);
+TEST_F(ControlTest, MirrorAnswersLikeTheTableWithOneCounterReadPerQuestionAndReloadsAfterOwnWrites) {
+  Make(1, 300);
   const Open o = OpenControl(1);
   ExpectAnswersOfFill(o, 300);
   EXPECT_EQ(PGControlSlotOwner(1), o.tbl);
@@ -88,52 +84,37 @@ TEST_F(ControlTest, MirrorAnswersLikeTheTableWithOneCounterReadPerQuestion) {
   EXPECT_FALSE(PGControlHasNumber('K', 77, o.tbl, o.rec));
   EXPECT_EQ(PGStatementCount - before, 1u);  // the change counter only
   EXPECT_EQ(gBoxes, "");
-  EXPECT_EQ(PGTblClose(o.tbl), 0);
-  EXPECT_EQ(PGControlSlotOwner(1), 0);  // closing frees the slot
-}
-
-TEST_F(ControlTest, OwnAppendReloadsTheMirrorBeforeTheNextQuestion) {
-  Make(1);
-  Fill(1, 10);
-  const Open o = OpenControl(1);
+  // An own append and delete reload the mirror before the next question.
   EXPECT_TRUE(PGControlHasNumber('Z', 5, o.tbl, o.rec));
   ASSERT_EQ(Append(o, 'Z', 5, "nowa"), 0);
   EXPECT_FALSE(PGControlHasNumber('Z', 5, o.tbl, o.rec));
   EXPECT_FALSE(PGControlHasName('Z', "nowa", o.tbl, o.rec));
   ASSERT_EQ(PGRecDelete(o.tbl), 0);
   EXPECT_TRUE(PGControlHasName('Z', "nowa", o.tbl, o.rec));
+  EXPECT_EQ(PGTblClose(o.tbl), 0);
+  EXPECT_EQ(PGControlSlotOwner(1), 0);  // closing frees the slot
 }
 
 TEST_F(ControlTest, ChangePublishedByAnotherProcessReloadsTheMirror) {
-  Make(1);
-  Fill(1, 10);
+  Make(1, 10);
   const Open o = OpenControl(1);
   ExpectAnswersOfFill(o, 10);
   const pid_t child = fork();
   ASSERT_GE(child, 0);
   if (child == 0) {
-    PGConn = nullptr;  // a connection of its own, the parent's left alone
-    PGConnected = false;
-    PGTransDepth = 0;
-    if (PGSetDefaults() != 0) _exit(3);
+    ConnectChild();
     const Open c = OpenControl(1);
     if (Append(c, 'F', 500, "F500") != 0) _exit(4);
     _exit(PGTblClose(c.tbl) == 0 ? 0 : 5);  // closing publishes the change
   }
-  int status = 0;
-  ASSERT_EQ(waitpid(child, &status, 0), child);
-  ASSERT_TRUE(WIFEXITED(status));
-  ASSERT_EQ(WEXITSTATUS(status), 0);
+  ASSERT_EQ(ExitStatus(child), 0);
   EXPECT_FALSE(PGControlHasNumber('F', 500, o.tbl, o.rec));
   EXPECT_FALSE(PGControlHasName('F', "F500", o.tbl, o.rec));
   ExpectAnswersOfFill(o, 10);
 }
 
 TEST_F(ControlTest, ThirdTableIsToldAndAsksTheServer) {
-  for (int n = 1; n <= 3; ++n) {
-    Make(n);
-    Fill(n, 20);
-  }
+  for (int n = 1; n <= 3; ++n) Make(n, 20);
   const Open a = OpenControl(1), b = OpenControl(2), c = OpenControl(3);
   ExpectAnswersOfFill(a, 20);
   ExpectAnswersOfFill(b, 20);
@@ -150,8 +131,7 @@ TEST_F(ControlTest, ThirdTableIsToldAndAsksTheServer) {
 }
 
 TEST_F(ControlTest, TableAboveTheLimitIsToldAndAsksTheServer) {
-  Make(1);
-  Fill(1, kPGControlMaxEntries / 2);
+  Make(1, kPGControlMaxEntries / 2);
   ASSERT_TRUE(Psql("INSERT INTO dane_kontr1 (rodz,numer,nazwa) VALUES ('Z',1,'Z1')"));  // 500,001 rows
   const Open o = OpenControl(1);
   ExpectAnswersOfFill(o, kPGControlMaxEntries / 2);

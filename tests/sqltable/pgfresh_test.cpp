@@ -3,7 +3,6 @@
 // wrote before ours never make ours look deleted, a write that finds its row
 // gone says so, NULLs written by other programs are found and rewritten, and
 // long table names stay distinct.
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <string>
@@ -19,19 +18,20 @@ namespace {
 // dane\fr: k I (key), v A20, n I, d D; rows k = 10, 20, ... 10*rows.
 class FreshTest : public OneTableTest {
  protected:
+  static constexpr int kK = 1, kV = 2;
   void SetUp() override {
     OneTableTest::SetUp();
     ASSERT_EQ(CreateTable("dane\\fr", {{"k", "I"}, {"v", "A20"}, {"n", "I"}, {"d", "D"}}), 0);
     const int16_t key[1] = {1};
     ASSERT_EQ(PGKeyAdd("dane\\fr", 1, key, 0), 0) << PGLastOp.Str();
   }
-  static void Fill(int rows) {
+  // The rows, then the table open.
+  void FillAndOpen(int rows) {
     ASSERT_TRUE(Psql("INSERT INTO dane_fr (k,v,n,d) SELECT 10*i,'r'||i,i,'2024-01-01' FROM generate_series(1," +
                      std::to_string(rows) + ") i"));
+    Open();
   }
   void Open(int index = 0) { OpenTable("dane\\fr", index); }
-  int32_t Long(int fld) { return LongOf(fld); }
-  std::string V() { return AlphaOf(2); }
   // Writes v (and n when given) into the current row through the buffer.
   int16_t Update(const char* v, int32_t n = -1) {
     EXPECT_EQ(PGRecGet(tbl_, rec_), 0);
@@ -51,15 +51,13 @@ class FreshTest : public OneTableTest {
 };
 
 TEST_F(FreshTest, OwnUpdateSurvivesEveryRoadBackToTheRow) {
-  Fill(150);
-  Open();
+  FillAndOpen(150);
   ASSERT_EQ(PGRecFirst(tbl_), 0);
   ASSERT_EQ(PGRecNext(tbl_), 0);  // row 2, with rows 3..62 cached
   ASSERT_EQ(Update("nowy"), 0);
   // Through the row cache.
   ASSERT_EQ(PGRecNext(tbl_), 0);
-  ASSERT_EQ(PGRecPrev(tbl_), 0);
-  EXPECT_EQ(V(), "nowy");
+  ExpectOn(PGRecPrev(tbl_), kV, "nowy");
   ASSERT_EQ(Update("nowy", 77), 0);  // a second field: the first one's value stays
   EXPECT_EQ(Row(20), "nowy|77");
   // From the older snapshot, after the cache has moved on past the row.
@@ -67,43 +65,37 @@ TEST_F(FreshTest, OwnUpdateSurvivesEveryRoadBackToTheRow) {
   ASSERT_EQ(Update("trzeci"), 0);
   for (int i = 0; i < 100; ++i) ASSERT_EQ(PGRecNext(tbl_), 0);
   for (int i = 0; i < 100; ++i) ASSERT_EQ(PGRecPrev(tbl_), 0);
-  EXPECT_EQ(Long(1), 30);
-  EXPECT_EQ(V(), "trzeci");
-  ASSERT_EQ(PGRecPrev(tbl_), 0);
-  EXPECT_EQ(V(), "nowy");
-  EXPECT_EQ(Long(3), 77);
+  EXPECT_EQ(LongOf(kK), 30);
+  EXPECT_EQ(AlphaOf(kV), "trzeci");
+  ExpectOn(PGRecPrev(tbl_), kV, "nowy");
+  EXPECT_EQ(LongOf(3), 77);
   // The list road.
   for (int r = 1; r <= 60; ++r) ASSERT_EQ(PGRecGoto_c(tbl_, r), 0);
   ASSERT_EQ(PGRecGoto_c(tbl_, 5), 0);
   ASSERT_EQ(Update("piaty"), 0);
   ASSERT_EQ(PGRecGoto_c(tbl_, 6), 0);
-  ASSERT_EQ(PGRecGoto_c(tbl_, 5), 0);
-  EXPECT_EQ(V(), "piaty");
+  ExpectOn(PGRecGoto_c(tbl_, 5), kV, "piaty");
   EXPECT_EQ(Row(50), "piaty|5");
   EXPECT_EQ(Row(20), "nowy|77");
 }
 
 TEST_F(FreshTest, OwnAppendAndKeyChangeRenumberTheRows) {
-  Fill(10);
-  Open();
+  FillAndOpen(10);
   for (int r = 1; r <= 10; ++r) ASSERT_EQ(PGRecGoto_c(tbl_, r), 0);
   ASSERT_EQ(PGPutLong(rec_, 1, 5), 0);
   ASSERT_EQ(PGPutAlpha(rec_, 2, "przed"), 0);
   ASSERT_EQ(PGRecAppend(tbl_, rec_), 0);
-  ASSERT_EQ(PGRecGoto_c(tbl_, 1), 0);  // row 1 is now the appended one, not the cached k=10
-  EXPECT_EQ(Long(1), 5);
+  ExpectOn(PGRecGoto_c(tbl_, 1), kK, 5);  // row 1 is now the appended one, not the cached k=10
   ASSERT_EQ(PGRecGoto_c(tbl_, 3), 0);
   ASSERT_EQ(PGRecGet(tbl_, rec_), 0);
   ASSERT_EQ(PGPutLong(rec_, 1, 1000), 0);  // the key moves the row to the end
   ASSERT_EQ(PGRecUpdate(tbl_, rec_), 0);
   EXPECT_EQ(Num(), 11);
-  ASSERT_EQ(PGRecGoto_c(tbl_, 3), 0);
-  EXPECT_EQ(Long(1), 30);
+  ExpectOn(PGRecGoto_c(tbl_, 3), kK, 30);
 }
 
 TEST_F(FreshTest, RowsAnotherProcessAppendedBeforeOursDoNotMakeOursGone) {
-  Fill(10);
-  Open();
+  FillAndOpen(10);
   ASSERT_EQ(PGRecFirst(tbl_), 0);  // the snapshot is taken here
   int ready[2], done[2];
   ASSERT_EQ(pipe(ready), 0);
@@ -132,12 +124,10 @@ TEST_F(FreshTest, RowsAnotherProcessAppendedBeforeOursDoNotMakeOursGone) {
   char byte = 0;
   ASSERT_EQ(read(ready[0], &byte, 1), 1);
   ASSERT_EQ(Search(50), 0);
-  ASSERT_EQ(PGRecNext(tbl_), 0);
-  EXPECT_EQ(Long(1), 60);
+  ExpectOn(PGRecNext(tbl_), kK, 60);
   EXPECT_EQ(Num(), 11);  // five new rows and 10..60
   ASSERT_EQ(Search(30), 0);
-  ASSERT_EQ(PGRecPrev(tbl_), 0);
-  EXPECT_EQ(Long(1), 20);
+  ExpectOn(PGRecPrev(tbl_), kK, 20);
   close(release.fd);
   release.fd = -1;
   EXPECT_EQ(ExitStatus(child), 0);
@@ -145,8 +135,7 @@ TEST_F(FreshTest, RowsAnotherProcessAppendedBeforeOursDoNotMakeOursGone) {
 }
 
 TEST_F(FreshTest, WritesToARowSomeoneDeletedGiveFifty) {
-  Fill(10);
-  Open();
+  FillAndOpen(10);
   ASSERT_EQ(PGRecFirst(tbl_), 0);
   ASSERT_EQ(PGRecNext(tbl_), 0);  // k=20, the rest cached
   ASSERT_TRUE(Psql("DELETE FROM dane_fr WHERE k IN (20, 30)"));
@@ -157,8 +146,7 @@ TEST_F(FreshTest, WritesToARowSomeoneDeletedGiveFifty) {
   ASSERT_TRUE(Psql("DELETE FROM dane_fr WHERE k=40"));
   EXPECT_EQ(PGRecDelete(tbl_), kPGRecordGone);
   ASSERT_EQ(Search(50), 0);
-  ASSERT_EQ(PGRecPrev(tbl_), 0);
-  EXPECT_EQ(Long(1), 10);
+  ExpectOn(PGRecPrev(tbl_), kK, 10);
   EXPECT_EQ(Num(), 1);
 }
 
@@ -169,23 +157,18 @@ TEST_F(FreshTest, NullsWrittenByOtherProgramsAreFoundAndRewritten) {
   ASSERT_TRUE(Psql("INSERT INTO dane_fr (k,v,n,d) VALUES (10,'a',NULL,NULL),(20,'b',5,'2024-02-01'),"
                    "(30,'c',NULL,NULL),(40,'d',1,'2024-03-01')"));
   Open(3);
-  ASSERT_EQ(PGRecLast(tbl_), 0);
-  EXPECT_EQ(Long(1), 30);
+  ExpectOn(PGRecLast(tbl_), kK, 30);
   EXPECT_EQ(Num(), 4);
-  ASSERT_EQ(PGRecPrev(tbl_), 0);
-  EXPECT_EQ(Long(1), 10);
+  ExpectOn(PGRecPrev(tbl_), kK, 10);
   int32_t days = 0;
   ASSERT_EQ(PGGetDate(rec_, 4, days), 0);
   EXPECT_EQ(days, kBlankDateSerial);
   ASSERT_EQ(Update("zmiana"), 0);
   EXPECT_EQ(Scalar("SELECT v||'|'||(n IS NULL)||'|'||(d IS NULL) FROM dane_fr WHERE k=10"), "zmiana|true|true");
-  ASSERT_EQ(PGRecPrev(tbl_), 0);
-  EXPECT_EQ(Long(1), 20);
+  ExpectOn(PGRecPrev(tbl_), kK, 20);
   // The row copies into a table of the same layout.
-  ASSERT_EQ(CreateTable("dane\\fr2", {{"k", "I"}, {"v", "A20"}, {"n", "I"}, {"d", "D"}}), 0);
   int16_t tbl2 = 0, rec2 = 0;
-  ASSERT_EQ(PGTblOpen("dane\\fr2", tbl2, 0), 0);
-  ASSERT_EQ(PGRecBufOpen(tbl2, rec2), 0);
+  ASSERT_NO_FATAL_FAILURE(CreateAndOpen("dane\\fr2", {{"k", "I"}, {"v", "A20"}, {"n", "I"}, {"d", "D"}}, tbl2, rec2));
   ASSERT_EQ(PGRecLast(tbl_), 0);
   ASSERT_EQ(PGRecGet(tbl_, rec2), 0);
   ASSERT_EQ(PGRecAppend(tbl2, rec2), 0) << PGLastOp.Str();

@@ -1,6 +1,5 @@
 // Table locks: the register, the layer's exclusive lock, and the
 // application's lock forms, alone and contended by a second process.
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <string>
@@ -52,6 +51,10 @@ TEST_F(LockTest, RegisterKindsAndRemoval) {
   PGLockClearAll();
   EXPECT_EQ(PGLockCount(), 0);
   EXPECT_EQ(PGLockKind("dane\\inna"), 0);
+  // The shutdown of the layer clears the register too.
+  PGLockRegister("DANE_LOCKT", 1);
+  PGShutdownTables(1);
+  EXPECT_EQ(PGLockCount(), 0);
 }
 
 TEST_F(LockTest, SecondEntryWarnsAndIsAddedAllTheSame) {
@@ -74,15 +77,9 @@ TEST_F(LockTest, TwentyFirstEntryEndsTheProgram) {
               "Przekroczona jest mo\xA7liwa ilo\x9E\x8D blokad tablic\\.[^\n]*\n[^\n]*Program musi przerwa\x8D dzia\x92" "anie\\.");
 }
 
-TEST_F(LockTest, ShutdownOfTheLayerClearsTheRegister) {
-  PGLockRegister("DANE_LOCKT", 1);
-  PGShutdownTables(1);
-  EXPECT_EQ(PGLockCount(), 0);
-}
-
 // --- Locks on the server ---
 
-TEST_F(LockTest, LayerLockNeedsATransaction) {
+TEST_F(LockTest, LayerLockNeedsATransactionAndItsFailureEndsTheProgram) {
   EXPECT_EQ(PGTblLockEx("dane\\lockt"), kPGLockOutsideTransaction);
   EXPECT_EQ(ModeHeld("dane_lockt"), "");
   ASSERT_EQ(PGTransBegin(), 0);
@@ -91,9 +88,7 @@ TEST_F(LockTest, LayerLockNeedsATransaction) {
   EXPECT_EQ(PGLockCount(), 0);  // the layer's own lock is not registered
   EXPECT_EQ(PGTransCommit(), 0);
   EXPECT_EQ(ModeHeld("dane_lockt"), "");
-}
-
-TEST_F(LockTest, FailedLayerLockEndsTheProgram) {
+  // A failed lock ends the program.
   ASSERT_EQ(PGTransBegin(), 0);
   AnswerBoxesOnStderr();
   EXPECT_EXIT((void)PGTblLockEx("dane\\brak"), ::testing::ExitedWithCode(0),

@@ -28,7 +28,7 @@ class RecordTest : public OneTableTest {
   const std::string& Raw(int fld) { return PGRecordAt(rec_)->fields[fld].value; }
 };
 
-TEST_F(RecordTest, FreshBufferHoldsTheBlankOfEachKind) {
+TEST_F(RecordTest, FreshBufferHoldsTheBlankOfEachKindAndTheBlankTestFollowsTheKind) {
   const char* expected[] = {"", "", "0001-01-01", "0", "0", "0", "0", "0", "0", "", ""};
   for (int f = kA10; f <= kA1; ++f) EXPECT_EQ(Raw(f), expected[f]) << f;
   ASSERT_EQ(PGPutAlpha(rec_, kA10, "x"), 0);
@@ -39,9 +39,7 @@ TEST_F(RecordTest, FreshBufferHoldsTheBlankOfEachKind) {
   ASSERT_EQ(PGPutDate(rec_, kDate, EncodeDaySerial(2024, 2, 29)), 0);
   ASSERT_EQ(PGPutBlank(rec_, kDate), 0);
   EXPECT_EQ(Raw(kDate), "0001-01-01");
-}
-
-TEST_F(RecordTest, BlankTestFollowsTheKind) {
+  // The blank test follows the kind.
   struct Case {
     int fld;
     const char* value;
@@ -146,24 +144,21 @@ TEST_F(RecordTest, NumbersAreWrittenByTypeAndReadLeniently) {
 }
 
 TEST_F(RecordTest, DatesTravelAsDaySerials) {
-  int32_t days = 1;
-  const int32_t leap = EncodeDaySerial(2024, 2, 29);
-  ASSERT_EQ(PGPutDate(rec_, kDate, leap), 0);
+  ASSERT_EQ(PGPutDate(rec_, kDate, EncodeDaySerial(2024, 2, 29)), 0);
   EXPECT_EQ(Raw(kDate), "2024-02-29");
-  ASSERT_EQ(PGGetDate(rec_, kDate, days), 0);
-  EXPECT_EQ(days, leap);
-  ASSERT_EQ(PGPutBlank(rec_, kDate), 0);
-  ASSERT_EQ(PGGetDate(rec_, kDate, days), 0);
-  EXPECT_EQ(days, kBlankDateSerial);
-  PGRecordAt(rec_)->fields[kDate].value = "";  // a NULL that another program wrote
-  ASSERT_EQ(PGGetDate(rec_, kDate, days), 0);
-  EXPECT_EQ(days, kBlankDateSerial);
-  PGRecordAt(rec_)->fields[kDate].value = "31.12/1999";  // digits only count: 3112 1999 is no day
-  ASSERT_EQ(PGGetDate(rec_, kDate, days), 0);
-  EXPECT_EQ(days, 0);
-  PGRecordAt(rec_)->fields[kDate].value = "1999/12/31";
-  ASSERT_EQ(PGGetDate(rec_, kDate, days), 0);
-  EXPECT_EQ(days, EncodeDaySerial(1999, 12, 31));
+  struct Case {
+    const char* raw;
+    int32_t days;
+  } cases[] = {{"2024-02-29", EncodeDaySerial(2024, 2, 29)}, {"0001-01-01", kBlankDateSerial},
+               {"", kBlankDateSerial},  // a NULL that another program wrote
+               {"31.12/1999", 0},       // digits only count: 3112 1999 is no day
+               {"1999/12/31", EncodeDaySerial(1999, 12, 31)}};
+  for (const Case& c : cases) {
+    PGRecordAt(rec_)->fields[kDate].value = c.raw;
+    int32_t days = 1;
+    ASSERT_EQ(PGGetDate(rec_, kDate, days), 0);
+    EXPECT_EQ(days, c.days) << c.raw;
+  }
 }
 
 TEST_F(RecordTest, BlobsAreHexWithinTheirLimits) {
@@ -204,14 +199,10 @@ TEST_F(RecordTest, BlobsAreHexWithinTheirLimits) {
 }
 
 TEST_F(RecordTest, CopiesNeedTheSameLayout) {
-  ASSERT_EQ(CreateTable("dane\\a10", {{"a", "A10"}}), 0);
-  ASSERT_EQ(CreateTable("dane\\a11", {{"a", "A11"}}), 0);
   int16_t t10 = 0, t11 = 0, r10 = 0, r11 = 0, r10b = 0;
-  ASSERT_EQ(PGTblOpen("dane\\a10", t10, 0), 0);
-  ASSERT_EQ(PGTblOpen("dane\\a11", t11, 0), 0);
-  ASSERT_EQ(PGRecBufOpen(t10, r10), 0);
+  ASSERT_NO_FATAL_FAILURE(CreateAndOpen("dane\\a10", {{"a", "A10"}}, t10, r10));
+  ASSERT_NO_FATAL_FAILURE(CreateAndOpen("dane\\a11", {{"a", "A11"}}, t11, r11));
   ASSERT_EQ(PGRecBufOpen(t10, r10b), 0);
-  ASSERT_EQ(PGRecBufOpen(t11, r11), 0);
   ASSERT_EQ(PGPutAlpha(r10, 1, "abc"), 0);
   EXPECT_EQ(PGRecBufCopy(r10, r11), kPGLayoutDiffers);
   EXPECT_EQ(PGRecBufCopy(r10, rec_), kPGLayoutDiffers);
@@ -222,9 +213,8 @@ TEST_F(RecordTest, CopiesNeedTheSameLayout) {
   EXPECT_EQ(PGRecGet(t11, r10), kPGLayoutDiffers);
 
   int32_t size = 0;
-  ASSERT_EQ(CreateTable("dane\\len", {{"a", "A10"}, {"d", "D"}}), 0);
-  int16_t tl = 0;
-  ASSERT_EQ(PGTblOpen("dane\\len", tl, 0), 0);
+  int16_t tl = 0, rl = 0;
+  ASSERT_NO_FATAL_FAILURE(CreateAndOpen("dane\\len", {{"a", "A10"}, {"d", "D"}}, tl, rl));
   ASSERT_EQ(PGRecLen(tl, size), 0);
   EXPECT_EQ(size, 22);
 }

@@ -1,9 +1,7 @@
-// Record writes against the real server: every byte a text can hold, hostile
-// values in every literal, the state of the table after each write, row locks.
+// Record writes against the real server: hostile values in every literal, the
+// state of the table after each write, row locks.
 #include <string>
-#include <vector>
 
-#include "base/codepage.h"
 #include "sqltable/pgnav.h"
 #include "sqltable/pgrecord.h"
 #include "sqltable/pgwrite.h"
@@ -22,12 +20,6 @@ class WriteTest : public OneTableTest {
     Open();
   }
   void Open() { OpenTable("dane\\w"); }
-  // A second table without key fields, one field a (A5), open with a buffer.
-  static void OpenOneFieldTable(const char* path, int16_t& tbl, int16_t& rec) {
-    ASSERT_EQ(CreateTable(path, {{"a", "A5"}}), 0);
-    ASSERT_EQ(PGTblOpen(path, tbl, 0), 0);
-    ASSERT_EQ(PGRecBufOpen(tbl, rec), 0);
-  }
   PGTable& T() { return *PGTableAt(tbl_); }
   // Appends one row through the buffer.
   int16_t Append(const ShortText& kod, const ShortText& nazwa, int32_t ilosc) {
@@ -54,7 +46,7 @@ TEST_F(WriteTest, AppendTakesTheRowIdBackAndBecomesTheCurrentRecord) {
 
 TEST_F(WriteTest, HandlesAndLayoutsAreChecked) {
   int16_t other = 0, otherRec = 0;
-  ASSERT_NO_FATAL_FAILURE(OpenOneFieldTable("dane\\inna", other, otherRec));
+  ASSERT_NO_FATAL_FAILURE(CreateAndOpen("dane\\inna", {{"a", "A5"}}, other, otherRec));
   EXPECT_EQ(PGRecAppend(99, rec_), kPGBadTableHandle);
   EXPECT_EQ(PGRecAppend(tbl_, 198), kPGBadRecordBuffer);
   EXPECT_EQ(PGRecAppend(tbl_, otherRec), kPGLayoutDiffers);
@@ -64,37 +56,16 @@ TEST_F(WriteTest, HandlesAndLayoutsAreChecked) {
   EXPECT_EQ(Rows(), "");
 }
 
-// Every byte a text can hold survives the trip; 0 becomes a blank and 1
-// (the separator's form in the database) comes back as 255.
-TEST_F(WriteTest, EveryByteOfATextRoundTrips) {
-  std::string sent = "'\\%_";
-  for (int c = 2; c <= 31; ++c) sent += static_cast<char>(c);
-  sent += '\xFF';
-  sent += '\0';
-  sent += '\x01';
-  sent += "\\'";
-  std::string expected = sent;
-  expected[expected.size() - 4] = ' ';
-  expected[expected.size() - 3] = '\xFF';
-  ASSERT_EQ(Append("K", ShortText(std::string_view(sent)), 1), 0) << PGLastOp.Str();
-  PGResult res;
-  ASSERT_EQ(PGRunQueryWithTup("SELECT nazwa FROM dane_w", res), 0);
-  EXPECT_EQ(DbToMaz(res.Text(0, 0)).Str(), expected);  // what the server holds
-  ASSERT_EQ(PGRecFirst(tbl_), 0);
-  ASSERT_EQ(PGRecGet(tbl_, rec_), 0);
-  ShortText back;
-  ASSERT_EQ(PGGetAlpha(rec_, 2, back), 0);
-  EXPECT_EQ(back.Str(), expected);
-  EXPECT_EQ(Scalar("SELECT length(nazwa) FROM dane_w"), std::to_string(sent.size()));
-}
-
 const char* const kHostile[] = {
     "x'); DROP TABLE dane_w; --",
     "\\'; DELETE FROM dane_w; --",
     "' OR '1'='1",
     "'' OR 1=1 --",
     "\\",
+    "'",
+    "''",
     "a\\'b",
+    "\\\\'",
     "%_%",
     "$$; DROP TABLE dane_w; $$",
     "E'\\x27'",
@@ -119,17 +90,6 @@ TEST_F(WriteTest, NoValueCanAlterAStatement) {
     ASSERT_EQ(PGRecDelete(tbl_), 0) << PGLastOp.Str();
     EXPECT_EQ(Rows(), "zz-guard|guard|0");
   }
-}
-
-// A number that is not number text cannot reach the statement bare.
-TEST_F(WriteTest, NumberValuesAreNeverBareText) {
-  PGRawArea raw;
-  ASSERT_EQ(PGRawGet(rec_, raw), 0);
-  const std::string evil = "1); DROP TABLE dane_w; --";
-  std::copy(evil.begin(), evil.end() + 1, raw.begin() + 2 * kPGRawSlot);
-  ASSERT_EQ(PGRawPut(rec_, raw), 0);
-  EXPECT_EQ(PGRecAppend(tbl_, rec_), kPGIndexInCatalogue);
-  EXPECT_EQ(Scalar("SELECT count(*) FROM dane_w"), "0");
 }
 
 TEST_F(WriteTest, UpdateWithoutChangeSendsNothing) {
@@ -174,7 +134,7 @@ TEST_F(WriteTest, UpdateTellsWhetherTheOrderingMayChange) {
 
 TEST_F(WriteTest, TablesWithoutKeysAreWrittenByRowId) {
   int16_t t = 0, r = 0;
-  ASSERT_NO_FATAL_FAILURE(OpenOneFieldTable("dane\\bez", t, r));
+  ASSERT_NO_FATAL_FAILURE(CreateAndOpen("dane\\bez", {{"a", "A5"}}, t, r));  // no key fields
   ASSERT_EQ(PGPutAlpha(r, 1, "same"), 0);
   ASSERT_EQ(PGRecAppend(t, r), 0);
   ASSERT_EQ(PGRecAppend(t, r), 0);  // two equal rows: only the row id tells them apart
@@ -186,7 +146,7 @@ TEST_F(WriteTest, TablesWithoutKeysAreWrittenByRowId) {
   EXPECT_FALSE(PGTableAt(t)->positioned);
 }
 
-TEST_F(WriteTest, DeleteAndStayGoesToTheNextRowOrThePreviousAtTheEnd) {
+TEST_F(WriteTest, DeleteAndStayGoesToTheNextRowOrThePreviousAtTheEndOrNowhere) {
   for (const char* k : {"A", "B", "C", "D", "E"}) ASSERT_EQ(Append(k, k, 0), 0);
   ASSERT_EQ(PGRecFirst(tbl_), 0);
   ASSERT_EQ(PGRecNext(tbl_), 0);  // on B
@@ -205,10 +165,8 @@ TEST_F(WriteTest, DeleteAndStayGoesToTheNextRowOrThePreviousAtTheEnd) {
   ASSERT_EQ(PGRecDeleteD(tbl_), 0);
   EXPECT_FALSE(T().positioned);
   EXPECT_EQ(Rows(), "A|A|0;C|C|0");
-}
-
-TEST_F(WriteTest, DeleteAndStayOnTheOnlyRowLeavesTheTableUnplaced) {
-  ASSERT_EQ(Append("A", "a", 0), 0);
+  // On the only row, the row goes and the table stays unplaced.
+  ASSERT_TRUE(Psql("DELETE FROM dane_w WHERE kod='A'"));
   ASSERT_EQ(PGRecFirst(tbl_), 0);
   ASSERT_EQ(PGRecDeleteD(tbl_), 0);
   EXPECT_FALSE(T().positioned);

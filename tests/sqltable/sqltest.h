@@ -85,6 +85,17 @@ class CatalogueTest : public ConnectedTest {
     ConnectedTest::SetUp();
     ASSERT_EQ(PGinitializett(), 0) << PGLastOp.Str();
   }
+  // The table's indexes in name order, each "[UNIQUE ]name (columns)", ';' between them.
+  static std::string IndexesOf(const std::string& table) {
+    return Scalar("SELECT string_agg(regexp_replace(indexdef, 'CREATE (UNIQUE )?INDEX (\\S+) ON \\S+ USING btree ', "
+                  "'\\1\\2 '), ';' ORDER BY indexname) FROM pg_indexes WHERE schemaname=current_schema() AND tablename='" +
+                  table + "'");
+  }
+  // The table's catalogue rows in field order, each "name/type/k/i/ci/cilp/typi/typci", ' ' between them.
+  static std::string CatalogueOf(const std::string& table) {
+    return Scalar("SELECT string_agg(concat_ws('/', nazp, typp, trim(k), trim(i), ci, cilp, typi, typci), ' ' "
+                  "ORDER BY lp) FROM tables_list WHERE nazt='" + table + "'");
+  }
 };
 
 // A catalogue suite that works on one open table through one record buffer.
@@ -107,6 +118,15 @@ class OneTableTest : public CatalogueTest {
     EXPECT_EQ(PGGetAlpha(rec_, fld, v), 0);
     return v.Str();
   }
+  // A move's or a search's code, and a field of the row it leaves the table on.
+  void ExpectOn(int16_t code, int fld, int32_t value, int16_t expected = 0) {
+    EXPECT_EQ(code, expected);
+    EXPECT_EQ(LongOf(fld), value);
+  }
+  void ExpectOn(int16_t code, int fld, const char* text, int16_t expected = 0) {
+    EXPECT_EQ(code, expected);
+    EXPECT_EQ(AlphaOf(fld), text);
+  }
   // The number of the current row as the layer counts it.
   int32_t Num() {
     int32_t n = -1;
@@ -118,13 +138,24 @@ class OneTableTest : public CatalogueTest {
 };
 
 // Creates a table from (name, type) pairs.
-inline int16_t CreateTable(const ShortText& path, std::initializer_list<std::pair<const char*, const char*>> fields) {
+inline int16_t CreateTable(const ShortText& path, const std::vector<std::pair<const char*, const char*>>& fields) {
   std::vector<PGName> names, types;
   for (const auto& f : fields) {
     names.emplace_back(f.first);
     types.emplace_back(f.second);
   }
   return PGTblCreate(path, static_cast<int>(names.size()), names.data(), types.data());
+}
+inline int16_t CreateTable(const ShortText& path, std::initializer_list<std::pair<const char*, const char*>> fields) {
+  return CreateTable(path, std::vector<std::pair<const char*, const char*>>(fields));
+}
+
+// Creates a table, opens it and a record buffer on it.
+inline void CreateAndOpen(const ShortText& path, const std::vector<std::pair<const char*, const char*>>& fields,
+                          int16_t& tbl, int16_t& rec) {
+  ASSERT_EQ(CreateTable(path, fields), 0) << PGLastOp.Str();
+  ASSERT_EQ(PGTblOpen(path, tbl, 0), 0) << PGLastOp.Str();
+  ASSERT_EQ(PGRecBufOpen(tbl, rec), 0);
 }
 
 // In a forked child: a connection of its own, the parent's left untouched.
